@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <tessel/Export.h>
+
+#include <cstdint>
+#include <memory>
+#include <string_view>
+
+#include <Inventor/nodes/SoNode.h>
+
+class VrmlCollideAction;
+class VrmlCountAction;
+class VrmlPreTraverseAction;
+
+namespace tessel {
+class WorldReader;
+struct FieldSpec;
+
+/// The name that a file gave a node, as it was written, and where.
+struct DefName {
+  SbName name;
+  SbName file;
+  int line = 0;
+};
+
+/// Kid types: what a branch holds that the traversal before rendering looks for.
+namespace KidType {
+constexpr std::uint32_t spatialLight = 1;
+constexpr std::uint32_t sound = 2;
+constexpr std::uint32_t foreign = 0x7FFF;      ///< of a child that is no VrmlNode: anything may be in it
+constexpr std::uint32_t notComputed = 0xFFFF;  ///< of a group whose children changed
+}  // namespace KidType
+}  // namespace tessel
+
+/// Base of every VRML node.
+///
+/// It adds to the toolkit's node the kinds of fields, the reading of a node body, the summary of what lies
+/// below (kid type), the node's part in the library's own traversals, and deep copy.
+class TESSEL_API VrmlNode : public SoNode {
+  typedef SoNode inherited;
+  SO_NODE_ABSTRACT_HEADER(VrmlNode);
+
+public:
+  static void initClass();
+  static constexpr const char* fileFormatName = "Node";
+  const char* getFileFormatName() const override;
+
+  /// The DEF name exactly as the file has it; empty if the node has none. `getName` gives it less its
+  /// instance suffix, and with the characters that the toolkit allows.
+  const SbName& getDefName() const;
+  /// Name, file and line of the DEF, null if the node has none.
+  const tessel::DefName* getDef() const { return def.get(); }
+  void setDef(tessel::DefName name);
+
+  // The node's part in the library's traversals; nothing by default.
+  virtual void collisionDetect(VrmlCollideAction* action);
+  virtual void count(VrmlCountAction* action);
+  virtual void doPreTraverse(VrmlPreTraverseAction* action);
+
+  /// Whether this is a prototype instance that works as a node of `type`. An instance whose definition has
+  /// not arrived yet passes a test that is not strict.
+  virtual int isProtoOfType(const SoType& type, int strict);
+  /// A field got a value in a way that sends no notification: bring derived state up to date, tell nobody.
+  virtual void notifyContainerOnly(const SoField* field);
+
+  /// Bit set of tessel::KidType of this node and all below it.
+  virtual std::uint32_t getKidType();
+  virtual int hasKidType(int mask);
+
+  /// The number of the field's tessel::FieldKind; 4 for a field that no class lists.
+  virtual int getFieldType(const SoField* field) const;
+  /// Whether a connection between these fields is a route of the file, not an internal link.
+  virtual int isVrmlRoute(const SoField* from, const SoField* to) const;
+  /// Whether the node stands in space.
+  virtual int isSpatial() const;
+  virtual VrmlNode* strictVrmlReplacement();
+  /// Whether the node acts on its siblings and so is drawn ahead of them.
+  virtual int shouldRenderBeforeOtherChildren() const;
+  /// Veto against copying the connection of a field with the node.
+  virtual int shouldCopyFieldConnection(const SoField* field) const;
+
+  /// Reads the body of the node, from behind its opening brace up to its closing one.
+  /// False after a report if the body is wrong. Notification is off meanwhile.
+  virtual bool readBody(tessel::WorldReader& reader);
+  /// The entry of the class's field table under that name in the file, null if there is none.
+  virtual const tessel::FieldSpec* findField(std::string_view name) const;
+
+  /// Gives a field the neutral value of its type: 0, empty, null, the identity.
+  static void initializeField(SoField* field);
+  /// Copies a node with all that hangs from its fields; what is shared stays shared. The result is
+  /// unreferenced.
+  static SoNode* deepCopy(const VrmlNode* node, int copyConnections);
+  static bool isDoingDeepCopy();
+
+  /// False unless a class says otherwise: the state that a VRML node changes is gone when it is done.
+  SbBool affectsState() const override { return FALSE; }
+  SoNode* addToCopyDict() const override;
+
+protected:
+  VrmlNode();
+  ~VrmlNode() override;
+
+  std::uint32_t kidType = 0;
+
+private:
+  /// The toolkit's reader never reads our nodes: gives FALSE after a report.
+  SbBool readInstance(SoInput* in, unsigned short flags) override;
+
+  std::unique_ptr<tessel::DefName> def;
+};
