@@ -10,6 +10,7 @@
 class SbXfBox3f;
 class SoBoundingBoxCache;
 class SoGLCacheList;
+class SoSensor;
 
 /// A group with a bounding box, view-frustum culling, display-list caches, and children that events change.
 class TESSEL_API VrmlCullingGroup : public tessel::NodeClass<VrmlCullingGroup, VrmlBaseGroup> {

@@ -7,7 +7,9 @@
 #include <memory>
 #include <string_view>
 
+#include <Inventor/SbName.h>
 #include <Inventor/nodes/SoNode.h>
+#include <Inventor/nodes/SoSubNode.h>
 
 class VrmlCollideAction;
 class VrmlCountAction;
