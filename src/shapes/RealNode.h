@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <tessel/core/VrmlSFNode.h>
+
+#include <Inventor/nodes/SoNode.h>
+
+namespace tessel {
+
+/// The node of class T that a field holds, through prototype instances; null if it holds none.
+template <class T>
+T* realNode(const VrmlSFNode& field) {
+  SoNode* node = field.getRealValue();
+  return node && node->isOfType(T::getClassTypeId()) ? static_cast<T*>(node) : nullptr;
+}
+
+}  // namespace tessel
