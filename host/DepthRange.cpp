@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "DepthRange.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tessel::host {
+namespace {
+
+constexpr float deepestRatio = 1e5f;  // what 24 bits of depth bear
+constexpr float margin = 0.01f;       // room before and behind, so that rounding cuts nothing off
+constexpr float detail = 1e-3f;       // the smallest part of a world that a visitor goes close to
+
+}  // namespace
+
+std::vector<DepthRange> depthSlices(const DepthNeeds& needs) {
+  if (needs.world.isEmpty()) return {{0.1f, 1000.0f}};
+  const float front = -needs.world.getMax()[2], back = -needs.world.getMin()[2];
+
+  float farthest = back * (1 + margin);
+  if (needs.visibilityLimit > 0) farthest = std::min(farthest, needs.visibilityLimit);
+  // All of the world lies behind the eye, or is no larger than a point: any sound volume will do.
+  if (!(farthest > 0) || !std::isfinite(farthest)) return {{0.1f, 1000.0f}};
+
+  const SbVec3f size = needs.world.getSize();
+  const float extent = std::max({size[0], size[1], size[2]});
+  // How near anything can stand: the avatar keeps its distance, except in a world that is small beside it.
+  float nearest = std::min(needs.avatarRadius > 0 ? needs.avatarRadius / 2 : farthest, extent * detail);
+  if (!(nearest > 0)) nearest = farthest * detail;
+  nearest = std::max(nearest, front * (1 - margin));
+  nearest = std::min(nearest, farthest * (1 - 2 * margin));
+  // Beyond that, floats themselves run out.
+  nearest = std::max(nearest, farthest * 1e-12f);
+
+  const float ratio = farthest / nearest;
+  const int count = std::max(1, static_cast<int>(std::ceil(std::log(ratio) / std::log(deepestRatio))));
+  const float step = std::pow(ratio, 1.0f / static_cast<float>(count));
+  std::vector<DepthRange> slices;
+  for (float end = farthest; static_cast<int>(slices.size()) < count; end /= step) slices.push_back({end / step, end});
+  slices.back().nearest = nearest;
+  return slices;
+}
+
+}  // namespace tessel::host
