@@ -36,7 +36,8 @@ std::vector<DepthRange> depthSlices(const DepthNeeds& needs) {
   const int count = std::max(1, static_cast<int>(std::ceil(std::log(ratio) / std::log(deepestRatio))));
   const float step = std::pow(ratio, 1.0f / static_cast<float>(count));
   std::vector<DepthRange> slices;
-  for (float end = farthest; static_cast<int>(slices.size()) < count; end /= step) slices.push_back({end / step, end});
+  for (float end = farthest; static_cast<int>(slices.size()) < count; end /= step)
+    slices.push_back({end / step, end});
   slices.back().nearest = nearest;
   return slices;
 }

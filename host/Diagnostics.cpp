@@ -27,11 +27,13 @@ void setTextAndPlace(Message& message, std::string_view posted, std::string_view
     std::string_view place = posted.substr(at + mark.size());
     place.remove_prefix(std::min(place.find_first_not_of(' '), place.size()));
     const auto [end, error] = std::from_chars(place.data(), place.data() + place.size(), message.line);
-    if (error == std::errc()) place.remove_prefix(static_cast<std::size_t>(end - place.data()));
-    else message.line = 0;
+    if (error == std::errc())
+      place.remove_prefix(static_cast<std::size_t>(end - place.data()));
+    else
+      message.line = 0;
     if (place.starts_with(" in ")) {
-      const std::string_view file = place.substr(4, place.find('\n') == std::string_view::npos
-                                                        ? std::string_view::npos : place.find('\n') - 4);
+      const std::string_view file = place.substr(
+          4, place.find('\n') == std::string_view::npos ? std::string_view::npos : place.find('\n') - 4);
       if (!file.empty()) message.file = file;
     }
     posted = posted.substr(0, at);
@@ -40,7 +42,8 @@ void setTextAndPlace(Message& message, std::string_view posted, std::string_view
   message.text = printable(posted.substr(0, last == std::string_view::npos ? 0 : last + 1));
 }
 
-/// Complaints of the toolkit that mean nothing to who looks at a world: it asks GLX about a context made by EGL.
+/// Complaints of the toolkit that mean nothing to who looks at a world: it asks GLX about a context made by
+/// EGL.
 bool isNoise(const Message& message) { return message.source.starts_with("glxglue_isdirect"); }
 
 }  // namespace
@@ -58,7 +61,8 @@ Message parseLiveComplaint(std::string_view posted, Severity severity, std::stri
   message.severity = severity;
   // "Coin warning in SOURCE(): TEXT", with "error" and "info" alike.
   const std::size_t in = posted.find(" in "), colon = posted.find("(): ");
-  if (posted.starts_with("Coin ") && in != std::string_view::npos && colon != std::string_view::npos && in < colon) {
+  if (posted.starts_with("Coin ") && in != std::string_view::npos && colon != std::string_view::npos &&
+      in < colon) {
     message.source = printable(posted.substr(in + 4, colon - in - 4));
     posted.remove_prefix(colon + 4);
   }
@@ -73,8 +77,7 @@ std::string formatted(const Message& message) {
 }
 
 Diagnostics::Diagnostics(Output o)
-    : output(o),
-      oldRead{SoReadError::getHandlerCallback(), SoReadError::getHandlerData()},
+    : output(o), oldRead{SoReadError::getHandlerCallback(), SoReadError::getHandlerData()},
       oldLive{SoDebugError::getHandlerCallback(), SoDebugError::getHandlerData()} {
   SoReadError::setHandlerCallback(readErrorCB, this);
   SoDebugError::setHandlerCallback(liveErrorCB, this);
@@ -113,7 +116,9 @@ void Diagnostics::progress(std::string_view text) const {
   if (output == Output::verbose) std::cerr << printable(world) << ": " << text << '\n';
 }
 
-void Diagnostics::complain(std::string_view text) const { std::cerr << "tessel: " << printable(text) << '\n'; }
+void Diagnostics::complain(std::string_view text) const {
+  std::cerr << "tessel: " << printable(text) << '\n';
+}
 
 void Diagnostics::write(JsonWriter& json) const {
   json.beginArray();
@@ -145,7 +150,8 @@ void Diagnostics::liveErrorCB(const SoError* error, void* self) {
 
 void Diagnostics::add(Message message) {
   if (isNoise(message)) return;
-  const auto [at, isNew] = known.try_emplace(Key(message.severity, message.file, message.line, message.text), list.size());
+  const auto [at, isNew] =
+      known.try_emplace(Key(message.severity, message.file, message.line, message.text), list.size());
   if (!isNew) {
     ++list[at->second].count;
     return;
@@ -167,10 +173,10 @@ void Diagnostics::add(Message message) {
 
 bool Diagnostics::shown(Severity severity) const {
   switch (output) {
-    case Output::collectOnly: return false;
-    case Output::quiet: return severity == Severity::error;
-    case Output::normal: return severity != Severity::note;
-    case Output::verbose: return true;
+  case Output::collectOnly: return false;
+  case Output::quiet: return severity == Severity::error;
+  case Output::normal: return severity != Severity::note;
+  case Output::verbose: return true;
   }
   return true;
 }

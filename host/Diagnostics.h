@@ -30,16 +30,16 @@ struct Message {
 /// `world` is the file where the text names none.
 Message parseReadError(std::string_view posted, std::string_view world);
 
-/// The same for a complaint of a live world ("Coin warning in CLASS::FUNCTION(): TEXT"); a warning of the reader
-/// bears a place as read errors do.
+/// The same for a complaint of a live world ("Coin warning in CLASS::FUNCTION(): TEXT"); a warning of the
+/// reader bears a place as read errors do.
 Message parseLiveComplaint(std::string_view posted, Severity severity, std::string_view world);
 
 /// `FILE:LINE: error: TEXT`, without the line where there is none.
 std::string formatted(const Message& message);
 
-/// Listens to the toolkit's read and debug errors for as long as it lives, and reports them on standard error as
-/// they come: equal ones once, with their count at the end of the world. At most `maxDistinct` different ones of each
-/// severity a world, so that a hostile file can't fill memory or terminal.
+/// Listens to the toolkit's read and debug errors for as long as it lives, and reports them on standard error
+/// as they come: equal ones once, with their count at the end of the world. At most `maxDistinct` different
+/// ones of each severity a world, so that a hostile file can't fill memory or terminal.
 class Diagnostics {
 public:
   enum class Output { quiet, normal, verbose, collectOnly };

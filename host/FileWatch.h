@@ -13,8 +13,8 @@ class FileWatch {
 public:
   explicit FileWatch(std::string path);
 
-  /// True once for each change, as soon as the file has stayed the same from one call to the next: a file that
-  /// is just being written isn't ready. Missing files count as unchanged.
+  /// True once for each change, as soon as the file has stayed the same from one call to the next: a file
+  /// that is just being written isn't ready. Missing files count as unchanged.
   bool changed();
 
 private:

@@ -38,8 +38,10 @@ public:
   /// Infinity and nan, which JSON lacks, become null.
   void value(std::floating_point auto number) {
     separate();
-    if (number - number == 0) out << number;
-    else out << "null";
+    if (number - number == 0)
+      out << number;
+    else
+      out << "null";
   }
   void value(std::integral auto number) {
     separate();

@@ -8,9 +8,9 @@ namespace tessel::host {
 namespace {
 
 constexpr float quarterTurn = 1.57079633f;
-constexpr float nearingPerUnit = 4;   // dragging over the whole window changes the distance e^4 = 55 times
-constexpr float flightPerUnit = 10;   // the same in FLY is ten seconds of flight
-constexpr float closest = 1e-4f;      // of the scene's size: nearer to the pivot nothing is seen
+constexpr float nearingPerUnit = 4;  // dragging over the whole window changes the distance e^4 = 55 times
+constexpr float flightPerUnit = 10;  // the same in FLY is ten seconds of flight
+constexpr float closest = 1e-4f;     // of the scene's size: nearer to the pivot nothing is seen
 
 SbVec3f axis(const SbRotation& orientation, const SbVec3f& local) {
   SbVec3f out;
@@ -33,17 +33,19 @@ Pose Navigation::turned(const Pose& from, const SbVec2f& drag) const {
     const SbVec3f ahead = axis(from.orientation, SbVec3f(0, 0, -1));
     const float height = std::asin(std::clamp(ahead.dot(up), -1.0f, 1.0f));
     const float limit = 0.99f * quarterTurn;
-    const float allowed = std::clamp(height + pitch, std::min(-limit, height), std::max(limit, height)) - height;
+    const float allowed =
+        std::clamp(height + pitch, std::min(-limit, height), std::max(limit, height)) - height;
     return {from.position, normalized(from.orientation * SbRotation(right, allowed) * SbRotation(up, -yaw))};
   }
   // The world follows the hand, so the viewer goes the other way round.
-  const SbRotation swing = SbRotation(right, pitch) * SbRotation(axis(from.orientation, SbVec3f(0, 1, 0)), -yaw);
+  const SbRotation swing =
+      SbRotation(right, pitch) * SbRotation(axis(from.orientation, SbVec3f(0, 1, 0)), -yaw);
   return {pivot + axis(swing, from.position - pivot), normalized(from.orientation * swing)};
 }
 
 Pose Navigation::panned(const Pose& from, const SbVec2f& drag) const {
-  const float reach = mode == Mode::fly ? speed * flightPerUnit
-                                        : 2 * pivotDistance(from) * std::tan(fieldOfView / 2);
+  const float reach =
+      mode == Mode::fly ? speed * flightPerUnit : 2 * pivotDistance(from) * std::tan(fieldOfView / 2);
   const SbVec3f shift = axis(from.orientation, SbVec3f(-drag[0] * reach, -drag[1] * reach, 0));
   return {from.position + shift, from.orientation};
 }
@@ -52,7 +54,8 @@ Pose Navigation::advanced(const Pose& from, float amount) const {
   const SbVec3f ahead = axis(from.orientation, SbVec3f(0, 0, -1));
   if (mode == Mode::fly) return {from.position + ahead * (amount * speed * flightPerUnit), from.orientation};
   const float distance = pivotDistance(from);
-  const float wanted = std::max(distance * std::exp(-amount * nearingPerUnit), std::min(distance, sceneSize * closest));
+  const float wanted =
+      std::max(distance * std::exp(-amount * nearingPerUnit), std::min(distance, sceneSize * closest));
   return {from.position + ahead * (distance - wanted), from.orientation};
 }
 

@@ -25,18 +25,18 @@ public:
   };
 
   Mode mode = Mode::examine;
-  SbVec3f pivot{0, 0, 0};        ///< what EXAMINE turns about, in the viewer's frame
-  SbVec3f up{0, 1, 0};           ///< what FLY turns about
-  float speed = 1;               ///< units a second in FLY
-  float fieldOfView = 0.785398f; ///< across the window's smaller side, radians
-  float sceneSize = 1;           ///< extent of the world: the least step of EXAMINE is a part of it
+  SbVec3f pivot{0, 0, 0};         ///< what EXAMINE turns about, in the viewer's frame
+  SbVec3f up{0, 1, 0};            ///< what FLY turns about
+  float speed = 1;                ///< units a second in FLY
+  float fieldOfView = 0.785398f;  ///< across the window's smaller side, radians
+  float sceneSize = 1;            ///< extent of the world: the least step of EXAMINE is a part of it
 
   /// Left button: EXAMINE swings round the pivot, FLY turns the head. Half a window is a quarter turn.
   Pose turned(const Pose& from, const SbVec2f& drag) const;
   /// Middle button: sideways and up; in EXAMINE the pivot's depth follows the pointer.
   Pose panned(const Pose& from, const SbVec2f& drag) const;
-  /// Right button and wheel: EXAMINE nears the pivot by a constant factor a unit and never reaches it, FLY goes
-  /// forward. Positive is forward.
+  /// Right button and wheel: EXAMINE nears the pivot by a constant factor a unit and never reaches it, FLY
+  /// goes forward. Positive is forward.
   Pose advanced(const Pose& from, float amount) const;
 
 private:

@@ -8,7 +8,8 @@
 
 namespace tessel::host {
 
-/// An OpenGL context with a drawing surface in memory: needs no display and no server. Current from its creation.
+/// An OpenGL context with a drawing surface in memory: needs no display and no server. Current from its
+/// creation.
 class OffscreenContext {
 public:
   /// Null if it can't be had; `failure` then says why.

@@ -42,8 +42,21 @@ namespace {
 /// The visual for drawing: smooth edges if the server has them.
 XVisualInfo* chosenVisual(Display* display) {
   for (const int samples : {4, 0}) {
-    int wanted[] = {GLX_RGBA, GLX_DOUBLEBUFFER, GLX_RED_SIZE, 8, GLX_GREEN_SIZE, 8, GLX_BLUE_SIZE, 8, GLX_DEPTH_SIZE, 24,
-                    GLX_SAMPLE_BUFFERS, samples > 0, GLX_SAMPLES, samples, 0};
+    int wanted[] = {GLX_RGBA,
+                    GLX_DOUBLEBUFFER,
+                    GLX_RED_SIZE,
+                    8,
+                    GLX_GREEN_SIZE,
+                    8,
+                    GLX_BLUE_SIZE,
+                    8,
+                    GLX_DEPTH_SIZE,
+                    24,
+                    GLX_SAMPLE_BUFFERS,
+                    samples > 0,
+                    GLX_SAMPLES,
+                    samples,
+                    0};
     if (XVisualInfo* visual = glXChooseVisual(display, DefaultScreen(display), wanted)) return visual;
   }
   return nullptr;
@@ -61,10 +74,11 @@ std::string Window::State::open(std::string_view title) {
   const ::Window root = RootWindow(display, visual->screen);
   XSetWindowAttributes attributes{};
   attributes.colormap = colormap = XCreateColormap(display, root, visual->visual, AllocNone);
-  attributes.event_mask = ExposureMask | StructureNotifyMask | KeyPressMask | ButtonPressMask | ButtonReleaseMask |
-                          PointerMotionMask;
+  attributes.event_mask = ExposureMask | StructureNotifyMask | KeyPressMask | ButtonPressMask |
+                          ButtonReleaseMask | PointerMotionMask;
   window = XCreateWindow(display, root, 0, 0, static_cast<unsigned>(width), static_cast<unsigned>(height), 0,
-                         visual->depth, InputOutput, visual->visual, CWColormap | CWEventMask | CWBorderPixel, &attributes);
+                         visual->depth, InputOutput, visual->visual, CWColormap | CWEventMask | CWBorderPixel,
+                         &attributes);
   context = glXCreateContext(display, visual, nullptr, True);
   XFree(visual);
   if (!window || !context) return "the display gives no OpenGL window";
@@ -102,50 +116,55 @@ bool Window::State::translate(XEvent& event, WindowEvent& out) {
     out.y = height - 1 - y;
   };
   switch (event.type) {
-    case Expose:
-      if (event.xexpose.count > 0) return false;
-      out.kind = WindowEvent::Kind::expose;
-      return true;
-    case ConfigureNotify:
-      skipTo(event, ConfigureNotify);
-      if (event.xconfigure.width == width && event.xconfigure.height == height) return false;
-      out.kind = WindowEvent::Kind::resize;
-      out.x = width = std::max(1, event.xconfigure.width);
-      out.y = height = std::max(1, event.xconfigure.height);
-      return true;
-    case KeyPress: {
-      char text[8];
-      KeySym symbol = NoSymbol;
-      const int length = XLookupString(&event.xkey, text, sizeof text, &symbol, nullptr);
-      out.kind = WindowEvent::Kind::key;
-      if (symbol == XK_Escape) out.key = WindowEvent::Key::escape;
-      else if (symbol == XK_Page_Up || symbol == XK_KP_Page_Up) out.key = WindowEvent::Key::pageUp;
-      else if (symbol == XK_Page_Down || symbol == XK_KP_Page_Down) out.key = WindowEvent::Key::pageDown;
-      else if (length == 1) out.character = static_cast<char>(std::tolower(static_cast<unsigned char>(text[0])));
-      else return false;
-      return true;
-    }
-    case ButtonPress:
-    case ButtonRelease: {
-      const bool press = event.type == ButtonPress;
-      out.kind = press ? WindowEvent::Kind::press : WindowEvent::Kind::release;
-      out.button = static_cast<int>(event.xbutton.button);
-      at(event.xbutton.x, event.xbutton.y);
-      if (press && held == 0 && out.button <= 3) held = out.button;
-      if (!press && held == out.button) held = 0;
-      return true;
-    }
-    case MotionNotify:
-      skipTo(event, MotionNotify);
-      out.kind = WindowEvent::Kind::motion;
-      out.button = held;
-      at(event.xmotion.x, event.xmotion.y);
-      return true;
-    case ClientMessage:
-      if (static_cast<Atom>(event.xclient.data.l[0]) != deleteWindow) return false;
-      out.kind = WindowEvent::Kind::close;
-      return true;
-    default: return false;
+  case Expose:
+    if (event.xexpose.count > 0) return false;
+    out.kind = WindowEvent::Kind::expose;
+    return true;
+  case ConfigureNotify:
+    skipTo(event, ConfigureNotify);
+    if (event.xconfigure.width == width && event.xconfigure.height == height) return false;
+    out.kind = WindowEvent::Kind::resize;
+    out.x = width = std::max(1, event.xconfigure.width);
+    out.y = height = std::max(1, event.xconfigure.height);
+    return true;
+  case KeyPress: {
+    char text[8];
+    KeySym symbol = NoSymbol;
+    const int length = XLookupString(&event.xkey, text, sizeof text, &symbol, nullptr);
+    out.kind = WindowEvent::Kind::key;
+    if (symbol == XK_Escape)
+      out.key = WindowEvent::Key::escape;
+    else if (symbol == XK_Page_Up || symbol == XK_KP_Page_Up)
+      out.key = WindowEvent::Key::pageUp;
+    else if (symbol == XK_Page_Down || symbol == XK_KP_Page_Down)
+      out.key = WindowEvent::Key::pageDown;
+    else if (length == 1)
+      out.character = static_cast<char>(std::tolower(static_cast<unsigned char>(text[0])));
+    else
+      return false;
+    return true;
+  }
+  case ButtonPress:
+  case ButtonRelease: {
+    const bool press = event.type == ButtonPress;
+    out.kind = press ? WindowEvent::Kind::press : WindowEvent::Kind::release;
+    out.button = static_cast<int>(event.xbutton.button);
+    at(event.xbutton.x, event.xbutton.y);
+    if (press && held == 0 && out.button <= 3) held = out.button;
+    if (!press && held == out.button) held = 0;
+    return true;
+  }
+  case MotionNotify:
+    skipTo(event, MotionNotify);
+    out.kind = WindowEvent::Kind::motion;
+    out.button = held;
+    at(event.xmotion.x, event.xmotion.y);
+    return true;
+  case ClientMessage:
+    if (static_cast<Atom>(event.xclient.data.l[0]) != deleteWindow) return false;
+    out.kind = WindowEvent::Kind::close;
+    return true;
+  default: return false;
   }
 }
 

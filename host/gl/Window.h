@@ -12,10 +12,10 @@ struct WindowEvent {
   enum class Kind { expose, resize, key, press, release, motion, close };
   enum class Key { none, escape, pageUp, pageDown };
   Kind kind = Kind::expose;
-  int x = 0, y = 0;      ///< pointer in pixels from the lower left; the new size for `resize`
-  int button = 0;        ///< 1 left, 2 middle, 3 right, 4 and 5 the wheel; for `motion` the one held, 0 for none
-  char character = 0;    ///< of `key`, in lower case, 0 if it has none
-  Key key = Key::none;   ///< keys without a character
+  int x = 0, y = 0;  ///< pointer in pixels from the lower left; the new size for `resize`
+  int button = 0;    ///< 1 left, 2 middle, 3 right, 4 and 5 the wheel; for `motion` the one held, 0 for none
+  char character = 0;   ///< of `key`, in lower case, 0 if it has none
+  Key key = Key::none;  ///< keys without a character
 };
 
 /// An X11 window with a double-buffered OpenGL context, current from its creation.
@@ -33,7 +33,8 @@ public:
   /// Shows what has been drawn.
   void swap();
 
-  /// The next event that has arrived, in order; consecutive motions and resizes come as one. False if none waits.
+  /// The next event that has arrived, in order; consecutive motions and resizes come as one. False if none
+  /// waits.
   bool next(WindowEvent& event);
   /// Sleeps until an event arrives, at most so many seconds.
   void wait(double seconds);
