@@ -42,12 +42,16 @@ endif()
 set(CMAKE_CXX_EXTENSIONS OFF)
 
 # What the toolkit and the driver keep until the end, and where they race with themselves, is compiled into the
-# programs that run under a sanitizer; so they need no environment.
-set(suppressions ${CMAKE_CURRENT_BINARY_DIR}/SanitizerSuppressions.cpp)
-file(READ ${CMAKE_CURRENT_LIST_DIR}/lsan.supp TESSEL_LSAN_SUPPRESSIONS)
-file(READ ${CMAKE_CURRENT_LIST_DIR}/tsan.supp TESSEL_TSAN_SUPPRESSIONS)
-configure_file(${CMAKE_CURRENT_LIST_DIR}/SanitizerSuppressions.cpp.in ${suppressions} @ONLY)
-set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS
-  ${CMAKE_CURRENT_LIST_DIR}/lsan.supp ${CMAKE_CURRENT_LIST_DIR}/tsan.supp)
-add_library(tessel-suppressions OBJECT EXCLUDE_FROM_ALL ${suppressions})
-target_link_libraries(tessel-suppressions PRIVATE tessel-build)
+# programs that run under a sanitizer: `tessel-sanitizer-support`, which is empty in other builds.
+add_library(tessel-sanitizer-support INTERFACE)
+if(TESSEL_SANITIZE)
+  find_file(TESSEL_SOFTWARE_DRIVER swrast_dri.so PATHS /usr/lib/${CMAKE_LIBRARY_ARCHITECTURE}/dri /usr/lib/dri)
+  file(READ ${CMAKE_CURRENT_LIST_DIR}/lsan.supp TESSEL_LSAN_SUPPRESSIONS)
+  file(READ ${CMAKE_CURRENT_LIST_DIR}/tsan.supp TESSEL_TSAN_SUPPRESSIONS)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS
+    ${CMAKE_CURRENT_LIST_DIR}/lsan.supp ${CMAKE_CURRENT_LIST_DIR}/tsan.supp)
+  configure_file(${CMAKE_CURRENT_LIST_DIR}/SanitizerSupport.cpp.in
+    ${CMAKE_CURRENT_BINARY_DIR}/SanitizerSupport.cpp @ONLY)
+  target_sources(tessel-sanitizer-support INTERFACE ${CMAKE_CURRENT_BINARY_DIR}/SanitizerSupport.cpp)
+  target_link_libraries(tessel-sanitizer-support INTERFACE ${CMAKE_DL_LIBS})
+endif()
