@@ -36,6 +36,7 @@ public:
   virtual int hasEnabledGeometricSensors() const;
 
   SoChildList* getChildren() const override;
+  bool holdsChildren() const override { return true; }
   std::uint32_t getKidType() override;
 
   /// The order in which children are drawn: those that act on their siblings first.
@@ -84,8 +85,9 @@ protected:
 private:
   struct Orders;
   const Orders& orders() const;
-  void handleGrabbed(SoHandleEventAction* action);
-  void handleFirst(SoHandleEventAction* action);
+  template <class Change> void changeChildren(Change change);
+  void dispatchToChildren(SoHandleEventAction* action);
+  void dispatchToGrabbingSensors(SoHandleEventAction* action);
 
   mutable std::unique_ptr<Orders> computedOrders;
   int sensorHandled = 0;

@@ -82,6 +82,19 @@ public:
   /// Veto against copying the connection of a field with the node.
   virtual int shouldCopyFieldConnection(const SoField* field) const;
 
+  /// Whether the node is a parent whose branch may change as a whole (a group, an Inline).
+  virtual bool holdsChildren() const;
+
+  // What a group asks of a child that may be a sensor of pointing devices for its siblings.
+  virtual bool isGeometricSensor() const;
+  virtual bool isSensorEnabled() const;
+  /// The group holds the grab in the sensor's place: the next release of a grab is not the sensor's.
+  virtual void ignoreGrabRelease();
+
+  /// Whether nodes in the node's fields do not hang from it in a traversal, so that they may be nodes above
+  /// it (a Script).
+  virtual bool holdsNodesWeakly() const;
+
   /// Reads the body of the node, from behind its opening brace up to its closing one.
   /// False after a report if the body is wrong. Notification is off meanwhile.
   virtual bool readBody(tessel::WorldReader& reader);

@@ -1,0 +1,410 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include <tessel/core/VrmlBaseGroup.h>
+
+#include <algorithm>
+
+#include <Inventor/SoFullPath.h>
+#include <Inventor/actions/SoActions.h>
+#include <Inventor/elements/SoCacheElement.h>
+#include <Inventor/elements/SoViewVolumeElement.h>
+#include <Inventor/misc/SoState.h>
+
+#include <tessel/actions/VrmlCollideAction.h>
+#include <tessel/actions/VrmlCountAction.h>
+#include <tessel/actions/VrmlPreTraverseAction.h>
+#include <tessel/core/VrmlMFChildren.h>
+#include <tessel/toolkit/Scoped.h>
+
+#include "core/NodeClassImpl.h"
+
+using tessel::FieldSpec;
+
+namespace {
+
+// The toolkit's action has no public way to take the mark back but a new event.
+void clearHandled(SoHandleEventAction* action) { action->setEvent(action->getEvent()); }
+
+}  // namespace
+
+// The two orders, as indices of the child list. They are found when somebody asks after a change.
+struct VrmlBaseGroup::Orders {
+  std::vector<int> render;
+  std::size_t numRenderFirst = 0;  // entries at the head of `render` that act on their siblings
+  std::vector<int> event;
+  std::size_t numSensors = 0;  // entries at the tail of `event` that are geometric sensors
+};
+
+std::span<const FieldSpec> VrmlBaseGroup::fields() { return {}; }
+
+VrmlBaseGroup::VrmlBaseGroup() : VrmlBaseGroup(0) {}
+
+VrmlBaseGroup::VrmlBaseGroup(int expectedChildren)
+    : childList(expectedChildren > 0 ? std::make_unique<SoChildList>(this, expectedChildren)
+                                     : std::make_unique<SoChildList>(this)) {
+  setUpFields();
+  kidType = tessel::KidType::notComputed;
+}
+
+VrmlBaseGroup::~VrmlBaseGroup() = default;
+
+// Children.
+
+SoChildList* VrmlBaseGroup::getChildren() const { return childList.get(); }
+
+template <class Change>
+void VrmlBaseGroup::changeChildren(Change change) {
+  {
+    const tessel::NotifyOff silence(static_cast<SoNode&>(*this));
+    change(*childList);
+  }
+  recalcTraverseOrder();
+  childrenChanged();
+}
+
+void VrmlBaseGroup::childrenChanged() { startNotify(); }
+
+void VrmlBaseGroup::addChild(VrmlNode* child) {
+  changeChildren([&](SoChildList& list) { list.append(child); });
+}
+
+void VrmlBaseGroup::insertChild(VrmlNode* child, int index) {
+  changeChildren([&](SoChildList& list) {
+    if (index < list.getLength())
+      list.insert(child, index);
+    else
+      list.append(child);
+  });
+}
+
+SoNode* VrmlBaseGroup::getChild(int index) const { return (*childList)[index]; }
+int VrmlBaseGroup::findChild(const VrmlNode* child) const { return childList->find(const_cast<VrmlNode*>(child)); }
+int VrmlBaseGroup::getNumChildren() const { return childList->getLength(); }
+
+void VrmlBaseGroup::removeChild(int index) {
+  if (index < 0) return;
+  const tessel::SoRef<SoNode> keep((*childList)[index]);  // no destructor in the middle of a notification
+  changeChildren([&](SoChildList& list) { list.remove(index); });
+}
+
+void VrmlBaseGroup::removeAllChildren() {
+  changeChildren([](SoChildList& list) { list.truncate(0); });
+}
+
+void VrmlBaseGroup::replaceChild(int index, VrmlNode* child) {
+  if (index < 0) return;
+  const tessel::SoRef<SoNode> keep((*childList)[index]);
+  changeChildren([&](SoChildList& list) { list.set(index, child); });
+}
+
+void VrmlBaseGroup::replaceChild(VrmlNode* oldChild, VrmlNode* newChild) { replaceChild(findChild(oldChild), newChild); }
+
+// Orders.
+
+void VrmlBaseGroup::recalcTraverseOrder() { computedOrders.reset(); }
+
+const VrmlBaseGroup::Orders& VrmlBaseGroup::orders() const {
+  if (computedOrders) return *computedOrders;
+  auto found = std::make_unique<Orders>();
+  std::vector<int> others, sensors;
+  for (int i = 0; i < childList->getLength(); ++i) {
+    const SoNode* child = (*childList)[i];
+    const bool isSensor = child->isOfType(VrmlNode::getClassTypeId()) && static_cast<const VrmlNode*>(child)->isGeometricSensor();
+    const bool actsOnSiblings = !isSensor && child->isOfType(VrmlNode::getClassTypeId()) &&
+                                static_cast<const VrmlNode*>(child)->shouldRenderBeforeOtherChildren();
+    (actsOnSiblings ? found->render : others).push_back(i);
+    (isSensor ? sensors : found->event).push_back(i);
+  }
+  found->numRenderFirst = found->render.size();
+  found->render.insert(found->render.end(), others.begin(), others.end());
+  found->numSensors = sensors.size();
+  found->event.insert(found->event.end(), sensors.begin(), sensors.end());
+  computedOrders = std::move(found);
+  return *computedOrders;
+}
+
+const std::vector<int>& VrmlBaseGroup::getRenderOrder() const { return orders().render; }
+const std::vector<int>& VrmlBaseGroup::getEventOrder() const { return orders().event; }
+
+int VrmlBaseGroup::hasEnabledGeometricSensors() const {
+  const Orders& o = orders();
+  return std::any_of(o.event.end() - static_cast<std::ptrdiff_t>(o.numSensors), o.event.end(),
+                     [this](int i) { return static_cast<VrmlNode*>((*childList)[i])->isSensorEnabled(); });
+}
+
+std::uint32_t VrmlBaseGroup::getKidType() {
+  if (kidType != tessel::KidType::notComputed) return kidType;
+  kidType = 0;
+  for (int i = 0; i < childList->getLength(); ++i) {
+    SoNode* child = (*childList)[i];
+    kidType |= child->isOfType(VrmlNode::getClassTypeId()) ? static_cast<VrmlNode*>(child)->getKidType()
+                                                           : tessel::KidType::foreign;
+  }
+  return kidType;
+}
+
+bool VrmlBaseGroup::readBody(tessel::WorldReader& reader) {
+  if (!NodeClass::readBody(reader)) return false;
+  recalcTraverseOrder();
+  return true;
+}
+
+// Traversal.
+
+void VrmlBaseGroup::doAction(SoAction* action) {
+  int numIndices = 0;
+  const int* indices = nullptr;
+  if (action->getPathCode(numIndices, indices) == SoAction::IN_PATH)
+    childList->traverse(action, indices[numIndices - 1]);
+  else
+    childList->traverse(action);
+}
+
+void VrmlBaseGroup::callback(SoCallbackAction* action) { VrmlBaseGroup::doAction(action); }
+void VrmlBaseGroup::pick(SoPickAction* action) { VrmlBaseGroup::doAction(action); }
+void VrmlBaseGroup::collisionDetect(VrmlCollideAction* action) { VrmlBaseGroup::doAction(action); }
+
+void VrmlBaseGroup::count(VrmlCountAction* action) { VrmlBaseGroup::doAction(action); }
+
+void VrmlBaseGroup::search(SoSearchAction* action) {
+  VrmlNode::search(action);
+  if (!action->isFound()) VrmlBaseGroup::doAction(action);
+}
+
+void VrmlBaseGroup::getMatrix(SoGetMatrixAction* action) {
+  if (action->getCurPathCode() == SoAction::IN_PATH) VrmlBaseGroup::doAction(action);
+}
+
+void VrmlBaseGroup::doPreTraverse(VrmlPreTraverseAction* action) {
+  if (!hasKidType(action->kidTypeMask)) return;
+  const tessel::StateScope scope(action->getState());
+  VrmlBaseGroup::doAction(action);
+}
+
+void VrmlBaseGroup::getBoundingBox(SoGetBoundingBoxAction* action) {
+  int numIndices = 0;
+  const int* indices = nullptr;
+  const bool inPath = action->getPathCode(numIndices, indices) == SoAction::IN_PATH;
+  const int first = inPath ? indices[numIndices - 1] : 0;
+  const int last = inPath ? first : childList->getLength() - 1;
+  SbVec3f sum(0, 0, 0);
+  int centers = 0;
+  for (int i = first; i <= last; ++i) {
+    childList->traverse(action, i);
+    if (!action->isCenterSet()) continue;
+    sum += action->getCenter();
+    ++centers;
+    action->resetCenter();
+  }
+  if (centers > 0) action->setCenter(sum / static_cast<float>(centers), FALSE);
+}
+
+// Rendering.
+
+void VrmlBaseGroup::GLRender(SoGLRenderAction* action) {
+  switch (action->getCurPathCode()) {
+    case SoAction::NO_PATH:
+    case SoAction::BELOW_PATH:
+      GLRenderBelowPath(action);
+      break;
+    case SoAction::IN_PATH:
+      GLRenderInPath(action);
+      break;
+    case SoAction::OFF_PATH:
+      break;
+  }
+}
+
+void VrmlBaseGroup::GLRenderBelowPath(SoGLRenderAction* action) {
+  action->pushCurPath();
+  for (const int i : orders().render) {
+    SoNode* child = (*childList)[i];
+    action->popPushCurPath(i, child);
+    if (action->abortNow()) {
+      SoCacheElement::invalidate(action->getState());
+      break;
+    }
+    child->GLRenderBelowPath(action);
+    if (action->hasTerminated()) break;
+  }
+  action->popCurPath();
+}
+
+void VrmlBaseGroup::GLRenderInPath(SoGLRenderAction* action) {
+  int numIndices = 0;
+  const int* indices = nullptr;
+  const SoAction::PathCode code = action->getPathCode(numIndices, indices);
+  if (code != SoAction::IN_PATH) {
+    GLRenderBelowPath(action);
+    return;
+  }
+  const std::span<const int> onPath(indices, static_cast<std::size_t>(numIndices));
+  auto render = [&](int i, void (SoNode::*how)(SoGLRenderAction*)) {
+    SoNode* child = (*childList)[i];
+    action->pushCurPath(i, child);
+    if (action->abortNow())
+      SoCacheElement::invalidate(action->getState());
+    else
+      (child->*how)(action);
+    action->popCurPath(code);
+    return !action->hasTerminated();
+  };
+  const Orders& o = orders();
+  for (std::size_t n = 0; n < o.numRenderFirst; ++n)
+    if (std::ranges::find(onPath, o.render[n]) == onPath.end() && !render(o.render[n], &SoNode::GLRenderOffPath)) return;
+  for (const int i : onPath)
+    if (!render(i, &SoNode::GLRenderInPath)) return;
+}
+
+void VrmlBaseGroup::GLRenderOffPath(SoGLRenderAction*) {}
+
+// Events. VRML lets several sibling sensors be active at once, the toolkit knows one grabber: the group takes
+// the grab in the place of the sensors in it.
+
+void VrmlBaseGroup::handleEvent(SoHandleEventAction* action) {
+  switch (action->getCurPathCode()) {
+    case SoAction::OFF_PATH:
+      return;
+    case SoAction::IN_PATH:
+      VrmlBaseGroup::doAction(action);
+      return;
+    default:
+      break;
+  }
+  sensorHandled = 0;
+  if (action->getGrabber() == this && grabPath)
+    dispatchToGrabbingSensors(action);
+  else
+    dispatchToChildren(action);
+}
+
+void VrmlBaseGroup::dispatchToChildren(SoHandleEventAction* action) {
+  bool handledBySensor = false;
+  numGrabs = 0;
+  action->pushCurPath();
+  const std::vector<int> order = orders().event;  // a child may change the children
+  const std::size_t firstSensor = order.size() - orders().numSensors;
+  for (std::size_t n = 0; n < order.size() && order[n] < childList->getLength(); ++n) {
+    SoNode* child = (*childList)[order[n]];
+    action->popPushCurPath(order[n], child);
+    action->traverse(child);
+    if (n >= firstSensor && action->getGrabber() == child) {
+      static_cast<VrmlNode*>(child)->ignoreGrabRelease();
+      incrementGrabs();
+    }
+    if (!action->isHandled()) continue;
+    if (n < firstSensor) {
+      action->popCurPath();
+      return;
+    }
+    handledBySensor = true;
+    clearHandled(action);
+  }
+  if (handledBySensor) {
+    action->setHandled();
+    sensorHandled = 1;
+  }
+  action->popCurPath();
+  if (numGrabs == 0) return;
+  grabbing = true;
+  action->setGrabber(this);
+  grabPath.reset(action->getCurPath()->copy());
+  grabViewVolume = SoViewVolumeElement::get(action->getState());
+}
+
+void VrmlBaseGroup::dispatchToGrabbingSensors(SoHandleEventAction* action) {
+  // The path may be the root alone: follow the one of the press down to this group.
+  const auto* whole = static_cast<const SoFullPath*>(grabPath.get());
+  const int depth = static_cast<const SoFullPath*>(action->getCurPath())->getLength();
+  int pushed = 0;
+  for (int i = depth; i < whole->getLength(); ++i, ++pushed) action->pushCurPath(whole->getIndex(i), whole->getNode(i));
+  action->getState()->push();
+  SoViewVolumeElement::set(action->getState(), this, grabViewVolume);
+
+  bool handledBySensor = false;
+  dispatchingGrab = true;
+  action->pushCurPath();
+  const std::vector<int> order = orders().event;
+  for (std::size_t n = order.size() - orders().numSensors; n < order.size() && order[n] < childList->getLength(); ++n) {
+    auto* sensor = static_cast<VrmlNode*>((*childList)[order[n]]);
+    action->popPushCurPath(order[n], sensor);
+    action->traverse(sensor);
+    if (SoNode* grabber = action->getGrabber(); grabber != this) {
+      if (grabber == sensor) {
+        sensor->ignoreGrabRelease();
+        incrementGrabs();
+      } else if (!grabber) {
+        sensor->grabEventsCleanup();
+        decrementGrabs();
+      }
+      action->setGrabber(this);
+    }
+    if (!action->isHandled()) continue;
+    handledBySensor = true;
+    clearHandled(action);
+  }
+  action->popCurPath();
+  dispatchingGrab = false;
+
+  action->getState()->pop();
+  for (; pushed > 0; --pushed) action->popCurPath();
+  if (handledBySensor) {
+    action->setHandled();
+    sensorHandled = 1;
+  }
+  if (numGrabs > 0) return;
+  grabbing = false;
+  action->setGrabber(nullptr);
+  action->setHandled();
+}
+
+void VrmlBaseGroup::grabEventsSetup() { ref(); }
+
+void VrmlBaseGroup::grabEventsCleanup() {
+  if (!dispatchingGrab) {
+    grabbing = false;
+    grabPath.reset();
+    const Orders& o = orders();
+    for (std::size_t n = o.event.size() - o.numSensors; n < o.event.size(); ++n)
+      (*childList)[o.event[n]]->grabEventsCleanup();
+  }
+  unref();
+}
+
+// Notification.
+
+void VrmlBaseGroup::notify(SoNotList* list) {
+  const SoNotRec* record = list->getLastRec();
+  const SoField* field = list->getLastField();
+  if (record && (record->getType() == SoNotRec::CONTAINER || record->getType() == SoNotRec::PARENT)) {
+    const SoNode* source = list->getFirstRecAtNode() ? static_cast<SoNode*>(list->getFirstRecAtNode()->getBase()) : nullptr;
+    const bool structural = field ? field->isOfType(VrmlMFChildren::getClassTypeId())
+                                  : source && source->isOfType(VrmlNode::getClassTypeId()) &&
+                                        static_cast<const VrmlNode*>(source)->holdsChildren();
+    if (structural) kidType = tessel::KidType::notComputed;
+    if (structural && record->getType() == SoNotRec::CONTAINER) recalcTraverseOrder();
+  }
+  VrmlNode::notify(list);
+}
+
+// Copying.
+
+SoNode* VrmlBaseGroup::addToCopyDict() const {
+  if (SoFieldContainer* copied = checkCopy(this)) return static_cast<SoNode*>(copied);
+  SoNode* copy = NodeClass::addToCopyDict();
+  for (int i = 0; i < childList->getLength(); ++i) (*childList)[i]->addToCopyDict();
+  return copy;
+}
+
+void VrmlBaseGroup::copyContents(const SoFieldContainer* from, SbBool copyConnections) {
+  NodeClass::copyContents(from, copyConnections);
+  const SoChildList& theirs = *static_cast<const VrmlBaseGroup*>(from)->childList;
+  changeChildren([&](SoChildList& list) {
+    list.truncate(0);
+    for (int i = 0; i < theirs.getLength(); ++i) {
+      const SoFieldContainer* copy = findCopy(theirs[i], copyConnections);
+      list.append(copy ? static_cast<SoNode*>(const_cast<SoFieldContainer*>(copy)) : theirs[i]);
+    }
+  });
+}
+
+template class tessel::NodeClass<VrmlBaseGroup, VrmlNode>;

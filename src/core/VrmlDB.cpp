@@ -1,0 +1,257 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include <tessel/core/VrmlDB.h>
+
+#include <algorithm>
+#include <cctype>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include <Inventor/SoDB.h>
+#include <Inventor/SoInput.h>
+#include <Inventor/SoSceneManager.h>
+#include <Inventor/errors/SoReadError.h>
+#include <Inventor/fields/SoSFTime.h>
+
+#include <tessel/core/VrmlGroup.h>
+#include <tessel/toolkit/Scoped.h>
+
+#include "Registration.h"
+#include "core/WorldReader.h"
+
+using tessel::ReadOptions;
+using tessel::ReadStatus;
+using tessel::SoRef;
+using tessel::WorldReader;
+
+SbString VrmlDB::header_v1;
+SbString VrmlDB::header_v2;
+SbString VrmlDB::header_v2_draft1;
+SbString VrmlDB::header_v2_draft2;
+SbString VrmlDB::baseURL;
+int VrmlDB::usingVrmlTypeIds = 0;
+SbTime VrmlDB::frameTime;
+SbTime VrmlDB::prevFrameTime;
+
+namespace {
+
+constexpr const char* convertFromV1 = "File is VRML V1.0 - it should be converted to V2.0 before reading";
+
+SoSFTime* realTime = nullptr;
+
+// The readers of inputs of which not all statements have been taken yet.
+using Attached = std::map<const SoInput*, std::unique_ptr<WorldReader>>;
+Attached& attached() {
+  static Attached readers;
+  return readers;
+}
+
+// A reader for a text with a V2 header. Null with the status that the read ends in.
+std::unique_ptr<WorldReader> makeReader(std::optional<tessel::SourceText> text, const std::string& fileName,
+                                        const std::string& complaint, const ReadOptions& options, ReadStatus& status) {
+  status = ReadStatus::failed;
+  if (!text) {
+    tessel::postReadError(fileName, 1, complaint);
+    return nullptr;
+  }
+  switch (text->header) {
+    case tessel::Header::vrml2:
+      break;
+    case tessel::Header::vrml2Odd: {
+      const char* complaintOfHeader = "The header is not written as \"#VRML V2.0 utf8\"";
+      if (options.strict) {
+        tessel::postReadError(text->fileName, 1, complaintOfHeader);
+        return nullptr;
+      }
+      tessel::Lexer atHeader(text->text);
+      const tessel::ReadScope scope(atHeader, text->fileName);
+      tessel::postReadWarning("VrmlDB::read", complaintOfHeader);
+      break;
+    }
+    case tessel::Header::vrml1:
+      tessel::postReadError(text->fileName, 1, convertFromV1);
+      return nullptr;
+    case tessel::Header::toolkit:
+    case tessel::Header::none:
+      if (text->text.find_first_not_of(" \t\r\n", text->bodyStart) == std::string_view::npos)
+        status = ReadStatus::empty;
+      else
+        tessel::postReadError(text->fileName, 1, "The file does not begin with \"#VRML V2.0 utf8\"");
+      return nullptr;
+  }
+  return std::make_unique<WorldReader>(std::move(*text), options);
+}
+
+// The prototypes that a file defines are in scope to its end; a nested read works inside the scope around it.
+class PrototypeScope {
+public:
+  PrototypeScope() {
+    if (const auto begin = tessel::prototypeHooks().beginScope) begin();
+  }
+  ~PrototypeScope() {
+    if (const auto end = tessel::prototypeHooks().endScope) end();
+  }
+  PrototypeScope(const PrototypeScope&) = delete;
+  PrototypeScope& operator=(const PrototypeScope&) = delete;
+};
+
+SoNode* readAll(WorldReader& reader, ReadStatus& status) {
+  const tessel::ScopedValue<int> ours(VrmlDB::usingVrmlTypeIds, 1);
+  const PrototypeScope scope;
+  SoRef<VrmlGroup> root(new VrmlGroup);
+  for (;;) {
+    bool error = false;
+    const SoRef<VrmlNode> node = reader.readTopNode(error);
+    if (error) {
+      status = ReadStatus::failed;
+      return nullptr;
+    }
+    if (!node) break;
+    root->addChild(node.get());
+  }
+  status = root->getNumChildren() == 0 ? ReadStatus::empty : ReadStatus::world;
+  if (root->getNumChildren() == 0) return nullptr;
+  if (root->getNumChildren() > 1) return root.release();
+  SoRef<SoNode> only(root->getChild(0));
+  root.reset();
+  return only.release();
+}
+
+// A file of the toolkit's own format: its nodes have no place in a world.
+SoNode* readForeign(SoInput* in, ReadStatus& status) {
+  SoNode* node = nullptr;
+  const bool ok = SoDB::read(in, node);
+  status = ok && !node ? ReadStatus::empty : ReadStatus::failed;
+  if (node) {
+    const SoRef<SoNode> release(node);
+    SoReadError::post(in, "Non-VRML 2.0 node (%s) found in world", node->getTypeId().getName().getString());
+  }
+  return nullptr;
+}
+
+bool beginsAsToolkitFile(SoInput* in) {
+  return in->isValidFile() && in->getNumBytesRead() > 0 && in->getHeader().getSubString(0, 8) == "#Inventor";
+}
+
+}  // namespace
+
+void VrmlDB::init() {
+  if (header_v2.getLength() > 0) return;
+  realTime = static_cast<SoSFTime*>(SoDB::getGlobalField("realTime"));
+  setBaseURL(nullptr);
+  tessel::registerAll();
+  header_v1 = "#VRML V1.0 ascii";
+  header_v2 = "#VRML V2.0 utf8";
+  header_v2_draft1 = "#VRML Draft #1 V2.0 utf8";
+  header_v2_draft2 = "#VRML Draft #2 V2.0 utf8";
+  for (const SbString* header : {&header_v2, &header_v2_draft1, &header_v2_draft2})
+    SoDB::registerHeader(*header, FALSE, 2.1F, preFileReadCB_v2, postFileReadCB_v2);
+  SoBase::setInstancePrefix("_");  // "+" is no identifier character
+  setFrameTime();
+  prevFrameTime = frameTime;
+}
+
+void VrmlDB::useVrmlTypeIds() { usingVrmlTypeIds = 1; }
+void VrmlDB::useToolkitTypeIds() { usingVrmlTypeIds = 0; }
+
+SoNode* VrmlDB::read(SoInput* in) {
+  ReadStatus status;
+  return read(in, status);
+}
+
+SoNode* VrmlDB::read(SoInput* in, ReadStatus& status, const ReadOptions& options) {
+  if (beginsAsToolkitFile(in)) return readForeign(in, status);
+  if (const auto found = attached().find(in); found != attached().end()) {
+    const std::unique_ptr<WorldReader> reader = std::move(found->second);
+    attached().erase(found);
+    return readAll(*reader, status);
+  }
+  std::string complaint;
+  auto text = tessel::takeText(*in, complaint);
+  const char* name = in->getCurFileName();
+  const auto reader = makeReader(std::move(text), name ? name : "", complaint, options, status);
+  return reader ? readAll(*reader, status) : nullptr;
+}
+
+SoNode* VrmlDB::read(std::string_view bytes, const char* fileName, ReadStatus& status, const ReadOptions& options) {
+  std::string complaint;
+  auto text = tessel::takeText(bytes, fileName, complaint);
+  const auto reader = makeReader(std::move(text), fileName, complaint, options, status);
+  return reader ? readAll(*reader, status) : nullptr;
+}
+
+SoNode* VrmlDB::readNode(SoInput* in, int& error) {
+  error = 1;
+  auto found = attached().find(in);
+  if (found == attached().end()) {
+    std::string complaint;
+    ReadStatus status;
+    auto text = tessel::takeText(*in, complaint);
+    const char* name = in->getCurFileName();
+    auto reader = makeReader(std::move(text), name ? name : "", complaint, {}, status);
+    if (!reader) {
+      error = status == ReadStatus::failed;
+      return nullptr;
+    }
+    found = attached().emplace(in, std::move(reader)).first;
+  }
+  const tessel::ScopedValue<int> ours(usingVrmlTypeIds, 1);
+  bool failed = false;
+  SoRef<VrmlNode> node = found->second->readTopNode(failed);
+  error = failed;
+  if (!node) attached().erase(found);
+  return node.release();
+}
+
+int VrmlDB::isIdentifierChar(char c) { return tessel::Lexer::isIdentifierChar(c); }
+
+int VrmlDB::isIdentifier(const SbString& text) {
+  const std::string_view all(text.getString(), static_cast<std::size_t>(text.getLength()));
+  return !all.empty() && std::ranges::all_of(all, tessel::Lexer::isIdentifierChar);
+}
+
+int VrmlDB::readIdentifier(SoInput* in, SbName& name) {
+  if (const auto found = attached().find(in); found != attached().end()) {
+    const std::string_view text = found->second->lexer().identifier();
+    if (!text.empty()) name = SbName(std::string(text).c_str());
+    return !text.empty();
+  }
+  constexpr std::size_t maxLength = 1023;
+  char c = 0;
+  do {
+    if (!in->get(c)) return 0;
+  } while (c == ',' || std::isspace(static_cast<unsigned char>(c)));
+  std::string text;
+  bool more = true;
+  for (; more && isIdentifierChar(c); more = in->get(c))
+    if (text.size() < maxLength) text.push_back(c);
+  if (more) in->putBack(c);
+  if (!text.empty()) name = SbName(text.c_str());
+  return !text.empty();
+}
+
+const SbTime& VrmlDB::getFrameTime() { return frameTime; }
+const SbTime& VrmlDB::getPrevFrameTime() { return prevFrameTime; }
+
+void VrmlDB::setFrameTime() {
+  prevFrameTime = frameTime;
+  frameTime = realTime ? realTime->getValue() : SbTime::getTimeOfDay();
+}
+
+void VrmlDB::takeClock(const SbTime& start) {
+  SoDB::enableRealTimeSensor(FALSE);
+  SoSceneManager::enableRealTimeUpdate(FALSE);
+  setClock(start);
+}
+
+void VrmlDB::setClock(const SbTime& now) {
+  if (auto* field = static_cast<SoSFTime*>(SoDB::getGlobalField("realTime"))) field->setValue(now);
+}
+
+void VrmlDB::setBaseURL(const char* url) { baseURL = url ? url : ""; }
+
+void VrmlDB::preFileReadCB_v2(void*, SoInput*) { useVrmlTypeIds(); }
+void VrmlDB::postFileReadCB_v2(void*, SoInput*) { useToolkitTypeIds(); }
+void VrmlDB::preFileReadCB_v1(void*, SoInput* in) { SoReadError::post(in, "%s", convertFromV1); }
+void VrmlDB::postFileReadCB_v1(void*, SoInput*) {}

@@ -1,0 +1,297 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "core/WorldReader.h"
+
+#include <cstdarg>
+#include <cstdio>
+
+#include <tessel/core/VrmlNode.h>
+
+#include "core/FieldSpec.h"
+#include "core/ValueReader.h"
+#include "toolkit/TypeNames.h"
+
+namespace tessel {
+
+namespace {
+
+struct Statement {
+  std::string keyword;
+  StatementReader reader;
+};
+
+std::vector<Statement>& statements() {
+  static std::vector<Statement> list;
+  return list;
+}
+
+// A name that a writer made up for a node without one: an underscore, then digits and underscores.
+bool isGenerated(std::string_view name) {
+  return name.starts_with('_') && name.find_first_not_of("0123456789_", 1) == std::string_view::npos;
+}
+
+// The name less its instance suffix: Box_12 and Box_1_2 are both Box, Box12 is itself; a '+' cuts too, as
+// writers of the toolkit make it.
+std::string_view withoutInstanceSuffix(std::string_view name) {
+  if (!name.empty() && name.back() >= '0' && name.back() <= '9') {
+    const std::size_t last = name.find_last_not_of("0123456789_");
+    const std::size_t tail = last == std::string_view::npos ? 0 : last + 1;
+    const std::size_t cut = name.find('_', tail);
+    if (cut != std::string_view::npos) name = name.substr(0, cut);
+  }
+  const std::size_t plus = name.find('+', 1);
+  return plus == std::string_view::npos ? name : name.substr(0, plus);
+}
+
+std::string formatted(const char* format, va_list arguments) {
+  char text[2048];
+  std::vsnprintf(text, sizeof text, format, arguments);
+  return text;
+}
+
+}  // namespace
+
+void registerStatement(std::string_view keyword, StatementReader reader) {
+  statements().push_back({std::string(keyword), reader});
+}
+
+PrototypeHooks& prototypeHooks() {
+  static PrototypeHooks hooks;
+  return hooks;
+}
+
+WorldReader::WorldReader(SourceText text, const ReadOptions& o)
+    : source(std::move(text)), readOptions(o),
+      tokens((source.bytes.empty() ? source.text : std::string_view(source.bytes)).substr(source.bodyStart), source.bodyLine),
+      scope(tokens, source.fileName) {}
+
+bool WorldReader::error(const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  postReadError(formatted(format, arguments));
+  va_end(arguments);
+  ++errors;
+  return false;
+}
+
+void WorldReader::warning(const char* where, const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  postReadWarning(where, formatted(format, arguments));
+  va_end(arguments);
+}
+
+bool WorldReader::readStatement(std::string_view word, bool& ok) {
+  for (const Statement& statement : statements()) {
+    if (statement.keyword != word) continue;
+    ok = statement.reader(*this);
+    return true;
+  }
+  return false;
+}
+
+SoRef<VrmlNode> WorldReader::readTopNode(bool& error) {
+  error = true;
+  for (;;) {
+    const std::string_view word = tokens.name();
+    if (word.empty()) {
+      warnOfRest();
+      error = false;
+      return {};
+    }
+    bool ok = false;
+    if (readStatement(word, ok)) {
+      if (!ok) return {};
+      continue;
+    }
+    tokens.putBack();
+    SoRef<VrmlNode> node = readNode(ok);
+    if (!ok || !node) return {};
+    error = false;
+    return node;
+  }
+}
+
+// The end of a text is where no name can be read. If something stands there all the same, the author meant
+// it to count.
+void WorldReader::warnOfRest() {
+  if (tokens.peek() >= 0)
+    warning("VrmlDB::read", "\"%c\" here ends the world; what follows is not read", tokens.peek());
+  tokens.stop();
+  if (tokens.endedInComment()) error("EOF reached before end of comment");
+}
+
+SoRef<VrmlNode> WorldReader::readNode(bool& ok) {
+  ok = false;
+  const std::string_view word = tokens.strictName();
+  if (word == "USE") {
+    SoRef<VrmlNode> node = readUse();
+    ok = static_cast<bool>(node);
+    return node;
+  }
+  if (word == "NULL") {
+    ok = true;
+    return {};
+  }
+  SoRef<VrmlNode> node;
+  if (word == "DEF") {
+    const std::string defName(tokens.name());
+    if (defName.empty()) {
+      error("A name was expected behind DEF");
+      return {};
+    }
+    node = readDefinition(defName, tokens.strictName());
+  } else {
+    node = readDefinition({}, word);
+  }
+  ok = static_cast<bool>(node);
+  return node;
+}
+
+SoRef<VrmlNode> WorldReader::readUse() {
+  const std::string name(tokens.name());
+  VrmlNode* node = findReference(name);
+  if (!node) {
+    error("Unknown reference \"%.200s\"", name.c_str());
+    return {};
+  }
+  if (makesCycle(node)) {
+    error("USE of \"%.200s\" inside itself", name.c_str());
+    return {};
+  }
+  return SoRef<VrmlNode>(node);
+}
+
+bool WorldReader::makesCycle(const VrmlNode* node) const {
+  for (auto i = open.rbegin(); i != open.rend(); ++i) {
+    if (i->holdsWeakly) return false;
+    if (i->node == node) return true;
+  }
+  return false;
+}
+
+SoRef<VrmlNode> WorldReader::createNode(std::string_view typeName) {
+  if (typeName.empty()) {
+    if (const int c = tokens.peek(); c < 0)
+      error("The file ends where a node was expected");
+    else
+      error("A node was expected at \"%c\"", c);
+    return {};
+  }
+  if (const auto createUse = prototypeHooks().createUse)
+    if (VrmlNode* use = createUse(*this, typeName)) return SoRef<VrmlNode>(use);
+
+  const int length = static_cast<int>(typeName.size());
+  const TypeNames::Entry entry = typeNames().find(typeName);
+  switch (entry.meaning) {
+    case TypeNames::Meaning::node:
+      return SoRef<VrmlNode>(static_cast<VrmlNode*>(entry.type.createInstance()));
+    case TypeNames::Meaning::abstractNode:
+    case TypeNames::Meaning::abstractForeign:
+      error("class \"%.*s\" is an abstract class", length, typeName.data());
+      break;
+    case TypeNames::Meaning::notANode:
+      error("\"%.*s\" is not an SoBase", length, typeName.data());
+      break;
+    case TypeNames::Meaning::foreignNode:
+      error("Non-VRML 2.0 node (%.*s) found in world", length, typeName.data());
+      break;
+    case TypeNames::Meaning::unknown: {
+      // A class that describes its own fields is one of the toolkit's, only not known here.
+      std::string_view first;
+      if (Lexer ahead = tokens; ahead.take('{')) first = ahead.strictName();
+      if (first == "fields" || first == "inputs")
+        error("Non-VRML 2.0 node (%s) found in world", first == "fields" ? "UnknownNode" : "UnknownEngine");
+      else
+        error("Unknown class \"%.*s\"", length, typeName.data());
+      break;
+    }
+  }
+  return {};
+}
+
+SoRef<VrmlNode> WorldReader::readDefinition(std::string_view defName, std::string_view typeName) {
+  const int defLine = defName.empty() ? 0 : tokens.line();
+  if (open.size() >= static_cast<std::size_t>(readOptions.maxNesting)) {
+    error("Nodes are nested more than %d levels deep", readOptions.maxNesting);
+    return {};
+  }
+  SoRef<VrmlNode> node = createNode(typeName);
+  if (!node) return {};
+  if (!defName.empty()) {
+    node->setDef({SbName(std::string(defName).c_str()), SbName(fileName().c_str()), defLine});
+    addReference(defName, node.get());
+  }
+  if (!tokens.take('{')) {
+    error("\"{\" was expected behind \"%s\"", node->getFileFormatName());
+    return {};
+  }
+  open.push_back({node.get(), node->holdsNodesWeakly()});
+  const bool ok = node->readBody(*this);
+  open.pop_back();
+  if (!ok) return {};
+  if (!tokens.take('}')) {
+    if (const int c = tokens.peek(); c < 0)
+      error("The file ends inside of \"%s\"", node->getFileFormatName());
+    else
+      error("A field name or \"}\" was expected at \"%c\" in \"%s\"", c, node->getFileFormatName());
+    return {};
+  }
+  return node;
+}
+
+bool WorldReader::readFields(VrmlNode& node) {
+  for (;;) {
+    const std::string_view name = tokens.strictName();
+    if (name.empty()) return true;
+    if (const FieldSpec* spec = node.findField(name)) {
+      if (!readFieldValue(*spec->in(node), spec->type, name)) return false;
+      continue;
+    }
+    bool ok = false;
+    if (readStatement(name, ok)) {
+      if (!ok) return false;
+      continue;
+    }
+    if (!readEventForm(node, name)) return false;
+  }
+}
+
+// set_x and x_changed stand for an exposed field x only in front of IS; a value goes under the plain name.
+bool WorldReader::readEventForm(VrmlNode& node, std::string_view name) {
+  constexpr std::string_view prefix = "set_", suffix = "_changed";
+  const FieldSpec* spec = nullptr;
+  if (name.size() >= 5 && name.starts_with(prefix)) spec = node.findField(name.substr(prefix.size()));
+  if (!spec && name.size() >= 9 && name.ends_with(suffix))
+    spec = node.findField(name.substr(0, name.size() - suffix.size()));
+  if (!spec) return error("Unknown field \"%.*s\"", static_cast<int>(name.size()), name.data());
+  bool failed = false;
+  const auto readIS = prototypeHooks().readIS;
+  if (readIS && readIS(*this, name, spec->in(node), failed)) return true;
+  if (failed) return false;
+  return error("A value was given to the event \"%.*s\"; it belongs to \"%.*s\"", static_cast<int>(name.size()), name.data(),
+               static_cast<int>(spec->name.size()), spec->name.data());
+}
+
+bool WorldReader::readFieldValue(SoField& field, ValueType type, std::string_view fieldName) {
+  bool failed = false;
+  if (const auto readIS = prototypeHooks().readIS; readIS && readIS(*this, fieldName, &field, failed)) return true;
+  if (failed) return false;
+  const int before = errors;
+  if (readValue(*this, field, type)) return true;
+  if (errors == before) error("Couldn't read value for field \"%.*s\"", static_cast<int>(fieldName.size()), fieldName.data());
+  return false;
+}
+
+VrmlNode* WorldReader::findReference(std::string_view name) const {
+  const auto found = references->find(std::string(name));
+  return found == references->end() ? nullptr : found->second.get();
+}
+
+void WorldReader::addReference(std::string_view name, VrmlNode* node) {
+  references->insert_or_assign(std::string(name), SoRef<VrmlNode>(node));
+  if (!isGenerated(name)) node->setName(SbName(std::string(withoutInstanceSuffix(name)).c_str()));
+}
+
+WorldReader::References* WorldReader::setReferences(References* other) { return std::exchange(references, other); }
+
+}  // namespace tessel

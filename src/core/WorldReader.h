@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include <Inventor/SbName.h>
+
+#include <tessel/core/VrmlDB.h>
+#include <tessel/toolkit/SoRef.h>
+
+#include "core/ValueType.h"
+#include "toolkit/Lexer.h"
+#include "toolkit/ReadReport.h"
+#include "toolkit/SourceText.h"
+
+class SoField;
+class SoNode;
+class VrmlNode;
+
+namespace tessel {
+
+struct FieldSpec;
+class WorldReader;
+
+/// A statement that is no node (ROUTE, PROTO, EXTERNPROTO) reads what follows its keyword; false after a
+/// report. The floor that knows the statement enters it at start-up.
+using StatementReader = bool (*)(WorldReader&);
+void registerStatement(std::string_view keyword, StatementReader reader);
+
+/// What the prototypes do in the middle of a read. Empty until they enter themselves.
+struct PrototypeHooks {
+  /// A new instance of the prototype of that name in scope, unreferenced; null if there is none.
+  VrmlNode* (*createUse)(WorldReader&, std::string_view name) = nullptr;
+  /// Reads `IS name` behind a field name. `error` is set after a report.
+  bool (*readIS)(WorldReader&, std::string_view fieldName, SoField* field, bool& error) = nullptr;
+  /// Begin and end of the name scope of a whole file.
+  void (*beginScope)() = nullptr;
+  void (*endScope)() = nullptr;
+};
+PrototypeHooks& prototypeHooks();
+
+/// Builds nodes from the tokens of one text.
+///
+/// Every function that fails has reported, with the line of the offending token.
+class WorldReader {
+public:
+  using References = std::unordered_map<std::string, SoRef<VrmlNode>>;
+
+  WorldReader(SourceText text, const ReadOptions& options);
+
+  Lexer& lexer() { return tokens; }
+  const ReadOptions& options() const { return readOptions; }
+  const std::string& fileName() const { return source.fileName; }
+
+  /// Reads statements until one node is complete. Null with `error` false at the end of the text.
+  SoRef<VrmlNode> readTopNode(bool& error);
+  /// Reads a statement that begins with `word` if it is one; `ok` tells how it went.
+  bool readStatement(std::string_view word, bool& ok);
+  /// Reads one node in the place of a value: DEF, USE, or a type name and a body. A null result with `ok`
+  /// stands for NULL.
+  SoRef<VrmlNode> readNode(bool& ok);
+  /// Reads the fields of a node up to its closing brace, which stays.
+  bool readFields(VrmlNode& node);
+  /// Reads what stands behind a field name into the field.
+  bool readFieldValue(SoField& field, ValueType type, std::string_view fieldName);
+
+  /// The node that a DEF of this text or prototype body has named, null if none.
+  VrmlNode* findReference(std::string_view name) const;
+  /// Names a node: enters it among the references and, less the instance suffix, with the toolkit.
+  void addReference(std::string_view name, VrmlNode* node);
+  /// Puts another set of references in place, for the body of a prototype; gives the old one.
+  References* setReferences(References* references);
+
+  /// Posts a read error in printf style. False, for `return reader.error(...)`.
+  [[gnu::format(printf, 2, 3)]] bool error(const char* format, ...);
+  /// Posts a warning of the read.
+  [[gnu::format(printf, 3, 4)]] void warning(const char* where, const char* format, ...);
+  /// How many errors were posted, to tell whether somebody below has reported already.
+  int errorCount() const { return errors; }
+
+private:
+  struct OpenNode {
+    const VrmlNode* node;
+    bool holdsWeakly;  // its node fields may point back up without making a cycle of traversals
+  };
+
+  SoRef<VrmlNode> createNode(std::string_view typeName);
+  SoRef<VrmlNode> readDefinition(std::string_view defName, std::string_view typeName);
+  SoRef<VrmlNode> readUse();
+  bool readEventForm(VrmlNode& node, std::string_view name);
+  bool makesCycle(const VrmlNode* node) const;
+  void warnOfRest();
+
+  SourceText source;
+  ReadOptions readOptions;
+  Lexer tokens;
+  ReadScope scope;
+  References fileReferences;
+  References* references = &fileReferences;
+  std::vector<OpenNode> open;
+  int errors = 0;
+};
+
+
+}  // namespace tessel
