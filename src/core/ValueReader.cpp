@@ -25,17 +25,6 @@ template <> constexpr std::size_t gatheredValues<SbString> = 8;
 
 // One value from the text, by its type in memory.
 
-bool readOne(WorldReader& reader, SbBool& out) {
-  const std::string_view word = reader.lexer().strictName();
-  if (word == "TRUE" || word == "FALSE") {
-    out = word == "TRUE";
-    return true;
-  }
-  const std::string_view shown = word.empty() ? reader.lexer().word() : word;
-  return reader.error("Unknown value (\"%.*s\") for SoSFBool (must be TRUE or FALSE)",
-                      static_cast<int>(std::min<std::size_t>(shown.size(), 200)), shown.data());
-}
-
 bool readOne(WorldReader& reader, float& out) { return reader.lexer().number(out); }
 bool readOne(WorldReader& reader, std::int32_t& out) { return reader.lexer().number(out); }
 
@@ -112,6 +101,18 @@ bool readSingle(WorldReader& reader, SoField& field) {
   if (!readOne(reader, value)) return false;
   static_cast<Field&>(field).setValue(value);
   return true;
+}
+
+bool readBool(WorldReader& reader, SoField& field) {
+  Lexer& lexer = reader.lexer();
+  const std::string_view word = lexer.strictName();
+  if (word == "TRUE" || word == "FALSE") {
+    static_cast<SoSFBool&>(field).setValue(word == "TRUE");
+    return true;
+  }
+  const std::string_view shown = word.empty() ? lexer.word() : word;
+  return reader.error("Unknown value (\"%.*s\") for SoSFBool (must be TRUE or FALSE)",
+                      static_cast<int>(std::min<std::size_t>(shown.size(), 200)), shown.data());
 }
 
 bool readImage(WorldReader& reader, SoField& field) {
@@ -237,7 +238,7 @@ constexpr auto readers = [] {
   using Reader = bool (*)(WorldReader&, SoField&);
   std::array<Reader, static_cast<std::size_t>(ValueType::count)> table{};
   auto set = [&](ValueType type, Reader reader) { table[static_cast<std::size_t>(type)] = reader; };
-  set(ValueType::sfBool, readSingle<SoSFBool, SbBool>);
+  set(ValueType::sfBool, readBool);
   set(ValueType::sfColor, readSingle<SoSFColor, SbColor>);
   set(ValueType::sfFloat, readSingle<SoSFFloat, float>);
   set(ValueType::sfImage, readImage);

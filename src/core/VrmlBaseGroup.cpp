@@ -21,8 +21,14 @@ using tessel::FieldSpec;
 
 namespace {
 
-// The toolkit's action has no public way to take the mark back but a new event.
-void clearHandled(SoHandleEventAction* action) { action->setEvent(action->getEvent()); }
+// The mark "handled" ends a traversal of the toolkit. A group with several sensors takes it back for as long
+// as it has sensors to ask.
+struct HandledMark : SoHandleEventAction {
+  static void clear(SoHandleEventAction* action) {
+    const auto setTerminated = &HandledMark::setTerminated;
+    (action->*setTerminated)(FALSE);
+  }
+};
 
 }  // namespace
 
@@ -291,13 +297,13 @@ void VrmlBaseGroup::dispatchToChildren(SoHandleEventAction* action) {
       static_cast<VrmlNode*>(child)->ignoreGrabRelease();
       incrementGrabs();
     }
-    if (!action->isHandled()) continue;
+    if (!action->hasTerminated()) continue;
     if (n < firstSensor) {
       action->popCurPath();
       return;
     }
     handledBySensor = true;
-    clearHandled(action);
+    HandledMark::clear(action);
   }
   if (handledBySensor) {
     action->setHandled();
@@ -338,9 +344,9 @@ void VrmlBaseGroup::dispatchToGrabbingSensors(SoHandleEventAction* action) {
       }
       action->setGrabber(this);
     }
-    if (!action->isHandled()) continue;
+    if (!action->hasTerminated()) continue;
     handledBySensor = true;
-    clearHandled(action);
+    HandledMark::clear(action);
   }
   action->popCurPath();
   dispatchingGrab = false;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "toolkit/TypeNames.h"
 
+#include <Inventor/SbName.h>
 #include <Inventor/engines/SoEngine.h>
 #include <Inventor/fields/SoField.h>
 #include <Inventor/lists/SoTypeList.h>
