@@ -66,7 +66,7 @@ OffscreenContext::~OffscreenContext() {
   eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
   if (context) eglDestroyContext(display, context);
   if (surface) eglDestroySurface(display, surface);
-  eglTerminate(display);
+  // The display is not terminated: the process has one, and other contexts may live on it.
 }
 
 Image OffscreenContext::picture() const {
