@@ -61,9 +61,12 @@ std::string OffscreenContext::open() {
   return {};
 }
 
+void OffscreenContext::makeCurrent() { eglMakeCurrent(display, surface, surface, context); }
+
 OffscreenContext::~OffscreenContext() {
   if (!display) return;
-  eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+  if (eglGetCurrentContext() == context)
+    eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
   if (context) eglDestroyContext(display, context);
   if (surface) eglDestroySurface(display, surface);
   // The display is not terminated: the process has one, and other contexts may live on it.

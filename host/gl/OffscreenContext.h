@@ -18,7 +18,10 @@ public:
   OffscreenContext(const OffscreenContext&) = delete;
   OffscreenContext& operator=(const OffscreenContext&) = delete;
 
-  /// What has been drawn so far.
+  /// Draws into this one again, after another was made current.
+  void makeCurrent();
+
+  /// What has been drawn so far, into the current context.
   Image picture() const;
 
 private:

@@ -10,17 +10,11 @@ namespace tessel::test {
 
 namespace fs = std::filesystem;
 
-fs::path testFile(std::string_view name) {
-  return fs::path(TESSEL_SOURCE_DIR) / "tests" / name;
-}
+fs::path testFile(std::string_view name) { return fs::path(TESSEL_SOURCE_DIR) / "tests" / name; }
 
-fs::path projectFile(std::string_view name) {
-  return fs::path(TESSEL_SOURCE_DIR) / name;
-}
+fs::path projectFile(std::string_view name) { return fs::path(TESSEL_SOURCE_DIR) / name; }
 
-fs::path builtProgram(std::string_view name) {
-  return fs::path(TESSEL_BINARY_DIR) / "bin" / name;
-}
+fs::path builtProgram(std::string_view name) { return fs::path(TESSEL_BINARY_DIR) / "bin" / name; }
 
 const fs::path& scratchDir() {
   static const ::testing::TestInfo* owner = nullptr;
