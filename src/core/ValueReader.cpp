@@ -115,6 +115,19 @@ bool readBool(WorldReader& reader, SoField& field) {
                       static_cast<int>(std::min<std::size_t>(shown.size(), 200)), shown.data());
 }
 
+bool readEnum(WorldReader& reader, SoField& f) {
+  SoSFEnum& field = static_cast<SoSFEnum&>(f);
+  const std::string_view word = reader.lexer().strictName();
+  for (int i = 0; i < field.getNumEnums(); ++i) {
+    SbName name;
+    const int value = field.getEnum(i, name);
+    if (word != name.getString()) continue;
+    field.setValue(value);
+    return true;
+  }
+  return false;
+}
+
 bool readImage(WorldReader& reader, SoField& field) {
   constexpr std::int64_t maxPixels = 64'000'000;
   Lexer& lexer = reader.lexer();
@@ -240,6 +253,7 @@ constexpr auto readers = [] {
   auto set = [&](ValueType type, Reader reader) { table[static_cast<std::size_t>(type)] = reader; };
   set(ValueType::sfBool, readBool);
   set(ValueType::sfColor, readSingle<SoSFColor, SbColor>);
+  set(ValueType::sfEnum, readEnum);
   set(ValueType::sfFloat, readSingle<SoSFFloat, float>);
   set(ValueType::sfImage, readImage);
   set(ValueType::sfInt32, readSingle<SoSFInt32, std::int32_t>);

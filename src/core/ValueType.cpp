@@ -45,6 +45,9 @@ void multiple(SoField& f, const FieldDefault& d) {
 }
 
 void image(SoField& field, const FieldDefault&) { static_cast<SoSFImage&>(field).setValue(SbVec2s(0, 0), 0, nullptr); }
+void sfEnum(SoField& field, const FieldDefault& d) {
+  if (d.text) static_cast<SoSFEnum&>(field).setValue(SbName(d.text));
+}
 void matrix(SoField& field, const FieldDefault&) { static_cast<SoSFMatrix&>(field).setValue(SbMatrix::identity()); }
 void sfNode(SoField& field, const FieldDefault&) { static_cast<SoSFNode&>(field).setValue(nullptr); }
 void mfNode(SoField& field, const FieldDefault&) { static_cast<SoMFNode&>(field).setNum(0); }
@@ -70,6 +73,7 @@ constexpr Row row(const char* word, void (*setDefault)(SoField&, const FieldDefa
 const std::array<Row, static_cast<std::size_t>(ValueType::count)> rows = {
     row<SoSFBool>("SFBool", single<SoSFBool, boolOf>),
     row<SoSFColor>("SFColor", single<SoSFColor, colorOf>),
+    row<SoSFEnum>("SFEnum", sfEnum),
     row<SoSFFloat>("SFFloat", single<SoSFFloat, floatOf>),
     row<SoSFImage>("SFImage", image),
     row<SoSFInt32>("SFInt32", single<SoSFInt32, intOf>),
@@ -97,7 +101,7 @@ const Row& rowOf(ValueType type) { return rows[static_cast<std::size_t>(type)]; 
 }  // namespace
 
 ValueType valueTypeNamed(std::string_view name) {
-  if (name == "SFMatrix") return ValueType::count;  // the toolkit's, unknown to the file format
+  if (name == "SFMatrix" || name == "SFEnum") return ValueType::count;  // nothing that a file declares
   for (std::size_t i = 0; i < rows.size(); ++i)
     if (name == rows[i].word) return static_cast<ValueType>(i);
   return ValueType::count;

@@ -11,10 +11,10 @@
 
 namespace tessel {
 
-/// The types of field values that the file format knows; `children` is spelled MFNode in a file, and
-/// sfMatrix does not appear there.
+/// The types of field values that the file format knows; `children` is spelled MFNode in a file. No file
+/// declares fields of the types sfEnum, which a class of ours has, and sfMatrix.
 enum class ValueType : std::uint8_t {
-  sfBool, sfColor, sfFloat, sfImage, sfInt32, sfMatrix, sfNode, sfRotation, sfString, sfTime, sfVec2f, sfVec3f,
+  sfBool, sfColor, sfEnum, sfFloat, sfImage, sfInt32, sfMatrix, sfNode, sfRotation, sfString, sfTime, sfVec2f, sfVec3f,
   mfColor, mfFloat, mfInt32, mfNode, mfRotation, mfString, mfTime, mfVec2f, mfVec3f, children,
   count
 };
@@ -26,6 +26,7 @@ template <class Field, ValueType type> struct HoldsValue {
 template <class Field> struct ValueTypeOf;
 template <> struct ValueTypeOf<SoSFBool> : HoldsValue<SoSFBool, ValueType::sfBool> {};
 template <> struct ValueTypeOf<SoSFColor> : HoldsValue<SoSFColor, ValueType::sfColor> {};
+template <> struct ValueTypeOf<SoSFEnum> : HoldsValue<SoSFEnum, ValueType::sfEnum> {};
 template <> struct ValueTypeOf<SoSFFloat> : HoldsValue<SoSFFloat, ValueType::sfFloat> {};
 template <> struct ValueTypeOf<SoSFImage> : HoldsValue<SoSFImage, ValueType::sfImage> {};
 template <> struct ValueTypeOf<SoSFInt32> : HoldsValue<SoSFInt32, ValueType::sfInt32> {};
