@@ -36,7 +36,7 @@ void NodeClass<Self, Parent>::initClass() {
                                    static_cast<uint16_t>(SoNode::getNextActionMethodIndex()));
   SoNode::incNextActionMethodIndex();
   classTypeId.makeInternal();  // out of reach of the toolkit's own reader
-  typeNames().add(Self::fileFormatName, classTypeId);
+  if constexpr (!requires { Self::standsInNoFile; }) typeNames().add(Self::fileFormatName, classTypeId);
 }
 
 template <class Self, class Parent> NodeClass<Self, Parent>::NodeClass() = default;

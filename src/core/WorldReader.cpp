@@ -243,33 +243,45 @@ bool WorldReader::readFields(VrmlNode& node) {
   for (;;) {
     const std::string_view name = tokens.strictName();
     if (name.empty()) return true;
-    if (const FieldSpec* spec = node.findField(name)) {
-      if (!readFieldValue(*spec->in(node), spec->type, name)) return false;
-      continue;
-    }
-    bool ok = false;
-    if (readStatement(name, ok)) {
-      if (!ok) return false;
-      continue;
-    }
-    if (!readEventForm(node, name)) return false;
+    if (!readField(node, name)) return false;
   }
+}
+
+bool WorldReader::readField(VrmlNode& node, std::string_view name) {
+  const NamedField found = findField(node, name);
+  if (found.field) return readFieldValue(*found.field, found.type, name);
+  bool ok = false;
+  if (readStatement(name, ok)) return ok;
+  return readEventForm(node, name);
+}
+
+// From the table of the node's class, or a field that this node alone has.
+WorldReader::NamedField WorldReader::findField(VrmlNode& node, std::string_view name) {
+  if (const FieldSpec* spec = node.findField(name)) return {spec->in(node), spec->type};
+  SoField* own = node.getField(SbName(std::string(name).c_str()));
+  return {own, own ? valueTypeOf(*own) : ValueType::count};
 }
 
 // set_x and x_changed stand for an exposed field x only in front of IS; a value goes under the plain name.
 bool WorldReader::readEventForm(VrmlNode& node, std::string_view name) {
   constexpr std::string_view prefix = "set_", suffix = "_changed";
-  const FieldSpec* spec = nullptr;
-  if (name.size() >= 5 && name.starts_with(prefix)) spec = node.findField(name.substr(prefix.size()));
-  if (!spec && name.size() >= 9 && name.ends_with(suffix))
-    spec = node.findField(name.substr(0, name.size() - suffix.size()));
-  if (!spec) return error("Unknown field \"%.*s\"", static_cast<int>(name.size()), name.data());
+  std::string_view plain;
+  NamedField found;
+  if (name.size() >= 5 && name.starts_with(prefix)) {
+    plain = name.substr(prefix.size());
+    found = findField(node, plain);
+  }
+  if (!found.field && name.size() >= 9 && name.ends_with(suffix)) {
+    plain = name.substr(0, name.size() - suffix.size());
+    found = findField(node, plain);
+  }
+  if (!found.field) return error("Unknown field \"%.*s\"", static_cast<int>(name.size()), name.data());
   bool failed = false;
   const auto readIS = prototypeHooks().readIS;
-  if (readIS && readIS(*this, name, spec->in(node), failed)) return true;
+  if (readIS && readIS(*this, name, found.field, failed)) return true;
   if (failed) return false;
   return error("A value was given to the event \"%.*s\"; it belongs to \"%.*s\"", static_cast<int>(name.size()), name.data(),
-               static_cast<int>(spec->name.size()), spec->name.data());
+               static_cast<int>(plain.size()), plain.data());
 }
 
 bool WorldReader::readFieldValue(SoField& field, ValueType type, std::string_view fieldName) {

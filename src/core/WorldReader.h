@@ -64,6 +64,8 @@ public:
   SoRef<VrmlNode> readNode(bool& ok);
   /// Reads the fields of a node up to its closing brace, which stays.
   bool readFields(VrmlNode& node);
+  /// Reads one field or statement of a node whose first word, `name`, is taken.
+  bool readField(VrmlNode& node, std::string_view name);
   /// Reads what stands behind a field name into the field.
   bool readFieldValue(SoField& field, ValueType type, std::string_view fieldName);
 
@@ -87,6 +89,12 @@ private:
     bool holdsWeakly;  // its node fields may point back up without making a cycle of traversals
   };
 
+  struct NamedField {
+    SoField* field = nullptr;
+    ValueType type = ValueType::count;
+  };
+
+  static NamedField findField(VrmlNode& node, std::string_view name);
   SoRef<VrmlNode> createNode(std::string_view typeName);
   SoRef<VrmlNode> readDefinition(std::string_view defName, std::string_view typeName);
   SoRef<VrmlNode> readUse();

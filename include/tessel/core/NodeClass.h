@@ -23,8 +23,9 @@ struct FieldSpec;
 ///     static std::span<const tessel::FieldSpec> fields();        // its own fields, in the order of writing
 ///
 /// and calls `setUpFields()` at the start of its constructor, which gives every field its default and its
-/// container. An abstract class has a protected constructor. The toolkit knows the type as "Vrml" plus the
-/// name in the file, so the toolkit's own names stay the toolkit's.
+/// container. An abstract class has a protected constructor. A class that only the library makes also has
+/// `static constexpr bool standsInNoFile = true;`: its name means nothing in a file. The toolkit knows the
+/// type as "Vrml" plus the name in the file, so the toolkit's own names stay the toolkit's.
 /// The definitions are in the library: a class's source instantiates them once.
 template <class Self, class Parent>
 class TESSEL_API NodeClass : public Parent {
