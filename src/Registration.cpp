@@ -1,11 +1,47 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Registration.h"
 
+#include <tessel/collision/VrmlCollision.h>
+#include <tessel/collision/VrmlProximitySensor.h>
+#include <tessel/collision/VrmlVisibilitySensor.h>
 #include <tessel/core/VrmlBillboard.h>
 #include <tessel/core/VrmlGroup.h>
+#include <tessel/core/VrmlLOD.h>
 #include <tessel/core/VrmlNULL.h>
+#include <tessel/core/VrmlSwitch.h>
 #include <tessel/core/VrmlTransform.h>
 #include <tessel/core/VrmlWorldInfo.h>
+#include <tessel/events/VrmlColorInterpolator.h>
+#include <tessel/events/VrmlCoordinateInterpolator.h>
+#include <tessel/events/VrmlInterpolator.h>
+#include <tessel/events/VrmlNormalInterpolator.h>
+#include <tessel/events/VrmlOrientationInterpolator.h>
+#include <tessel/events/VrmlPositionInterpolator.h>
+#include <tessel/events/VrmlScalarInterpolator.h>
+#include <tessel/events/VrmlSensor.h>
+#include <tessel/events/VrmlTimeSensor.h>
+#include <tessel/output/VrmlWriteGroup.h>
+#include <tessel/pointing/VrmlAnchor.h>
+#include <tessel/pointing/VrmlCylinderSensor.h>
+#include <tessel/pointing/VrmlGeometricSensor.h>
+#include <tessel/pointing/VrmlLocateHighlight.h>
+#include <tessel/pointing/VrmlPlaneSensor.h>
+#include <tessel/pointing/VrmlSphereSensor.h>
+#include <tessel/pointing/VrmlTouchSensor.h>
+#include <tessel/proto/VrmlExternProtoDef.h>
+#include <tessel/proto/VrmlExternProtoInline.h>
+#include <tessel/proto/VrmlInline.h>
+#include <tessel/proto/VrmlProtoDef.h>
+#include <tessel/proto/VrmlProtoUse.h>
+#include <tessel/script/VrmlScript.h>
+#include <tessel/shapes/VrmlFontStyle.h>
+#include <tessel/sound/VrmlAudioClip.h>
+#include <tessel/sound/VrmlSound.h>
+#include <tessel/textures/VrmlImageTexture.h>
+#include <tessel/textures/VrmlMovieTexture.h>
+#include <tessel/textures/VrmlPixelTexture.h>
+#include <tessel/textures/VrmlTexture.h>
+#include <tessel/textures/VrmlTextureTransform.h>
 #include <tessel/toolkit/VrmlContainerElement.h>
 
 #include "toolkit/TypeNames.h"
@@ -18,12 +54,48 @@ void registerAll() {
 
   // Nodes, parents first.
   VrmlNode::initClass();
+  VrmlScript::initClass();
+  VrmlInterpolator::initClass();
+  VrmlColorInterpolator::initClass();
+  VrmlOrientationInterpolator::initClass();
+  VrmlPositionInterpolator::initClass();
+  VrmlCoordinateInterpolator::initClass();
+  VrmlNormalInterpolator::initClass();
+  VrmlScalarInterpolator::initClass();
   VrmlBaseGroup::initClass();
   VrmlCullingGroup::initClass();
   VrmlGroup::initClass();
+  VrmlCollision::initClass();
   VrmlTransform::initClass();
+  VrmlLocateHighlight::initClass();
+  VrmlAnchor::initClass();
+  VrmlInline::initClass();
+  VrmlLOD::initClass();
+  VrmlSwitch::initClass();
   VrmlBillboard::initClass();
+  VrmlFontStyle::initClass();
+  VrmlTexture::initClass();
+  VrmlImageTexture::initClass();
+  VrmlPixelTexture::initClass();
+  VrmlMovieTexture::initClass();
+  VrmlTextureTransform::initClass();
+  VrmlSensor::initClass();
+  VrmlGeometricSensor::initClass();
+  VrmlTimeSensor::initClass();
+  VrmlProximitySensor::initClass();
+  VrmlVisibilitySensor::initClass();
+  VrmlTouchSensor::initClass();
+  VrmlCylinderSensor::initClass();
+  VrmlPlaneSensor::initClass();
+  VrmlSphereSensor::initClass();
+  VrmlAudioClip::initClass();
+  VrmlSound::initClass();
+  VrmlProtoDef::initClass();
+  VrmlProtoUse::initClass();
+  VrmlExternProtoDef::initClass();
+  VrmlExternProtoInline::initClass();
   VrmlWorldInfo::initClass();
+  VrmlWriteGroup::initClass();
   VrmlNULL::initClass();
 }
 

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <tessel/events/VrmlInterpolator.h>
+
+#include <Inventor/fields/SoMFRotation.h>
+#include <Inventor/fields/SoSFRotation.h>
+
+/// OrientationInterpolator: a rotation, along the shorter arc.
+class TESSEL_API VrmlOrientationInterpolator : public tessel::NodeClass<VrmlOrientationInterpolator, VrmlInterpolator> {
+public:
+  static constexpr const char* fileFormatName = "OrientationInterpolator";
+  static std::span<const tessel::FieldSpec> fields();
+
+  SoMFRotation keyValue;       ///< exposedField, one identity: a rotation a key
+  SoSFRotation value_changed;  ///< eventOut, identity: the rotation at the fraction
+
+  VrmlOrientationInterpolator();
+
+protected:
+  ~VrmlOrientationInterpolator() override;
+};

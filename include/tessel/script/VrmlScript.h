@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <tessel/core/NodeClass.h>
+#include <tessel/core/VrmlNode.h>
+
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include <Inventor/SbName.h>
+#include <Inventor/fields/SoMFString.h>
+#include <Inventor/fields/SoSFBool.h>
+
+namespace tessel {
+enum class FieldKind : int;
+enum class ValueType : std::uint8_t;
+}  // namespace tessel
+
+/// Script: a node whose events and fields are declared in the file, and the program behind them.
+///
+/// The declared ones are toolkit fields like any other: they are found by name, routed and copied with the
+/// node, which owns them.
+class TESSEL_API VrmlScript : public tessel::NodeClass<VrmlScript, VrmlNode> {
+public:
+  static constexpr const char* fileFormatName = "Script";
+  static std::span<const tessel::FieldSpec> fields();
+
+  SoMFString url;          ///< exposedField, one empty string: alternatives; "vrmlscript:" and a text is run
+  SoSFBool mustEvaluate;   ///< field, FALSE: without effect
+  SoSFBool directOutput;   ///< field, FALSE: without effect
+
+  VrmlScript();
+
+  /// Declares a field or event, with the neutral value of its type. Null for a type that can't be declared.
+  SoField* addField(tessel::FieldKind kind, tessel::ValueType type, const SbName& name);
+
+  /// A declared one first, events before fields and eventOuts before eventIns; else one of the class.
+  SoField* getField(const SbName& name) const override;
+  int getFieldType(const SoField* field) const override;
+  int isSpatial() const override { return 0; }
+  /// A script may know nodes above it.
+  bool holdsNodesWeakly() const override { return true; }
+  /// Reads declarations too.
+  bool readBody(tessel::WorldReader& reader) override;
+  void copyContents(const SoFieldContainer* from, SbBool copyConnections) override;
+
+protected:
+  ~VrmlScript() override;
+  const SoFieldData* getFieldData() const override;
+
+private:
+  struct Declared {
+    SbName name;
+    tessel::FieldKind kind;
+    std::unique_ptr<SoField> field;
+  };
+
+  const Declared* findDeclared(tessel::FieldKind kind, const SbName& name) const;
+  bool readDeclaration(tessel::WorldReader& reader, tessel::FieldKind kind, std::string_view keyword);
+
+  std::unique_ptr<SoFieldData> allFields;  // those of the class, then the declared ones
+  std::vector<Declared> declared;          // in file order
+};

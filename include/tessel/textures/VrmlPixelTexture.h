@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <tessel/textures/VrmlTexture.h>
+
+/// PixelTexture: a texture whose pixels stand in the world.
+class TESSEL_API VrmlPixelTexture : public tessel::NodeClass<VrmlPixelTexture, VrmlTexture> {
+public:
+  static constexpr const char* fileFormatName = "PixelTexture";
+  static std::span<const tessel::FieldSpec> fields();
+
+  VrmlPixelTexture();
+
+protected:
+  ~VrmlPixelTexture() override;
+};

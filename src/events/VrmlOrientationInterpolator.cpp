@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include <tessel/events/VrmlOrientationInterpolator.h>
+
+#include "core/NodeClassImpl.h"
+
+using tessel::FieldKind;
+using tessel::FieldSpec;
+using tessel::fieldSpec;
+
+std::span<const FieldSpec> VrmlOrientationInterpolator::fields() {
+  static constexpr FieldSpec table[] = {
+      fieldSpec<&VrmlOrientationInterpolator::keyValue>("keyValue", FieldKind::exposedField, {0, 0, 1, 0}),
+      fieldSpec<&VrmlOrientationInterpolator::value_changed>("value_changed",
+          FieldKind::eventOut, {0, 0, 1, 0}),
+  };
+  return table;
+}
+
+VrmlOrientationInterpolator::VrmlOrientationInterpolator() { setUpFields(); }
+
+VrmlOrientationInterpolator::~VrmlOrientationInterpolator() = default;
+
+template class tessel::NodeClass<VrmlOrientationInterpolator, VrmlInterpolator>;
