@@ -20,6 +20,12 @@
 #include <tessel/events/VrmlScalarInterpolator.h>
 #include <tessel/events/VrmlSensor.h>
 #include <tessel/events/VrmlTimeSensor.h>
+#include <tessel/frame/VrmlBackground.h>
+#include <tessel/frame/VrmlBindingNode.h>
+#include <tessel/frame/VrmlFog.h>
+#include <tessel/frame/VrmlNavigationInfo.h>
+#include <tessel/frame/VrmlTransformedCamera.h>
+#include <tessel/frame/VrmlViewpoint.h>
 #include <tessel/output/VrmlWriteGroup.h>
 #include <tessel/pointing/VrmlAnchor.h>
 #include <tessel/pointing/VrmlCylinderSensor.h>
@@ -79,6 +85,11 @@ void registerAll() {
   VrmlPixelTexture::initClass();
   VrmlMovieTexture::initClass();
   VrmlTextureTransform::initClass();
+  VrmlBindingNode::initClass();
+  VrmlBackground::initClass();
+  VrmlFog::initClass();
+  VrmlViewpoint::initClass();
+  VrmlNavigationInfo::initClass();
   VrmlSensor::initClass();
   VrmlGeometricSensor::initClass();
   VrmlTimeSensor::initClass();
@@ -96,6 +107,7 @@ void registerAll() {
   VrmlExternProtoInline::initClass();
   VrmlWorldInfo::initClass();
   VrmlWriteGroup::initClass();
+  VrmlTransformedCamera::initClass();
   VrmlNULL::initClass();
 }
 
