@@ -53,7 +53,8 @@ const SoFieldData* VrmlScript::getFieldData() const { return allFields.get(); }
 
 SoField* VrmlScript::addField(FieldKind kind, ValueType type, const SbName& name) {
   if (type == ValueType::count) return nullptr;
-  Declared& added = declared.emplace_back(name, kind, std::unique_ptr<SoField>(tessel::newField(type)));
+  Declared& added = declared.emplace_back(
+      Declared{name, kind, std::unique_ptr<SoField>(tessel::newField(type))});
   added.field->setContainer(this);
   allFields->addField(this, name.getString(), added.field.get());
   return added.field.get();
