@@ -96,13 +96,14 @@ public:
   PrototypeScope& operator=(const PrototypeScope&) = delete;
 };
 
-SoNode* readAll(WorldReader& reader, ReadStatus& status) {
+// Takes the reader, which holds the nodes that have names: it is gone before a node is given away.
+SoNode* readAll(std::unique_ptr<WorldReader> reader, ReadStatus& status) {
   const tessel::ScopedValue<int> ours(VrmlDB::usingVrmlTypeIds, 1);
   const PrototypeScope scope;
   SoRef<VrmlGroup> root(new VrmlGroup);
   for (;;) {
     bool error = false;
-    const SoRef<VrmlNode> node = reader.readTopNode(error);
+    const SoRef<VrmlNode> node = reader->readTopNode(error);
     if (error) {
       status = ReadStatus::failed;
       return nullptr;
@@ -112,6 +113,7 @@ SoNode* readAll(WorldReader& reader, ReadStatus& status) {
   }
   status = root->getNumChildren() == 0 ? ReadStatus::empty : ReadStatus::world;
   if (root->getNumChildren() == 0) return nullptr;
+  reader.reset();
   if (root->getNumChildren() > 1) return root.release();
   SoRef<SoNode> only(root->getChild(0));
   root.reset();
@@ -163,22 +165,22 @@ SoNode* VrmlDB::read(SoInput* in) {
 SoNode* VrmlDB::read(SoInput* in, ReadStatus& status, const ReadOptions& options) {
   if (beginsAsToolkitFile(in)) return readForeign(in, status);
   if (const auto found = attached().find(in); found != attached().end()) {
-    const std::unique_ptr<WorldReader> reader = std::move(found->second);
+    std::unique_ptr<WorldReader> reader = std::move(found->second);
     attached().erase(found);
-    return readAll(*reader, status);
+    return readAll(std::move(reader), status);
   }
   std::string complaint;
   auto text = tessel::takeText(*in, complaint);
   const char* name = in->getCurFileName();
-  const auto reader = makeReader(std::move(text), name ? name : "", complaint, options, status);
-  return reader ? readAll(*reader, status) : nullptr;
+  auto reader = makeReader(std::move(text), name ? name : "", complaint, options, status);
+  return reader ? readAll(std::move(reader), status) : nullptr;
 }
 
 SoNode* VrmlDB::read(std::string_view bytes, const char* fileName, ReadStatus& status, const ReadOptions& options) {
   std::string complaint;
   auto text = tessel::takeText(bytes, fileName, complaint);
-  const auto reader = makeReader(std::move(text), fileName, complaint, options, status);
-  return reader ? readAll(*reader, status) : nullptr;
+  auto reader = makeReader(std::move(text), fileName, complaint, options, status);
+  return reader ? readAll(std::move(reader), status) : nullptr;
 }
 
 SoNode* VrmlDB::readNode(SoInput* in, int& error) {
