@@ -17,6 +17,10 @@ class SoPickedPoint;
 class SoPrimitiveVertex;
 class SoState;
 
+namespace tessel {
+class PipelineSink;
+}
+
 /// Base of every geometry.
 ///
 /// It decides whether the node acts at all (only inside a Shape), caches bounding boxes, and turns the
@@ -111,6 +115,7 @@ protected:
   void computeGuardedBBox(SoAction* action, SbBox3f& box, SbVec3f& center);
 
 private:
+  friend class tessel::PipelineSink;
   void generateGuarded(SoAction* action);
 
   tessel::SoRef<SoBoundingBoxCache> bboxCache;
