@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "Registration.h"
 
+#include <tessel/actions/VrmlCollideAction.h>
+#include <tessel/actions/VrmlCountAction.h>
+#include <tessel/actions/VrmlPreTraverseAction.h>
+#include <tessel/actions/VrmlRenderAction.h>
 #include <tessel/collision/VrmlCollision.h>
 #include <tessel/collision/VrmlProximitySensor.h>
 #include <tessel/collision/VrmlVisibilitySensor.h>
@@ -40,7 +44,27 @@
 #include <tessel/proto/VrmlProtoDef.h>
 #include <tessel/proto/VrmlProtoUse.h>
 #include <tessel/script/VrmlScript.h>
+#include <tessel/shapes/VrmlAppearance.h>
+#include <tessel/shapes/VrmlBox.h>
+#include <tessel/shapes/VrmlColor.h>
+#include <tessel/shapes/VrmlCone.h>
+#include <tessel/shapes/VrmlCoordinate.h>
+#include <tessel/shapes/VrmlCylinder.h>
+#include <tessel/shapes/VrmlDirectionalLight.h>
 #include <tessel/shapes/VrmlFontStyle.h>
+#include <tessel/shapes/VrmlGeometry.h>
+#include <tessel/shapes/VrmlIndexedLineSet.h>
+#include <tessel/shapes/VrmlIndexedShape.h>
+#include <tessel/shapes/VrmlLight.h>
+#include <tessel/shapes/VrmlMaterial.h>
+#include <tessel/shapes/VrmlNormal.h>
+#include <tessel/shapes/VrmlPointLight.h>
+#include <tessel/shapes/VrmlPointSet.h>
+#include <tessel/shapes/VrmlShape.h>
+#include <tessel/shapes/VrmlSphere.h>
+#include <tessel/shapes/VrmlSpotLight.h>
+#include <tessel/shapes/VrmlTextureCoordinate.h>
+#include <tessel/shapes/VrmlVertexShape.h>
 #include <tessel/sound/VrmlAudioClip.h>
 #include <tessel/sound/VrmlSound.h>
 #include <tessel/textures/VrmlImageTexture.h>
@@ -58,8 +82,16 @@ void registerAll() {
   // Before our own, so that the same names mean ours.
   typeNames().addForeignTypes();
 
+  // What every node's traversals rest on; our actions before the nodes, which enter their methods there.
+  VrmlContainerElement::initClass();
+  VrmlCollideAction::initClass();
+  VrmlCountAction::initClass();
+  VrmlRenderAction::initClass();
+  VrmlPreTraverseAction::initClass();
+
   // Nodes, parents first.
   VrmlNode::initClass();
+  VrmlShape::initClass();
   VrmlScript::initClass();
   VrmlInterpolator::initClass();
   VrmlColorInterpolator::initClass();
@@ -79,12 +111,31 @@ void registerAll() {
   VrmlLOD::initClass();
   VrmlSwitch::initClass();
   VrmlBillboard::initClass();
+  VrmlGeometry::initClass();
+  VrmlVertexShape::initClass();
+  VrmlPointSet::initClass();
+  VrmlIndexedShape::initClass();
+  VrmlIndexedLineSet::initClass();
+  VrmlCone::initClass();
+  VrmlBox::initClass();
+  VrmlCylinder::initClass();
+  VrmlSphere::initClass();
+  VrmlAppearance::initClass();
   VrmlFontStyle::initClass();
+  VrmlMaterial::initClass();
   VrmlTexture::initClass();
   VrmlImageTexture::initClass();
   VrmlPixelTexture::initClass();
   VrmlMovieTexture::initClass();
   VrmlTextureTransform::initClass();
+  VrmlColor::initClass();
+  VrmlCoordinate::initClass();
+  VrmlNormal::initClass();
+  VrmlTextureCoordinate::initClass();
+  VrmlLight::initClass();
+  VrmlDirectionalLight::initClass();
+  VrmlPointLight::initClass();
+  VrmlSpotLight::initClass();
   VrmlBindingNode::initClass();
   VrmlBackground::initClass();
   VrmlFog::initClass();

@@ -6,6 +6,9 @@
 #include <Inventor/fields/SoMField.h>
 #include <Inventor/lists/SoFieldList.h>
 
+#include <tessel/actions/VrmlCollideAction.h>
+#include <tessel/actions/VrmlCountAction.h>
+#include <tessel/actions/VrmlPreTraverseAction.h>
 #include <tessel/core/VrmlSFNode.h>
 #include <tessel/toolkit/Scoped.h>
 
@@ -23,6 +26,16 @@ void VrmlNode::initClass() {
   SO_NODE_INIT_ABSTRACT_CLASS(VrmlNode, SoNode, "Node");
   // The toolkit would call `pick` and never `rayPick` for classes that it does not know.
   SoRayPickAction::addMethod(getClassTypeId(), SoNode::rayPickS);
+  // Its part in our own traversals. A method of an action gets no more exact type than SoAction.
+  VrmlPreTraverseAction::addMethod(getClassTypeId(), [](SoAction* action, SoNode* node) {
+    static_cast<VrmlNode*>(node)->doPreTraverse(static_cast<VrmlPreTraverseAction*>(action));
+  });
+  VrmlCountAction::addMethod(getClassTypeId(), [](SoAction* action, SoNode* node) {
+    static_cast<VrmlNode*>(node)->count(static_cast<VrmlCountAction*>(action));
+  });
+  VrmlCollideAction::addMethod(getClassTypeId(), [](SoAction* action, SoNode* node) {
+    static_cast<VrmlNode*>(node)->collisionDetect(static_cast<VrmlCollideAction*>(action));
+  });
   tessel::typeNames().add(fileFormatName, getClassTypeId());
 }
 

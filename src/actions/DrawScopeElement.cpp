@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "actions/DrawScopeElement.h"
+
+#include <Inventor/actions/SoGLRenderAction.h>
+
+namespace tessel {
+
+SO_ELEMENT_SOURCE(DrawScopeElement);
+
+void DrawScopeElement::initClass() {
+  SO_ELEMENT_INIT_CLASS(DrawScopeElement, SoInt32Element);
+  SO_ENABLE(SoGLRenderAction, DrawScopeElement);
+}
+
+DrawScopeElement::~DrawScopeElement() = default;
+
+void DrawScopeElement::begin(SoState* state, SoNode* node) {
+  static int last = 0;
+  set(classStackIndex, state, node, ++last);
+}
+
+SbBool DrawScopeElement::matches(const SoElement*) const { return TRUE; }
+
+}  // namespace tessel
