@@ -53,8 +53,11 @@ public:
   void fillInCache(VrmlCoordinate* coord, VrmlColor* color, VrmlNormal* normal, VrmlTextureCoordinate* texCoord,
                    bool colorPerFace, bool normalPerFace, SoState* state);
 
+  /// The render cases that the state asks for, as bits of Need: colors always, the others by lighting and
+  /// texturing. To be met with `needFromState` and `renderCase`; the toolkit's mask has other bits.
+  static int renderCaseMask(SoState* state);
   /// Whether the state needs something that the cache has not taken.
-  bool mustFill(int renderCaseMask) const { return (renderCaseMask & needFromState) != 0; }
+  bool mustFill(SoState* state) const { return (renderCaseMask(state) & needFromState) != 0; }
 
   /// The address of an entry, for its send function.
   static const GLfloat* at(const void* values, int stride, int index) {

@@ -14,6 +14,8 @@ public:
 
   SoMFVec3f point;  ///< exposedField: the points; one at the origin
 
+  static void initClass();
+
   VrmlCoordinate();
 
   void doAction(SoAction* action) override;

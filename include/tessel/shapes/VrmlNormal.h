@@ -14,6 +14,8 @@ public:
 
   SoMFVec3f vector;  ///< exposedField: unit vectors in object space; empty
 
+  static void initClass();
+
   VrmlNormal();
 
   void doAction(SoAction* action) override;

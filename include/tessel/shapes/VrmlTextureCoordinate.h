@@ -14,6 +14,8 @@ public:
 
   SoMFVec2f point;  ///< exposedField: (s, t) pairs; empty
 
+  static void initClass();
+
   VrmlTextureCoordinate();
 
   void doAction(SoAction* action) override;
