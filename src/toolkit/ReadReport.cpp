@@ -20,10 +20,10 @@ std::string occurredAt(const std::string& fileName, int line) {
   return std::string("\n\tOccurred at line ") + number + " in " + fileName;
 }
 
-// Carries our location into the toolkit's read errors, which ask an input for it.
+// Carries our location into the toolkit's read errors, which ask an input for it and put it on a line of its own.
 class LocatedInput : public SoInput {
 public:
-  explicit LocatedInput(const std::string& text) : location(text.c_str()) {}
+  explicit LocatedInput(const std::string& text) : location(text.starts_with('\n') ? text.c_str() + 1 : text.c_str()) {}
   void getLocationString(SbString& text) const override { text = location; }
 
 private:
