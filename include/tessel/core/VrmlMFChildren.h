@@ -3,10 +3,13 @@
 
 #include <tessel/Export.h>
 
+#include <span>
+
 #include <Inventor/fields/SoSField.h>
 #include <Inventor/fields/SoSubField.h>
 
 class SoChildList;
+class SoNode;
 
 /// The `children` of a group: a field whose value is the group's own child list, so that the nodes are kept
 /// once. Routes from and to plain SoMFNode fields go through converters.
@@ -19,6 +22,17 @@ class TESSEL_API VrmlMFChildren : public SoSField {
 public:
   static void initClass();
 
+  /// Puts these nodes in the place of the children of the field's group, a VrmlNULL for each null pointer, as
+  /// one change. Toolkit nodes are left out. What is a child before and after stays alive.
+  void setChildren(std::span<SoNode* const> nodes);
+
+  /// Puts the copies of the group's children in their place.
   void fixCopy(SbBool copyConnections) override;
   void countWriteRefs(SoOutput* out) const override;
+  /// A value that comes by a connection is taken at once: traversals look at the list, not at the field.
+  void notify(SoNotList* list) override;
+
+private:
+  void write1Value(SoOutput* out, SoNode* child) const;
+  bool holds(std::span<SoNode* const> nodes) const;
 };

@@ -9,11 +9,16 @@
 /// prototype instances.
 class TESSEL_API VrmlSFNode : public SoSFNode {
   typedef SoSFNode inherited;
-  SO_SFIELD_DERIVED_HEADER(VrmlSFNode, SoNode*, SoNode*);
+  SO_SFIELD_CONSTRUCTOR_HEADER(VrmlSFNode);
+  SO_SFIELD_REQUIRED_HEADER(VrmlSFNode);
 
 public:
   static void initClass();
 
+  SoNode* operator=(SoNode* node) {
+    setValue(node);
+    return node;
+  }
   /// The value, or for a prototype instance the node that does its work; null if there is none.
   SoNode* getRealValue() const;
   void fixCopy(SbBool copyConnections) override;
