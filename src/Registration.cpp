@@ -11,16 +11,20 @@
 #include <tessel/core/VrmlBillboard.h>
 #include <tessel/core/VrmlGroup.h>
 #include <tessel/core/VrmlLOD.h>
+#include <tessel/core/VrmlMFChildren.h>
 #include <tessel/core/VrmlNULL.h>
+#include <tessel/core/VrmlSFNode.h>
 #include <tessel/core/VrmlSwitch.h>
 #include <tessel/core/VrmlTransform.h>
 #include <tessel/core/VrmlWorldInfo.h>
 #include <tessel/events/VrmlColorInterpolator.h>
 #include <tessel/events/VrmlCoordinateInterpolator.h>
+#include <tessel/events/VrmlFanIn.h>
 #include <tessel/events/VrmlInterpolator.h>
 #include <tessel/events/VrmlNormalInterpolator.h>
 #include <tessel/events/VrmlOrientationInterpolator.h>
 #include <tessel/events/VrmlPositionInterpolator.h>
+#include <tessel/events/VrmlRoute.h>
 #include <tessel/events/VrmlScalarInterpolator.h>
 #include <tessel/events/VrmlSensor.h>
 #include <tessel/events/VrmlTimeSensor.h>
@@ -74,6 +78,8 @@
 #include <tessel/textures/VrmlTextureTransform.h>
 #include <tessel/toolkit/VrmlContainerElement.h>
 
+#include "core/ChildrenConverters.h"
+#include "core/WorldReader.h"
 #include "toolkit/TypeNames.h"
 
 namespace tessel {
@@ -81,6 +87,10 @@ namespace tessel {
 void registerAll() {
   // Before our own, so that the same names mean ours.
   typeNames().addForeignTypes();
+
+  // Field classes, which every node needs.
+  VrmlSFNode::initClass();
+  VrmlMFChildren::initClass();
 
   // What every node's traversals rest on; our actions before the nodes, which enter their methods there.
   VrmlContainerElement::initClass();
@@ -160,6 +170,14 @@ void registerAll() {
   VrmlWriteGroup::initClass();
   VrmlTransformedCamera::initClass();
   VrmlNULL::initClass();
+
+  // What stands between fields.
+  VrmlFanIn::initClass();
+  ConvertMFNodeToMFChildren::initClass();
+  ConvertMFChildrenToMFNode::initClass();
+
+  // Statements that are no nodes.
+  registerStatement("ROUTE", [](WorldReader& reader) { return VrmlRoute::read(reader) != 0; });
 }
 
 }  // namespace tessel

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <string>
+
+#include <tessel/core/FieldKind.h>
+
+class SoBase;
+class SoField;
+class VrmlNode;
+
+namespace tessel {
+
+/// The node that a field is on, null if its container is no VRML node.
+VrmlNode* vrmlNodeOf(const SoField* field);
+/// The kind of a field of a VRML node.
+FieldKind kindOf(const SoField* field);
+/// The name that somebody gave a node: as its DEF has it, else as the toolkit has it; may be empty.
+std::string givenName(const SoBase& base);
+
+}  // namespace tessel
