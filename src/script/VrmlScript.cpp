@@ -13,25 +13,22 @@ using tessel::FieldSpec;
 using tessel::fieldSpec;
 using tessel::ValueType;
 
-namespace {
-
-struct Keyword {
-  std::string_view word;
+// A word that begins a declaration.
+struct VrmlScript::Keyword {
+  const char* word;
   FieldKind kind;
 };
-constexpr Keyword keywords[] = {
-    {"eventIn", FieldKind::eventIn},
-    {"eventOut", FieldKind::eventOut},
-    {"field", FieldKind::field},
-};
 
-const Keyword* keywordNamed(std::string_view word) {
+const VrmlScript::Keyword* VrmlScript::keywordNamed(std::string_view word) {
+  static constexpr Keyword keywords[] = {
+      {"eventIn", FieldKind::eventIn},
+      {"eventOut", FieldKind::eventOut},
+      {"field", FieldKind::field},
+  };
   for (const Keyword& keyword : keywords)
     if (keyword.word == word) return &keyword;
   return nullptr;
 }
-
-}  // namespace
 
 std::span<const FieldSpec> VrmlScript::fields() {
   static constexpr FieldSpec table[] = {
@@ -84,26 +81,25 @@ bool VrmlScript::readBody(tessel::WorldReader& reader) {
     const std::string_view word = reader.lexer().strictName();
     if (word.empty()) return true;
     const Keyword* keyword = keywordNamed(word);
-    if (!(keyword ? readDeclaration(reader, keyword->kind, word) : reader.readField(*this, word))) return false;
+    if (!(keyword ? readDeclaration(reader, *keyword) : reader.readField(*this, word))) return false;
   }
 }
 
 // `field SFBool on TRUE`, `eventIn SFBool set IS on`: type, name, then a value for a field, or IS for any.
-bool VrmlScript::readDeclaration(tessel::WorldReader& reader, FieldKind kind, std::string_view keyword) {
-  const int keywordLength = static_cast<int>(keyword.size());
+bool VrmlScript::readDeclaration(tessel::WorldReader& reader, const Keyword& keyword) {
   const std::string_view typeName = reader.lexer().strictName();
-  if (typeName.empty()) return reader.error("Expected event or field type for %.*s", keywordLength, keyword.data());
+  if (typeName.empty()) return reader.error("Expected event or field type for %s", keyword.word);
   const ValueType type = tessel::valueTypeNamed(typeName);
   if (type == ValueType::count)
-    return reader.error("Unknown event or field type: \"%.*s\"", static_cast<int>(typeName.size()), typeName.data());
+    return reader.error("Unknown event or field type: \"%s\"", std::string(typeName).c_str());
   const std::string name(reader.lexer().strictName());
-  if (name.empty()) return reader.error("Expected name for %.*s", keywordLength, keyword.data());
+  if (name.empty()) return reader.error("Expected name for %s", keyword.word);
 
-  if (findDeclared(kind, name.c_str()))
-    reader.warning("VrmlScript::readDeclaration", "The %.*s \"%s\" is declared twice; the first declaration counts",
-                   keywordLength, keyword.data(), name.c_str());
-  SoField* field = addField(kind, type, name.c_str());
-  if (kind == FieldKind::field) return reader.readFieldValue(*field, type, name);
+  if (findDeclared(keyword.kind, name.c_str()))
+    reader.warning("VrmlScript::readDeclaration", "%s \"%s\" is declared twice; the first declaration counts",
+                   keyword.word, name.c_str());
+  SoField* field = addField(keyword.kind, type, name.c_str());
+  if (keyword.kind == FieldKind::field) return reader.readFieldValue(*field, type, name);
   bool failed = false;
   if (const auto readIS = tessel::prototypeHooks().readIS) readIS(reader, name, field, failed);
   return !failed;

@@ -7,8 +7,8 @@
 #include <Inventor/fields/SoSFBool.h>
 #include <Inventor/fields/SoSFTime.h>
 
-/// Collision: a group that switches collision of its children on and off, or lets a simpler stand-in collide in
-/// their place.
+/// Collision: a group that switches collision of its children on and off, or lets a simpler stand-in
+/// collide in their place.
 class TESSEL_API VrmlCollision : public tessel::NodeClass<VrmlCollision, VrmlCullingGroup> {
 public:
   static constexpr const char* fileFormatName = "Collision";

@@ -8,8 +8,8 @@
 #include <Inventor/fields/SoSFTime.h>
 #include <Inventor/fields/SoSFVec3f.h>
 
-/// ProximitySensor: tells when the avatar enters and leaves a box, and where it is meanwhile, in the sensor's own
-/// coordinates.
+/// ProximitySensor: tells when the avatar enters and leaves a box, and where it is meanwhile, in the
+/// sensor's own coordinates.
 class TESSEL_API VrmlProximitySensor : public tessel::NodeClass<VrmlProximitySensor, VrmlSensor> {
 public:
   static constexpr const char* fileFormatName = "ProximitySensor";

@@ -9,8 +9,8 @@
 
 class VrmlVisibilityList;
 
-/// VisibilitySensor: tells when a box of its own coordinates comes into the view and leaves it. What hides the
-/// box does not count.
+/// VisibilitySensor: tells when a box of its own coordinates comes into the view and leaves it. What hides
+/// the box does not count.
 class TESSEL_API VrmlVisibilitySensor : public tessel::NodeClass<VrmlVisibilitySensor, VrmlSensor> {
 public:
   static constexpr const char* fileFormatName = "VisibilitySensor";

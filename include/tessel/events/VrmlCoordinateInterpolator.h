@@ -6,7 +6,8 @@
 #include <Inventor/fields/SoMFVec3f.h>
 
 /// CoordinateInterpolator: a list of points, each blended on its own.
-class TESSEL_API VrmlCoordinateInterpolator : public tessel::NodeClass<VrmlCoordinateInterpolator, VrmlInterpolator> {
+class TESSEL_API VrmlCoordinateInterpolator
+    : public tessel::NodeClass<VrmlCoordinateInterpolator, VrmlInterpolator> {
 public:
   static constexpr const char* fileFormatName = "CoordinateInterpolator";
   static std::span<const tessel::FieldSpec> fields();

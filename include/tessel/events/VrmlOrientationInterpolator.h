@@ -7,7 +7,8 @@
 #include <Inventor/fields/SoSFRotation.h>
 
 /// OrientationInterpolator: a rotation, along the shorter arc.
-class TESSEL_API VrmlOrientationInterpolator : public tessel::NodeClass<VrmlOrientationInterpolator, VrmlInterpolator> {
+class TESSEL_API VrmlOrientationInterpolator
+    : public tessel::NodeClass<VrmlOrientationInterpolator, VrmlInterpolator> {
 public:
   static constexpr const char* fileFormatName = "OrientationInterpolator";
   static std::span<const tessel::FieldSpec> fields();

@@ -7,7 +7,8 @@
 #include <Inventor/fields/SoSFVec3f.h>
 
 /// PositionInterpolator: a point.
-class TESSEL_API VrmlPositionInterpolator : public tessel::NodeClass<VrmlPositionInterpolator, VrmlInterpolator> {
+class TESSEL_API VrmlPositionInterpolator
+    : public tessel::NodeClass<VrmlPositionInterpolator, VrmlInterpolator> {
 public:
   static constexpr const char* fileFormatName = "PositionInterpolator";
   static std::span<const tessel::FieldSpec> fields();

@@ -8,8 +8,8 @@
 #include <Inventor/fields/SoSFRotation.h>
 #include <Inventor/fields/SoSFVec3f.h>
 
-/// CylinderSensor: a drag turns about the y axis of the sensor's coordinates, on a cylinder or, seen along the
-/// axis, on a disk. Angles are in radians.
+/// CylinderSensor: a drag turns about the y axis of the sensor's coordinates, on a cylinder or, seen along
+/// the axis, on a disk. Angles are in radians.
 class TESSEL_API VrmlCylinderSensor : public tessel::NodeClass<VrmlCylinderSensor, VrmlGeometricSensor> {
 public:
   static constexpr const char* fileFormatName = "CylinderSensor";

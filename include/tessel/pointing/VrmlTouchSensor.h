@@ -8,8 +8,8 @@
 #include <Inventor/fields/SoSFVec2f.h>
 #include <Inventor/fields/SoSFVec3f.h>
 
-/// TouchSensor: tells when the pointer is over the geometry, where, and when it is clicked. Points and normals
-/// are in the sensor's own coordinates.
+/// TouchSensor: tells when the pointer is over the geometry, where, and when it is clicked. Points and
+/// normals are in the sensor's own coordinates.
 class TESSEL_API VrmlTouchSensor : public tessel::NodeClass<VrmlTouchSensor, VrmlGeometricSensor> {
 public:
   static constexpr const char* fileFormatName = "TouchSensor";

@@ -57,8 +57,11 @@ private:
     std::unique_ptr<SoField> field;
   };
 
+  struct Keyword;
+
   const Declared* findDeclared(tessel::FieldKind kind, const SbName& name) const;
-  bool readDeclaration(tessel::WorldReader& reader, tessel::FieldKind kind, std::string_view keyword);
+  static const Keyword* keywordNamed(std::string_view word);
+  bool readDeclaration(tessel::WorldReader& reader, const Keyword& keyword);
 
   std::unique_ptr<SoFieldData> allFields;  // those of the class, then the declared ones
   std::vector<Declared> declared;          // in file order
