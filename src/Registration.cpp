@@ -55,6 +55,8 @@
 #include <tessel/shapes/VrmlCoordinate.h>
 #include <tessel/shapes/VrmlCylinder.h>
 #include <tessel/shapes/VrmlDirectionalLight.h>
+#include <tessel/shapes/VrmlElevationGrid.h>
+#include <tessel/shapes/VrmlExtrusion.h>
 #include <tessel/shapes/VrmlFontStyle.h>
 #include <tessel/shapes/VrmlGeometry.h>
 #include <tessel/shapes/VrmlIndexedLineSet.h>
@@ -67,6 +69,7 @@
 #include <tessel/shapes/VrmlShape.h>
 #include <tessel/shapes/VrmlSphere.h>
 #include <tessel/shapes/VrmlSpotLight.h>
+#include <tessel/shapes/VrmlText.h>
 #include <tessel/shapes/VrmlTextureCoordinate.h>
 #include <tessel/shapes/VrmlVertexShape.h>
 #include <tessel/sound/VrmlAudioClip.h>
@@ -126,6 +129,9 @@ void registerAll() {
   VrmlPointSet::initClass();
   VrmlIndexedShape::initClass();
   VrmlIndexedLineSet::initClass();
+  VrmlText::initClass();
+  VrmlExtrusion::initClass();
+  VrmlElevationGrid::initClass();
   VrmlCone::initClass();
   VrmlBox::initClass();
   VrmlCylinder::initClass();
