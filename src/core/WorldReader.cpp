@@ -149,16 +149,27 @@ SoRef<VrmlNode> WorldReader::readNode(bool& ok) {
 
 SoRef<VrmlNode> WorldReader::readUse() {
   const std::string name(tokens.name());
-  VrmlNode* node = findReference(name);
-  if (!node) {
+  const auto found = references->find(name);
+  if (found == references->end()) {
     error("Unknown reference \"%.200s\"", name.c_str());
     return {};
   }
+  VrmlNode* node = found->second.node.get();
   if (makesCycle(node)) {
     error("USE of \"%.200s\" inside itself", name.c_str());
     return {};
   }
+  if (!addExpanded(found->second.expanded)) return {};
   return SoRef<VrmlNode>(node);
+}
+
+// A file of a few lines can use each of its groups twice in the next one, and so on until no traversal ends.
+bool WorldReader::addExpanded(std::uint64_t nodes) {
+  std::uint64_t& sum = open.empty() ? expanded : open.back().expanded;
+  sum += nodes;
+  return sum <= readOptions.maxExpanded ||
+         error("The world shows more than %llu nodes, each USE counted anew",
+               static_cast<unsigned long long>(readOptions.maxExpanded));
 }
 
 bool WorldReader::makesCycle(const VrmlNode* node) const {
@@ -225,10 +236,14 @@ SoRef<VrmlNode> WorldReader::readDefinition(std::string_view defName, std::strin
     error("\"{\" was expected behind \"%s\"", node->getFileFormatName());
     return {};
   }
-  open.push_back({node.get(), node->holdsNodesWeakly()});
+  open.push_back({node.get(), node->holdsNodesWeakly(), 1});
   const bool ok = node->readBody(*this);
+  const std::uint64_t inside = open.back().expanded;
   open.pop_back();
-  if (!ok) return {};
+  if (!ok || !addExpanded(inside)) return {};
+  if (!defName.empty())
+    if (const auto own = references->find(std::string(defName)); own != references->end() && own->second.node.get() == node.get())
+      own->second.expanded = inside;
   if (!tokens.take('}')) {
     if (const int c = tokens.peek(); c < 0)
       error("The file ends inside of \"%s\"", node->getFileFormatName());
@@ -296,11 +311,11 @@ bool WorldReader::readFieldValue(SoField& field, ValueType type, std::string_vie
 
 VrmlNode* WorldReader::findReference(std::string_view name) const {
   const auto found = references->find(std::string(name));
-  return found == references->end() ? nullptr : found->second.get();
+  return found == references->end() ? nullptr : found->second.node.get();
 }
 
 void WorldReader::addReference(std::string_view name, VrmlNode* node) {
-  references->insert_or_assign(std::string(name), SoRef<VrmlNode>(node));
+  references->insert_or_assign(std::string(name), Reference{SoRef<VrmlNode>(node)});
   if (!isGenerated(name)) node->setName(SbName(std::string(withoutInstanceSuffix(name)).c_str()));
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -47,7 +48,12 @@ PrototypeHooks& prototypeHooks();
 /// Every function that fails has reported, with the line of the offending token.
 class WorldReader {
 public:
-  using References = std::unordered_map<std::string, SoRef<VrmlNode>>;
+  /// A node that can be used again, and how many nodes a traversal meets in it, USEs followed.
+  struct Reference {
+    SoRef<VrmlNode> node;
+    std::uint64_t expanded = 1;
+  };
+  using References = std::unordered_map<std::string, Reference>;
 
   WorldReader(SourceText text, const ReadOptions& options);
 
@@ -87,6 +93,7 @@ private:
   struct OpenNode {
     const VrmlNode* node;
     bool holdsWeakly;  // its node fields may point back up without making a cycle of traversals
+    std::uint64_t expanded = 1;
   };
 
   struct NamedField {
@@ -100,6 +107,7 @@ private:
   SoRef<VrmlNode> readUse();
   bool readEventForm(VrmlNode& node, std::string_view name);
   bool makesCycle(const VrmlNode* node) const;
+  bool addExpanded(std::uint64_t nodes);
   void warnOfRest();
 
   SourceText source;
@@ -109,6 +117,7 @@ private:
   References fileReferences;
   References* references = &fileReferences;
   std::vector<OpenNode> open;
+  std::uint64_t expanded = 0;  // of the nodes at file level
   int errors = 0;
 };
 

@@ -206,6 +206,15 @@ TEST(Read, NestingHasALimit) {
   EXPECT_EQ(deep.status, ReadStatus::world) << deep.messages.text();
 }
 
+TEST(Read, UsesThatMultiplyHaveALimit) {
+  std::string text = "DEF G0 Group { }";
+  for (int i = 1; i < 64; ++i)
+    text += "DEF G" + std::to_string(i) + " Group { children [ USE G" + std::to_string(i - 1) + " USE G" + std::to_string(i - 1) + " ] }\n";
+  const TestWorld world{std::string_view(text)};
+  EXPECT_EQ(world.status, ReadStatus::failed);
+  EXPECT_EQ(world.messages.count("more than 100000000 nodes"), 1) << world.messages.text();
+}
+
 TEST(Read, ImagesAreCheckedBeforeTheyAreBelieved) {
   for (const char* image : {"32767 32767 4 0", "-1 1 1 0", "1 1 5 0", "60000 1 1 0", "2 2 3 0xff 0xff 0xff"}) {
     const TestWorld world(std::string_view(std::string("Shape { appearance Appearance { texture PixelTexture { image ") + image + " } } }"));

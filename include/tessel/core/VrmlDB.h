@@ -3,6 +3,7 @@
 
 #include <tessel/Export.h>
 
+#include <cstdint>
 #include <string_view>
 
 #include <Inventor/SbString.h>
@@ -25,6 +26,8 @@ enum class ReadStatus {
 struct ReadOptions {
   bool strict = false;    ///< refuse what would pass with a warning
   int maxNesting = 4000;  ///< levels of nodes inside nodes; deeper is an error
+  /// Nodes that a traversal may meet, each USE counted with all below it; more is an error.
+  std::uint64_t maxExpanded = 100'000'000;
 };
 
 }  // namespace tessel
