@@ -222,7 +222,10 @@ bool Lexer::integer(T& out) {
     return true;
   }
   const char* first = p;
-  for (; p != end && isDigit(*p); ++p) value = std::min<std::uint64_t>(value * 10 + static_cast<unsigned>(*p - '0'), 1ULL << 33);
+  for (; p != end && isDigit(*p); ++p) {
+    value = value * 10 + static_cast<unsigned>(*p - '0');
+    if (value > std::numeric_limits<std::uint32_t>::max()) return false;
+  }
   if (p == first) return false;
   const auto signedValue = negative ? -static_cast<std::int64_t>(value) : static_cast<std::int64_t>(value);
   if (signedValue < std::numeric_limits<T>::min() || signedValue > std::numeric_limits<T>::max()) return false;
@@ -234,18 +237,23 @@ bool Lexer::integer(T& out) {
 bool Lexer::number(std::int32_t& out) { return integer(out); }
 bool Lexer::number(std::uint32_t& out) { return integer(out); }
 
+// Written for the vectoriser: a token begins where a blank is followed by none. Words of remarks count too,
+// so it is an upper bound.
 std::size_t Lexer::countToBracket() const {
-  std::size_t count = 0;
-  bool inToken = false;
-  for (const char* p = cursor; p != end && *p != ']'; ++p) {
-    const bool space = (classOf(*p) & blank) != 0;
-    count += !space && !inToken;
-    inToken = !space;
-    if (*p == '#') {
-      p = lineEnd(p);
-      if (p == end) break;
-    }
+  const auto* bracket = static_cast<const char*>(std::memchr(cursor, ']', bytesLeft()));
+  const auto length = static_cast<std::size_t>((bracket ? bracket : end) - cursor);
+  if (length == 0) return 0;
+  const auto isBlank = [](char c) { return static_cast<unsigned>((c >= 0) & (c <= ' ')) | static_cast<unsigned>(c == ','); };
+  std::size_t count = 1 - isBlank(cursor[0]);
+  constexpr std::size_t blockLength = 128;  // so that a block's count fits a byte
+  std::size_t i = 1;
+  for (; i + blockLength <= length; i += blockLength) {
+    unsigned char inBlock = 0;
+    for (std::size_t k = i; k < i + blockLength; ++k)
+      inBlock = static_cast<unsigned char>(inBlock + (isBlank(cursor[k - 1]) & (1U - isBlank(cursor[k]))));
+    count += inBlock;
   }
+  for (; i < length; ++i) count += isBlank(cursor[i - 1]) & (1U - isBlank(cursor[i]));
   return count;
 }
 
