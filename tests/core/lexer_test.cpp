@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <charconv>
+#include <bit>
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <random>
 #include <string>
