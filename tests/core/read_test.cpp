@@ -67,7 +67,7 @@ INSTANTIATE_TEST_SUITE_P(
         Fault{"Group {\n", "The file ends inside of \"Group\"", 3},
         Fault{"Group [ ]", "\"{\" was expected behind \"Group\""},
         Fault{"DEF { }", "A name was expected behind DEF"},
-        Fault{"Shape { geometry IndexedFaceSet { coordIndex [ 0 1 2147483648 ] } }", "Couldn't read value 3 of field"}));
+        Fault{"Shape { geometry IndexedLineSet { coordIndex [ 0 1 2147483648 ] } }", "Couldn't read value 3 of field"}));
 
 TEST(Read, TheNumberOfTopLevelNodesDecides) {
   EXPECT_TRUE(TestWorld("Transform { }").root()->isOfType(VrmlTransform::getClassTypeId()));
