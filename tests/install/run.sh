@@ -33,7 +33,8 @@ case $step in
     run_host "$scratch/find-package/host"
     ;;
   pkg-config)
-    export PKG_CONFIG_PATH=$(library_dir)/pkgconfig
+    PKG_CONFIG_PATH=$(library_dir)/pkgconfig
+    export PKG_CONFIG_PATH
     [ "$(pkg-config --modversion tessel)" = "$version" ]
     # shellcheck disable=SC2046
     "$compiler" "$host" -o "$scratch/pkg-config-host" $(pkg-config --cflags --libs tessel)
