@@ -13,6 +13,9 @@ using tessel::FieldSpec;
 using tessel::fieldSpec;
 using tessel::ValueType;
 
+// The toolkit compares each new name with all that a node has.
+static constexpr std::size_t maxDeclared = 10000;
+
 // A word that begins a declaration.
 struct VrmlScript::Keyword {
   const char* word;
@@ -50,23 +53,13 @@ const SoFieldData* VrmlScript::getFieldData() const { return allFields.get(); }
 
 SoField* VrmlScript::addField(FieldKind kind, ValueType type, const SbName& name) {
   if (type == ValueType::count) return nullptr;
-  Declared& added = declared.emplace_back(
-      Declared{name, kind, std::unique_ptr<SoField>(tessel::newField(type))});
-  added.field->setContainer(this);
-  allFields->addField(this, name.getString(), added.field.get());
-  return added.field.get();
-}
-
-const VrmlScript::Declared* VrmlScript::findDeclared(FieldKind kind, const SbName& name) const {
-  for (const Declared& one : declared)
-    if (one.kind == kind && one.name == name) return &one;
-  return nullptr;
-}
-
-SoField* VrmlScript::getField(const SbName& name) const {
-  for (const FieldKind kind : {FieldKind::eventOut, FieldKind::eventIn, FieldKind::field})
-    if (const Declared* found = findDeclared(kind, name)) return found->field.get();
-  return NodeClass::getField(name);
+  std::unique_ptr<SoField> field(tessel::newField(type));
+  field->setContainer(this);
+  const int before = allFields->getNumFields();
+  allFields->addField(this, name.getString(), field.get());
+  const bool isNew = allFields->getNumFields() > before;  // a name that is taken is not entered
+  declared.push_back({name, isNew ? kind : FieldKind::internal, std::move(field)});
+  return declared.back().field.get();
 }
 
 int VrmlScript::getFieldType(const SoField* field) const {
@@ -95,10 +88,11 @@ bool VrmlScript::readDeclaration(tessel::WorldReader& reader, const Keyword& key
   const std::string name(reader.lexer().strictName());
   if (name.empty()) return reader.error("Expected name for %s", keyword.word);
 
-  if (findDeclared(keyword.kind, name.c_str()))
-    reader.warning("VrmlScript::readDeclaration", "%s \"%s\" is declared twice; the first declaration counts",
-                   keyword.word, name.c_str());
+  if (declared.size() == maxDeclared)
+    return reader.error("A Script declares more than %d fields and events", static_cast<int>(maxDeclared));
   SoField* field = addField(keyword.kind, type, name.c_str());
+  if (declared.back().kind == FieldKind::internal)
+    reader.warning("VrmlScript::readDeclaration", "\"%s\" is declared twice; the first declaration counts", name.c_str());
   if (keyword.kind == FieldKind::field) return reader.readFieldValue(*field, type, name);
   bool failed = false;
   if (const auto readIS = tessel::prototypeHooks().readIS) readIS(reader, name, field, failed);

@@ -67,14 +67,6 @@ TEST(ScriptDeclarations, StartWithTheNeutralValueOfTheirType) {
   EXPECT_EQ(static_cast<SoSFNode*>(script->getField("node"))->getValue(), nullptr);
 }
 
-TEST(ScriptDeclarations, OneNameMayBeAnEventInAndAnEventOut) {
-  const TestWorld world("DEF S Script { eventIn SFBool on eventOut SFFloat on }");
-  const auto* script = world.get<VrmlScript>("S");
-  ASSERT_TRUE(script) << world.messages.text();
-  EXPECT_TRUE(world.messages.empty()) << world.messages.text();
-  EXPECT_EQ(script->getFieldType(script->getField("on")), static_cast<int>(FieldKind::eventOut)) << "the eventOut comes first";
-}
-
 TEST(ScriptDeclarations, NodesInFieldsMayBeTheScriptOrAboveIt) {
   const TestWorld world(
       "DEF TOP Group { children DEF S Script { field SFNode self USE S field MFNode all [ USE TOP NULL ] } }");
@@ -97,13 +89,16 @@ TEST(ScriptDeclarations, AreCopiedWithTheirValues) {
   EXPECT_EQ(copied.getFieldType(copied.getField("tick")), static_cast<int>(FieldKind::eventIn));
 }
 
-TEST(ScriptDeclarations, OfOneNameAndKindTheFirstCounts) {
-  const TestWorld world("DEF S Script { field SFFloat x 1\nfield SFFloat x 2 }");
+TEST(ScriptDeclarations, OfOneNameTheFirstCounts) {
+  const TestWorld world("DEF S Script { field SFFloat x 1\neventOut SFVec3f x field MFNode url [ ] }");
   const auto* script = world.get<VrmlScript>("S");
   ASSERT_TRUE(script) << world.messages.text();
+  EXPECT_EQ(fieldNames(*script), (std::vector<std::string>{"url", "mustEvaluate", "directOutput", "x"}));
   EXPECT_EQ(static_cast<SoSFFloat*>(script->getField("x"))->getValue(), 1);
+  EXPECT_EQ(script->getFieldType(script->getField("x")), static_cast<int>(FieldKind::field));
   EXPECT_EQ(world.messages.count("\"x\" is declared twice"), 1) << world.messages.text();
-  EXPECT_EQ(world.messages.count("line   3"), 1) << world.messages.text();
+  EXPECT_EQ(world.messages.count("\"url\" is declared twice"), 1) << world.messages.text();
+  EXPECT_EQ(world.messages.count("line   3"), 2) << world.messages.text();
 }
 
 struct BadBody {

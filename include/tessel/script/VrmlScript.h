@@ -34,10 +34,9 @@ public:
   VrmlScript();
 
   /// Declares a field or event, with the neutral value of its type. Null for a type that can't be declared.
+  /// Under a name that the node has already it is nobody's business but the node's.
   SoField* addField(tessel::FieldKind kind, tessel::ValueType type, const SbName& name);
 
-  /// A declared one first, events before fields and eventOuts before eventIns; else one of the class.
-  SoField* getField(const SbName& name) const override;
   int getFieldType(const SoField* field) const override;
   int isSpatial() const override { return 0; }
   /// A script may know nodes above it.
@@ -53,13 +52,12 @@ protected:
 private:
   struct Declared {
     SbName name;
-    tessel::FieldKind kind;
+    tessel::FieldKind kind;  // internal if the name was taken
     std::unique_ptr<SoField> field;
   };
 
   struct Keyword;
 
-  const Declared* findDeclared(tessel::FieldKind kind, const SbName& name) const;
   static const Keyword* keywordNamed(std::string_view word);
   bool readDeclaration(tessel::WorldReader& reader, const Keyword& keyword);
 
