@@ -35,7 +35,6 @@ void NodeClass<Self, Parent>::initClass() {
                                    concrete ? &NodeClass::createInstance : nullptr,
                                    static_cast<uint16_t>(SoNode::getNextActionMethodIndex()));
   SoNode::incNextActionMethodIndex();
-  classTypeId.makeInternal();  // out of reach of the toolkit's own reader
   if constexpr (!requires { Self::standsInNoFile; }) typeNames().add(Self::fileFormatName, classTypeId);
 }
 

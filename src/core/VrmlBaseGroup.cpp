@@ -51,7 +51,7 @@ VrmlBaseGroup::VrmlBaseGroup(int expectedChildren)
   kidType = tessel::KidType::notComputed;
 }
 
-VrmlBaseGroup::~VrmlBaseGroup() = default;
+VrmlBaseGroup::~VrmlBaseGroup() { childList.reset(); }  // notifies, so while the other members are there
 
 // Children.
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include <tessel/core/VrmlTransform.h>
 
+#include <cmath>
+
 #include <Inventor/actions/SoActions.h>
 #include <Inventor/elements/SoModelMatrixElement.h>
 #include <Inventor/errors/SoDebugError.h>
@@ -198,16 +200,17 @@ bool VrmlTransform::setFactored(const SbMatrix& matrix, const SbVec3f& aroundCen
   SbMatrix m = ::translation(-aroundCenter);
   m.multLeft(matrix);
   m.multLeft(::translation(aroundCenter));
-  SbMatrix scaleAxes, turn, projection;
-  SbVec3f scaling, shift;
-  if (!m.factor(scaleAxes, scaling, turn, shift, projection)) {
+  if (const float volume = m.det3(); !(volume != 0) || !std::isfinite(volume)) {
     SoDebugError::post(where, "%s", complaint);
     return false;
   }
+  SbVec3f shift, scaling;
+  SbRotation turn, scaleAxes;
+  m.getTransform(shift, turn, scaling, scaleAxes);
   setIfDifferent(translation, shift);
-  setIfDifferent(rotation, SbRotation(turn));
+  setIfDifferent(rotation, turn);
   setIfDifferent(scale, scaling);
-  if (scaling != SbVec3f(1, 1, 1)) setIfDifferent(scaleOrientation, SbRotation(scaleAxes));
+  if (scaling != SbVec3f(1, 1, 1)) setIfDifferent(scaleOrientation, scaleAxes);
   return true;
 }
 
