@@ -83,6 +83,7 @@
 
 #include "core/ChildrenConverters.h"
 #include "core/WorldReader.h"
+#include "frame/AfterCameraElement.h"
 #include "toolkit/TypeNames.h"
 
 namespace tessel {
@@ -101,6 +102,7 @@ void registerAll() {
   VrmlCountAction::initClass();
   VrmlRenderAction::initClass();
   VrmlPreTraverseAction::initClass();
+  AfterCameraElement::initClass();
 
   // Nodes, parents first.
   VrmlNode::initClass();

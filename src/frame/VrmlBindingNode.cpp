@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include <tessel/frame/VrmlBindingNode.h>
 
-#include <Inventor/misc/SoNotification.h>
-
 #include "core/NodeClassImpl.h"
+#include "toolkit/FieldNotification.h"
 
 using namespace tessel;
 
@@ -24,9 +23,10 @@ void VrmlBindingNode::doBind() { isBound.setValue(TRUE); }
 void VrmlBindingNode::doUnbind() { isBound.setValue(FALSE); }
 
 void VrmlBindingNode::notify(SoNotList* list) {
+  const bool bindEvent = isNotifyEnabled() && list->getLastField() == &set_bind;
   // A scene manager above hears of the event in here, and has bound or unbound the node when this returns.
-  VrmlNode::notify(list);
-  if (isNotifyEnabled() && list->getLastField() == &set_bind) isBound.setValue(set_bind.getValue());
+  VrmlNode::notify(tessel::FieldNotification(this, list).list());
+  if (bindEvent) isBound.setValue(set_bind.getValue());
 }
 
 template class tessel::NodeClass<VrmlBindingNode, VrmlNode>;

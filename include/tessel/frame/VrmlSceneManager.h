@@ -6,6 +6,7 @@
 #include <tessel/frame/BindingStack.h>
 #include <tessel/toolkit/SoRef.h>
 
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -19,13 +20,13 @@
 
 class SoField;
 class SoGetMatrixAction;
-class SoSearchAction;
 class VrmlAnchor;
 class VrmlNavigationInfo;
 class VrmlPreTraverseAction;
 class VrmlRenderAction;
 class VrmlViewpoint;
 class VrmlViewpointManager;
+class VrmlVisibilityList;
 
 /// Drives the frames of one world: watches the clock and the scene, keeps the binding stacks, and draws.
 ///
@@ -114,29 +115,31 @@ public:
   static void notifyHandlerCB(void* data, SoSensor* sensor);
 
 private:
-  void clearWindowFor(SoGLRenderAction* action, bool clearColor, bool clearDepth);
-  void updateBackgroundRotation();
+  void clearPlainly(bool clearColor, bool clearDepth) const;
   void traverseForFrame(SoGLRenderAction* action);
+  void updateBackgroundRotation();
   void doPostCameraRenderStuff(SoGLRenderAction* action);
   void doBackground(SoGLRenderAction* action);
   void doFog(SoGLRenderAction* action);
-  void preTraverse(int kidTypes, int silence);
+  void preTraverse(std::uint32_t kidTypes, int silence);
   void checkSoundTraversal();
-  void redrawNow();
-  void notified(SoNode* node, SoField* field);
+  void checkViewpointMoved();
+  void fieldChanged(SoNode* node, SoField* field);
   void bindingFieldChanged(VrmlBindingNode* node, SoField* field);
-  void changedWithoutField(SoNode* node);
-  void serveAnchor(VrmlAnchor* anchor);
+  void structureChanged(SoNode* node);
+  bool serveAnchor(VrmlAnchor* anchor) const;
 
-  void updateStack(BindingStack& stack, SoPathList& paths);
-  void dropUnlessOnTop(BindingStack& stack, VrmlBindingNode* oldTop);
-  void viewpointSceneChanged(SoPathList& paths, int isNewWorld);
+  void updateStack(BindingStack& stack, const SoPathList& paths);
+  void viewpointSceneChanged(const SoPathList& paths, int isNewWorld);
   void viewpointBindingChanged(VrmlViewpoint* viewpoint, int isBound, VrmlViewpoint* other);
   void keepOffsets(VrmlViewpoint* viewpoint) const;
-  void findBackground();
+  void backgroundBound(const VrmlBindingNode* node);
   VrmlViewpoint* boundViewpoint() const;
 
+  static void redrawCB(void* data, SoSensor* sensor);
+  static void moveCB(void* data, SoSensor* sensor);
   static void realTimeWatcherCB(void* data, SoSensor* sensor);
+  static void clockCB(void* data, SoSensor* sensor);
   static void viewpointBindingChangedCB(void* data, VrmlBindingNode* node, int isBound, VrmlBindingNode* other);
   static void viewpointSceneChangedCB(void* data, SoPathList& paths, int newWorld);
   static void navInfoBindingChangedCB(void* data, VrmlBindingNode* node, int isBound, VrmlBindingNode* other);
@@ -149,16 +152,19 @@ private:
   std::unique_ptr<VrmlRenderAction> renderAction;
   std::unique_ptr<VrmlPreTraverseAction> preTraverseAction;
   std::unique_ptr<SoGetMatrixAction> getMatrixAction;
-  std::unique_ptr<SoSearchAction> searchAction;
+  std::unique_ptr<VrmlVisibilityList> visibilitySensors;
   std::unique_ptr<VrmlViewpointManager> viewpointManager;
   std::vector<std::unique_ptr<BindingStack>> bindingStacks;  // one for a derived type before one for its base
   const SoPathList* pathsOfUpdate = nullptr;                 // during updateBindingNodes
   tessel::SoRef<SoPath> backgroundPath;
+  SbUniqueId viewpointChange = 0;   // when the Transforms above the bound viewpoint were last looked at
+  SbUniqueId backgroundChange = 0;  // the same for the bound background
   tessel::SoRef<SoCamera> sceneCamera;
   SbString currentViewpointName;
 
   VrmlNotifySensor notifySensor;
   SoOneShotSensor redrawSensor;
+  SoOneShotSensor moveSensor;
   SoFieldSensor realTimeWatcher;
   SoAlarmSensor clockSensor;
 
