@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "shapes/Probe.h"
+
+#include <GL/gl.h>
+
+#include <Inventor/SoPath.h>
+#include <Inventor/SoPickedPoint.h>
+#include <Inventor/SoPrimitiveVertex.h>
+#include <Inventor/actions/SoCallbackAction.h>
+#include <Inventor/actions/SoGetBoundingBoxAction.h>
+#include <Inventor/actions/SoRayPickAction.h>
+#include <Inventor/details/SoConeDetail.h>
+#include <Inventor/details/SoCubeDetail.h>
+#include <Inventor/details/SoCylinderDetail.h>
+#include <Inventor/details/SoLineDetail.h>
+#include <Inventor/details/SoPointDetail.h>
+#include <Inventor/elements/SoGLCacheContextElement.h>
+#include <Inventor/nodes/SoComplexity.h>
+#include <Inventor/nodes/SoDirectionalLight.h>
+#include <Inventor/nodes/SoOrthographicCamera.h>
+
+namespace tessel::test {
+namespace {
+
+template <class Detail>
+const Detail* as(const SoDetail* detail) {
+  return detail && detail->isOfType(Detail::getClassTypeId()) ? static_cast<const Detail*>(detail) : nullptr;
+}
+
+int partOf(const SoDetail* detail) {
+  if (const auto* d = as<SoCubeDetail>(detail)) return d->getPart();
+  if (const auto* d = as<SoConeDetail>(detail)) return d->getPart();
+  if (const auto* d = as<SoCylinderDetail>(detail)) return d->getPart();
+  if (const auto* d = as<SoLineDetail>(detail)) return d->getPartIndex();
+  return -1;
+}
+
+Corner cornerOf(const SoPrimitiveVertex* v) {
+  const SbVec4f st = v->getTextureCoords();
+  return {v->getPoint(), v->getNormal(), st[0], st[1], partOf(v->getDetail())};
+}
+
+}  // namespace
+
+SbBox3f boxOf(SoNode* scene) {
+  SoGetBoundingBoxAction action(SbViewportRegion(100, 100));
+  action.apply(scene);
+  return action.getBoundingBox();
+}
+
+std::vector<Hit> hitsOf(SoNode* scene, const SbVec3f& from, const SbVec3f& along) {
+  SoRayPickAction action(SbViewportRegion(100, 100));
+  action.setRay(from, along);
+  action.setPickAll(TRUE);
+  action.apply(scene);
+  std::vector<Hit> hits;
+  const SoPickedPointList& list = action.getPickedPointList();
+  for (int i = 0; i < list.getLength(); ++i) {
+    const SoPickedPoint* p = list[i];
+    const auto* path = static_cast<const SoFullPath*>(p->getPath());
+    const SoDetail* detail = p->getDetail(path->getTail());
+    Hit hit{p->getPoint(), p->getNormal(), p->getTextureCoords(), partOf(detail)};
+    if (const auto* d = as<SoLineDetail>(detail)) hit.line = d->getLineIndex();
+    if (const auto* d = as<SoPointDetail>(detail)) hit.coordinate = d->getCoordinateIndex();
+    hits.push_back(hit);
+  }
+  return hits;
+}
+
+std::vector<Triangle> trianglesOf(SoNode* scene, float complexity) {
+  const SoRef<SoSeparator> root(new SoSeparator);
+  auto* detailed = new SoComplexity;
+  detailed->value = complexity;
+  root->addChild(detailed);
+  root->addChild(scene);
+  std::vector<Triangle> triangles;
+  SoCallbackAction action;
+  action.addTriangleCallback(
+      SoNode::getClassTypeId(),
+      [](void* out, SoCallbackAction*, const SoPrimitiveVertex* a, const SoPrimitiveVertex* b,
+         const SoPrimitiveVertex* c) {
+        static_cast<std::vector<Triangle>*>(out)->push_back({cornerOf(a), cornerOf(b), cornerOf(c)});
+      },
+      &triangles);
+  action.apply(root.get());
+  return triangles;
+}
+
+double volumeOf(const std::vector<Triangle>& triangles) {
+  double sum = 0;
+  for (const auto& [a, b, c] : triangles) sum += a.point.dot(b.point.cross(c.point)) / 6.0;
+  return sum;
+}
+
+Stage::Stage(SoNode* scene, int pixels) : size(pixels), context(openContext(pixels, pixels)), top(new SoSeparator) {
+  auto* camera = new SoOrthographicCamera;
+  camera->position.setValue(0, 0, 10);
+  camera->nearDistance = 1;
+  camera->farDistance = 20;
+  camera->height = 4;
+  top->addChild(camera);
+  top->addChild(new SoDirectionalLight);
+  top->addChild(scene);
+  action = std::make_unique<VrmlRenderAction>(SbViewportRegion(static_cast<short>(pixels), static_cast<short>(pixels)));
+  action->setCacheContext(SoGLCacheContextElement::getUniqueCacheContext());
+  glEnable(GL_DEPTH_TEST);
+}
+
+host::Image Stage::draw() {
+  glClearColor(0, 0, 0, 1);
+  glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+  action->apply(top.get());
+  return context->picture();
+}
+
+Colour Stage::at(const host::Image& picture, float x, float y) const {
+  const auto place = [this](float c) { return static_cast<int>((c + 2) / 4 * static_cast<float>(size)); };
+  return pixel(picture, place(x), place(y));
+}
+
+}  // namespace tessel::test

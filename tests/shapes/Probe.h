@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <array>
+#include <memory>
+#include <vector>
+
+#include <Inventor/SbBox3f.h>
+#include <Inventor/SbVec3f.h>
+#include <Inventor/SbVec4f.h>
+#include <Inventor/nodes/SoNode.h>
+#include <Inventor/nodes/SoSeparator.h>
+
+#include <tessel/actions/VrmlRenderAction.h>
+#include <tessel/toolkit/SoRef.h>
+
+#include "support/Picture.h"
+
+namespace tessel::test {
+
+/// The bounding box of a scene.
+SbBox3f boxOf(SoNode* scene);
+
+/// A point that a ray met.
+struct Hit {
+  SbVec3f point, normal;
+  SbVec4f texCoords;
+  int part = -1;         ///< of the detail; -1 if that tells none
+  int line = -1;         ///< of a line's detail
+  int coordinate = -1;   ///< of a point's detail
+};
+/// All of them, the nearest first.
+std::vector<Hit> hitsOf(SoNode* scene, const SbVec3f& from, const SbVec3f& along);
+
+struct Corner {
+  SbVec3f point, normal;
+  float s = 0, t = 0;
+  int part = -1;
+};
+using Triangle = std::array<Corner, 3>;
+/// What the callback action is handed, at a complexity in object space.
+std::vector<Triangle> trianglesOf(SoNode* scene, float complexity = 0.5f);
+/// The volume inside a closed surface; negative if its triangles are clockwise from outside.
+double volumeOf(const std::vector<Triangle>& triangles);
+
+/// A scene before an orthographic camera that looks along -z at x and y from -2 to 2, with a light beside it.
+class Stage {
+public:
+  explicit Stage(SoNode* scene, int size = 64);
+
+  /// Draws a frame on black.
+  host::Image draw();
+  /// The colour at a place of the scene.
+  Colour at(const host::Image& picture, float x, float y) const;
+
+  SoSeparator* root() const { return top.get(); }
+
+private:
+  int size;
+  std::unique_ptr<host::OffscreenContext> context;
+  SoRef<SoSeparator> top;
+  std::unique_ptr<VrmlRenderAction> action;
+};
+
+}  // namespace tessel::test
