@@ -5,6 +5,7 @@
 #include <tessel/toolkit/SoRef.h>
 
 #include <filesystem>
+#include <string>
 #include <string_view>
 
 #include <Inventor/SoType.h>
@@ -34,6 +35,7 @@ public:
   /// Reads a file, such as `TestWorld(testFile("core/worlds/fan-in.wrl"))`.
   explicit TestWorld(const std::filesystem::path& file, const tessel::ReadOptions& options = {});
   explicit TestWorld(const char* text) : TestWorld(std::string_view(text)) {}
+  explicit TestWorld(const std::string& text) : TestWorld(std::string_view(text)) {}
 
   /// What was read; null if nothing was.
   SoNode* root() const { return node.get(); }
