@@ -16,7 +16,11 @@ SyncedChildren::SyncedChildren(SoNode* node, std::initializer_list<Slot> fields)
   std::copy(fields.begin(), fields.end(), slots);
 }
 
-SyncedChildren::~SyncedChildren() = default;
+SyncedChildren::~SyncedChildren() {
+  // The list tells its owner that it is emptied, who is half gone by now.
+  syncing = true;
+  list.truncate(0);
+}
 
 bool SyncedChildren::accepts(const Slot& slot) {
   SoNode* node = slot.field->getValue();
