@@ -24,16 +24,19 @@ public:
 
   /// Draws by `draw`, a function without arguments, or plays what that drew. `key` stands for all that
   /// `draw` takes from the state: another key is another drawing.
-  template <class Draw>
-  void draw(SoState* state, std::uint64_t key, Draw&& draw) {
+  template <class Draw> void draw(SoState* state, std::uint64_t key, Draw&& draw) {
     switch (next(state, key)) {
-      case Step::direct: draw(); break;
+      case Step::direct:
+        draw();
+        break;
       case Step::record:
         open(state);
         draw();
         close(state);
         [[fallthrough]];
-      case Step::play: play(state); break;
+      case Step::play:
+        play(state);
+        break;
     }
   }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <cmath>
+
 #include <Inventor/SbVec2f.h>
 #include <Inventor/SbVec4f.h>
 #include <Inventor/SoPickedPoint.h>
@@ -8,10 +10,11 @@
 
 namespace tessel {
 
-/// Adds a point on a geometry, in the pick's object space, to the pick. Null if the pick does not want it.
+/// Adds a point on a geometry, in the pick's object space, to the pick. Null if the pick does not want it
+/// or it is none.
 inline SoPickedPoint* addHit(SoRayPickAction* action, const SbVec3f& point, const SbVec3f& normal,
                              const SbVec2f& texCoords) {
-  if (!action->isBetweenPlanes(point)) return nullptr;
+  if (!std::isfinite(point.sqrLength()) || !action->isBetweenPlanes(point)) return nullptr;
   SoPickedPoint* picked = action->addIntersection(point);
   if (!picked) return nullptr;
   picked->setObjectNormal(normal);
@@ -20,8 +23,7 @@ inline SoPickedPoint* addHit(SoRayPickAction* action, const SbVec3f& point, cons
 }
 
 /// A new detail of a class that tells a part.
-template <class Detail>
-Detail* partDetail(int part) {
+template <class Detail> Detail* partDetail(int part) {
   auto* detail = new Detail;
   detail->setPart(part);
   return detail;

@@ -20,8 +20,7 @@ enum class Run { strip, fan };
 // coordinates hold until the next ones, vertices come in runs. One sink draws, the other feeds the pipeline.
 
 /// Draws the mesh at once. What is not to be sent costs nothing.
-template <bool normals, bool texCoords>
-class GLSink {
+template <bool normals, bool texCoords> class GLSink {
 public:
   static constexpr bool wantsTexCoords = texCoords;
 
@@ -59,8 +58,7 @@ private:
 
 /// Sends the first material of the state and calls `describe` with the sink that draws what the state needs:
 /// normals under light, texture coordinates under a texture.
-template <class Describe>
-void drawPrimitive(SoGLRenderAction* action, Describe&& describe) {
+template <class Describe> void drawPrimitive(SoGLRenderAction* action, Describe&& describe) {
   const bool textured = SoGLTextureEnabledElement::get(action->getState());
   SoMaterialBundle materials(action);
   materials.sendFirst();
@@ -91,7 +89,8 @@ public:
     if (!function) held.setTextureCoords(s, t);
   }
   void begin(Run run) {
-    geometry->beginShape(action, run == Run::strip ? VrmlGeometry::TRIANGLE_STRIP : VrmlGeometry::TRIANGLE_FAN);
+    geometry->beginShape(action,
+                         run == Run::strip ? VrmlGeometry::TRIANGLE_STRIP : VrmlGeometry::TRIANGLE_FAN);
   }
   void vertex(const SbVec3f& p) {
     held.setPoint(p);
@@ -122,8 +121,7 @@ private:
 };
 
 /// The same, with a detail that tells the part.
-template <class Detail>
-class DetailSink : public PipelineSink {
+template <class Detail> class DetailSink : public PipelineSink {
 public:
   DetailSink(VrmlGeometry* g, SoAction* a) : PipelineSink(g, a) { held.setDetail(&detail); }
   DetailSink(const DetailSink&) = delete;  // `held` points at this one's detail

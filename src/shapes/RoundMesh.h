@@ -30,8 +30,7 @@ struct RoundCut {
 RoundCut roundCut(float complexity, int type, float pixels);
 
 /// The same for a state; `screenSize` is asked only where the complexity depends on it.
-template <class ScreenSize>
-RoundCut roundCut(SoState* state, ScreenSize screenSize) {
+template <class ScreenSize> RoundCut roundCut(SoState* state, ScreenSize screenSize) {
   const int type = SoComplexityTypeElement::get(state);
   const float pixels = type == SoComplexityTypeElement::OBJECT_SPACE ? 0 : largerExtent(screenSize());
   return roundCut(SoComplexityElement::get(state), type, pixels);

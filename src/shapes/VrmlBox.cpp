@@ -43,8 +43,7 @@ SbVec3f cornerOf(int face, int corner, const SbVec3f& half) {
 }
 
 /// The mesh, each edge of a face cut into as many pieces.
-template <class Sink>
-void describeBox(Sink& sink, const SbVec3f& half, int divisions) {
+template <class Sink> void describeBox(Sink& sink, const SbVec3f& half, int divisions) {
   if (divisions == 1) sink.beginQuads();
   for (int face = 0; face < 6; ++face) {
     sink.part(face);
@@ -87,21 +86,21 @@ std::span<const tessel::FieldSpec> VrmlBox::fields() {
 VrmlBox::VrmlBox() { setUpFields(); }
 VrmlBox::~VrmlBox() = default;
 
-SbVec3f VrmlBox::getSize() const {
-  return size.isIgnored() ? SbVec3f(1, 1, 1) : size.getValue() * 0.5f;
-}
+SbVec3f VrmlBox::getSize() const { return size.isIgnored() ? SbVec3f(1, 1, 1) : size.getValue() * 0.5f; }
 
 int VrmlBox::computeNumDivisions(SoAction* action) {
   SoState* state = action->getState();
   const float c = SoComplexityElement::get(state);
   switch (SoComplexityTypeElement::get(state)) {
-    case SoComplexityTypeElement::BOUNDING_BOX: return 1;
+    case SoComplexityTypeElement::BOUNDING_BOX:
+      return 1;
     case SoComplexityTypeElement::SCREEN_SPACE: {
       const SbVec3f half = getSize();
       const float pixels = tessel::largerExtent(getScreenSize(state, tessel::cornerBox(-half, half)));
       return tessel::pieces(tessel::wholeCount(pixels * 0.25f * c * c) + 1);
     }
-    default: return c <= 0.5f ? 1 : tessel::pieces(tessel::wholeCount(c * 30) - 14);
+    default:
+      return c <= 0.5f ? 1 : tessel::pieces(tessel::wholeCount(c * 30) - 14);
   }
 }
 
@@ -109,11 +108,11 @@ bool VrmlBox::isMaterialPerFace(SoAction* action) {
   SoState* state = action->getState();
   if (!state->isElementEnabled(SoMaterialBindingElement::getClassStackIndex())) return false;
   const int binding = SoMaterialBindingElement::get(state);
-  return binding >= SoMaterialBindingElement::PER_PART && binding <= SoMaterialBindingElement::PER_FACE_INDEXED;
+  return binding >= SoMaterialBindingElement::PER_PART &&
+         binding <= SoMaterialBindingElement::PER_FACE_INDEXED;
 }
 
-template <class Sink>
-void VrmlBox::describe(Sink&& sink, SoAction* action) {
+template <class Sink> void VrmlBox::describe(Sink&& sink, SoAction* action) {
   if (isMaterialPerFace(action)) sink.takeMaterialPerPart();
   describeBox(sink, getSize(), computeNumDivisions(action));
 }
@@ -125,7 +124,9 @@ void VrmlBox::GLRender(SoGLRenderAction* action) {
   endSolidShape(action);
 }
 
-void VrmlBox::generatePrimitives(SoAction* action) { describe(tessel::DetailSink<SoCubeDetail>(this, action), action); }
+void VrmlBox::generatePrimitives(SoAction* action) {
+  describe(tessel::DetailSink<SoCubeDetail>(this, action), action);
+}
 
 void VrmlBox::rayPick(SoRayPickAction* action) {
   if (!shouldRayPick(action)) return;
@@ -139,8 +140,8 @@ void VrmlBox::rayPick(SoRayPickAction* action) {
   state->pop();
 }
 
-SoDetail* VrmlBox::createTriangleDetail(SoRayPickAction*, const SoPrimitiveVertex* v1, const SoPrimitiveVertex*,
-                                        const SoPrimitiveVertex*, SoPickedPoint*) {
+SoDetail* VrmlBox::createTriangleDetail(SoRayPickAction*, const SoPrimitiveVertex* v1,
+                                        const SoPrimitiveVertex*, const SoPrimitiveVertex*, SoPickedPoint*) {
   if (pickingBoundingBox) return nullptr;
   return tessel::partDetail<SoCubeDetail>(static_cast<const SoCubeDetail*>(v1->getDetail())->getPart());
 }

@@ -4,8 +4,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include <Inventor/SbMatrix.h>
-#include <Inventor/SbRotation.h>
 #include <Inventor/details/SoConeDetail.h>
 
 #include <tessel/actions/VrmlCountAction.h>
@@ -20,9 +18,8 @@ namespace {
 enum Part { sidePart = 1, bottomPart = 2 };
 constexpr float perTurn = 0.15915494309189535f;
 
-/// Where a line meets the double cone x x - y y + z z = 0; how many points there are.
-int intersectInfiniteCone(const SbLine& line, SbVec3f points[2]) {
-  const SbVec3f &o = line.getPosition(), &d = line.getDirection();
+/// Where the line o + t d meets the double cone x x - y y + z z = 0; how many points there are.
+int intersectInfiniteCone(const SbVec3f& o, const SbVec3f& d, SbVec3f points[2]) {
   const double ox = o[0], oy = o[1], oz = o[2], dx = d[0], dy = d[1], dz = d[2];
   const double a = dx * dx - dy * dy + dz * dz;
   const double b = 2 * (ox * dx - oy * dy + oz * dz);
@@ -32,7 +29,8 @@ int intersectInfiniteCone(const SbLine& line, SbVec3f points[2]) {
   // Both terms of the sum have one sign, so that nothing is lost where they are almost equal.
   const double q = -0.5 * (b + std::copysign(std::sqrt(discriminant), b));
   const auto at = [&](double t) {
-    return SbVec3f(static_cast<float>(ox + t * dx), static_cast<float>(oy + t * dy), static_cast<float>(oz + t * dz));
+    return SbVec3f(static_cast<float>(ox + t * dx), static_cast<float>(oy + t * dy),
+                   static_cast<float>(oz + t * dz));
   };
   // A line along one on the cone meets one half only; one through the tip goes in there once.
   if (a == 0) {
@@ -76,8 +74,7 @@ tessel::RoundCut VrmlCone::computeBase(SoAction* action) {
   });
 }
 
-template <class Sink>
-void VrmlCone::describe(Sink&& sink, SoAction* action) {
+template <class Sink> void VrmlCone::describe(Sink&& sink, SoAction* action) {
   const tessel::RoundCut cut = computeBase(action);
   float r, h;
   getSize(r, h);
@@ -103,7 +100,9 @@ void VrmlCone::GLRender(SoGLRenderAction* action) {
   endSolidShape(action);
 }
 
-void VrmlCone::generatePrimitives(SoAction* action) { describe(tessel::DetailSink<SoConeDetail>(this, action), action); }
+void VrmlCone::generatePrimitives(SoAction* action) {
+  describe(tessel::DetailSink<SoConeDetail>(this, action), action);
+}
 
 void VrmlCone::rayPick(SoRayPickAction* action) {
   float r, h;
@@ -113,10 +112,12 @@ void VrmlCone::rayPick(SoRayPickAction* action) {
     return;
   }
   if (!shouldRayPick(action)) return;
-  SbMatrix unitCone;  // radius 1 at y = -1, tip at the origin
-  unitCone.setTransform(SbVec3f(0, h, 0), SbRotation::identity(), SbVec3f(r, 2 * h, r));
-  computeObjectSpaceRay(action, unitCone);
+  computeObjectSpaceRay(action);
   const SbLine& line = action->getLine();
+
+  // The side is met in a space where the cone has radius 1 and height 1 and its tip is at the origin.
+  const auto toUnit = [r, h](const SbVec3f& v) { return SbVec3f(v[0] / r, v[1] / (2 * h), v[2] / r); };
+  const SbVec3f tip(0, h, 0);
 
   int numHits = 0;
   const auto hit = [&](const SbVec3f& point, const SbVec3f& normal, const SbVec2f& texCoords, Part part) {
@@ -127,19 +128,22 @@ void VrmlCone::rayPick(SoRayPickAction* action) {
 
   if (side.getValue()) {
     SbVec3f points[2];
-    const int numPoints = intersectInfiniteCone(line, points);
+    const int numPoints =
+        intersectInfiniteCone(toUnit(line.getPosition() - tip), toUnit(line.getDirection()), points);
     for (int i = 0; i < numPoints; ++i) {
       const SbVec3f& p = points[i];
       if (!(p[1] >= -1 && p[1] <= 0)) continue;
-      const SbVec3f below(p[0] * r, p[1] * 2 * h, p[2] * r);  // in object space, seen from the tip
+      const SbVec3f below(p[0] * r, p[1] * 2 * h, p[2] * r);  // from the tip, in object space
       SbVec3f normal(-below[0] * below[1], below[0] * below[0] + below[2] * below[2], -below[1] * below[2]);
       normal.normalize();
-      hit(p, normal, SbVec2f(std::atan2(p[0], p[2]) * perTurn + 0.5f, p[1] + 1), sidePart);
+      hit(tip + below, normal, SbVec2f(std::atan2(p[0], p[2]) * perTurn + 0.5f, p[1] + 1), sidePart);
     }
   }
   SbVec3f p;
-  if (numHits < 2 && bottom.getValue() && tessel::crossesLevel(line, -1, p) && p[0] * p[0] + p[2] * p[2] <= 1)
-    hit(p, SbVec3f(0, -1, 0), SbVec2f(p[0] / 2 + 0.5f, p[2] / 2 + 0.5f), bottomPart);
+  if (numHits < 2 && bottom.getValue() && tessel::crossesLevel(line, -h, p)) {
+    const float x = p[0] / r, z = p[2] / r;
+    if (x * x + z * z <= 1) hit(p, SbVec3f(0, -1, 0), SbVec2f(x / 2 + 0.5f, z / 2 + 0.5f), bottomPart);
+  }
 }
 
 void VrmlCone::count(VrmlCountAction* action) {

@@ -49,8 +49,7 @@ tessel::RoundCut VrmlCylinder::computeRing(SoAction* action) {
   });
 }
 
-template <class Sink>
-void VrmlCylinder::describe(Sink&& sink, SoAction* action) {
+template <class Sink> void VrmlCylinder::describe(Sink&& sink, SoAction* action) {
   const tessel::RoundCut cut = computeRing(action);
   float r, h;
   getSize(r, h);
@@ -118,7 +117,8 @@ void VrmlCylinder::rayPick(SoRayPickAction* action) {
 }
 
 void VrmlCylinder::count(VrmlCountAction* action) {
-  action->numTriangles += (side.getValue() ? 32 : 0) + (top.getValue() ? 16 : 0) + (bottom.getValue() ? 16 : 0);
+  action->numTriangles +=
+      (side.getValue() ? 32 : 0) + (top.getValue() ? 16 : 0) + (bottom.getValue() ? 16 : 0);
 }
 
 void VrmlCylinder::computeBBox(SoAction*, SbBox3f& box, SbVec3f& center) {

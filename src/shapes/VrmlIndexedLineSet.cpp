@@ -127,7 +127,8 @@ bool VrmlIndexedLineSet::chooseColors() {
   int need = 0;  // entries in the list of indices
   colorSource = ColorSource::own;
   switch (vpCache->materialBinding) {
-    case Cache::overall: break;
+    case Cache::overall:
+      break;
     case Cache::perFace:
       name = indexed ? "PER_FACE_INDEXED" : "PER_LINE";
       need = numPolylines;
@@ -149,16 +150,16 @@ bool VrmlIndexedLineSet::chooseColors() {
     const SoMFInt32& indices = colorSource == ColorSource::colorIndex ? colorIndex : coordIndex;
     const int n = indices.getNum();
     if (n < need) {
-      SoDebugError::post("VrmlIndexedLineSet", "Need %d indices for %s  material binding, have only %d", need, name,
-                         n);
+      SoDebugError::post("VrmlIndexedLineSet", "Need %d indices for %s  material binding, have only %d", need,
+                         name, n);
       return false;
     }
     const std::int32_t* first = indices.getValues(0);
     numNeeded = n > 0 ? *std::max_element(first, first + n) + 1 : 0;
   }
   if (numNeeded > vpCache->numColors) {
-    SoDebugError::post("VrmlIndexedLineSet", "Material binding is %s, but only %d colors given (%d needed)", name,
-                       vpCache->numColors, numNeeded);
+    SoDebugError::post("VrmlIndexedLineSet", "Material binding is %s, but only %d colors given (%d needed)",
+                       name, vpCache->numColors, numNeeded);
     return false;
   }
   return true;
@@ -166,8 +167,7 @@ bool VrmlIndexedLineSet::chooseColors() {
 
 // Drawing
 
-template <VrmlIndexedLineSet::ColorUse use>
-void VrmlIndexedLineSet::draw(bool asPoints) const {
+template <VrmlIndexedLineSet::ColorUse use> void VrmlIndexedLineSet::draw(bool asPoints) const {
   const Cache& vp = *vpCache;
   const std::int32_t* index = coordIndex.getValues(0);
   const std::int32_t* colorI = colorSource == ColorSource::own          ? nullptr
@@ -212,8 +212,8 @@ void VrmlIndexedLineSet::GLRender(SoGLRenderAction* action) {
   if (!shouldGLRender(action)) return;
   SoState* state = action->getState();
   tessel::UnlitScope unlit(state, this);
-  vpCache->fillInCache(tessel::realNode<VrmlCoordinate>(coord), tessel::realNode<VrmlColor>(color), nullptr, nullptr,
-                       !colorPerVertex.getValue(), false, state);
+  vpCache->fillInCache(tessel::realNode<VrmlCoordinate>(coord), tessel::realNode<VrmlColor>(color), nullptr,
+                       nullptr, !colorPerVertex.getValue(), false, state);
   indicesValid = setupIndices();
   if (!indicesValid) {
     // No cache may hide the report from the next frame.
@@ -283,7 +283,12 @@ void VrmlIndexedLineSet::generatePrimitives(SoAction* action) {
         hasBefore = false;
         continue;
       }
-      const int parts[] = {0,    segment, valueAt(colorIndex, segment), line, valueAt(colorIndex, line), numSeen,
+      const int parts[] = {0,
+                           segment,
+                           valueAt(colorIndex, segment),
+                           line,
+                           valueAt(colorIndex, line),
+                           numSeen,
                            valueAt(colorIndex, p)};
       const int material = parts[binding];
       SoPrimitiveVertex& here = vertices[numSeen & 1];

@@ -38,8 +38,7 @@ float thinning(SoState* state) {
 }
 
 /// Calls `use` for each point that is not thinned out.
-template <class Use>
-void forEachPoint(int n, float step, Use use) {
+template <class Use> void forEachPoint(int n, float step, Use use) {
   float skip = 0;
   for (int i = 0; i < n; ++i, skip += step) {
     if (skip >= 1)
@@ -137,7 +136,8 @@ void VrmlPointSet::generatePrimitives(SoAction* action) {
   state->pop();
 }
 
-SoDetail* VrmlPointSet::createPointDetail(SoRayPickAction*, const SoPrimitiveVertex* v, SoPickedPoint* point) {
+SoDetail* VrmlPointSet::createPointDetail(SoRayPickAction*, const SoPrimitiveVertex* v,
+                                          SoPickedPoint* point) {
   point->setObjectTextureCoords(SbVec4f(0, 0, 0, 0));
   return new SoPointDetail(*static_cast<const SoPointDetail*>(v->getDetail()));
 }
@@ -159,7 +159,8 @@ void VrmlPointSet::computeBBox(SoAction* action, SbBox3f& box, SbVec3f& center) 
     box.extendBy(values[i]);
     for (int k = 0; k < 3; ++k) sum[k] += values[i][k];
   }
-  center.setValue(static_cast<float>(sum[0] / n), static_cast<float>(sum[1] / n), static_cast<float>(sum[2] / n));
+  center.setValue(static_cast<float>(sum[0] / n), static_cast<float>(sum[1] / n),
+                  static_cast<float>(sum[2] / n));
   if (n >= bboxCacheLimit) createBBoxCache(action->getState(), box, center);
 }
 

@@ -20,14 +20,14 @@ namespace {
 
 SbVec2f texCoordsAt(const SbVec3f& p) {
   // These factors, not 1 / (2 pi) and 1 / pi, are what worlds were made for.
-  return {std::atan2(p[0], p[2]) * 0.159f + 0.5f, std::atan2(p[1], std::sqrt(p[0] * p[0] + p[2] * p[2])) * 0.318f + 0.5f};
+  return {std::atan2(p[0], p[2]) * 0.159f + 0.5f,
+          std::atan2(p[1], std::sqrt(p[0] * p[0] + p[2] * p[2])) * 0.318f + 0.5f};
 }
 
 SbBox3f boxOf(float r) { return tessel::cornerBox(SbVec3f(-r, -r, -r), SbVec3f(r, r, r)); }
 
 /// An octahedron, each of its sides cut into depth times depth triangles, blown up to a sphere.
-template <class Sink>
-class SphereMesh {
+template <class Sink> class SphereMesh {
 public:
   SphereMesh(Sink& to, float r, int d) : sink(to), radius(r), depth(d) {}
 
@@ -100,8 +100,7 @@ private:
   bool mirrored = false, seamFromBelow = false, seamFromAbove = false;
 };
 
-template <class Sink>
-void describeSphere(Sink&& sink, float radius, int depth) {
+template <class Sink> void describeSphere(Sink&& sink, float radius, int depth) {
   SphereMesh<std::remove_reference_t<Sink>>(sink, radius, depth).describe();
 }
 

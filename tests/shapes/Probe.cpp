@@ -22,8 +22,7 @@
 namespace tessel::test {
 namespace {
 
-template <class Detail>
-const Detail* as(const SoDetail* detail) {
+template <class Detail> const Detail* as(const SoDetail* detail) {
   return detail && detail->isOfType(Detail::getClassTypeId()) ? static_cast<const Detail*>(detail) : nullptr;
 }
 
@@ -92,7 +91,8 @@ double volumeOf(const std::vector<Triangle>& triangles) {
   return sum;
 }
 
-Stage::Stage(SoNode* scene, int pixels) : size(pixels), context(openContext(pixels, pixels)), top(new SoSeparator) {
+Stage::Stage(SoNode* scene, int pixels)
+    : size(pixels), context(openContext(pixels, pixels)), top(new SoSeparator) {
   auto* camera = new SoOrthographicCamera;
   camera->position.setValue(0, 0, 10);
   camera->nearDistance = 1;
@@ -101,7 +101,8 @@ Stage::Stage(SoNode* scene, int pixels) : size(pixels), context(openContext(pixe
   top->addChild(camera);
   top->addChild(new SoDirectionalLight);
   top->addChild(scene);
-  action = std::make_unique<VrmlRenderAction>(SbViewportRegion(static_cast<short>(pixels), static_cast<short>(pixels)));
+  action = std::make_unique<VrmlRenderAction>(
+      SbViewportRegion(static_cast<short>(pixels), static_cast<short>(pixels)));
   action->setCacheContext(SoGLCacheContextElement::getUniqueCacheContext());
   glEnable(GL_DEPTH_TEST);
 }

@@ -25,9 +25,9 @@ SbBox3f boxOf(SoNode* scene);
 struct Hit {
   SbVec3f point, normal;
   SbVec4f texCoords;
-  int part = -1;         ///< of the detail; -1 if that tells none
-  int line = -1;         ///< of a line's detail
-  int coordinate = -1;   ///< of a point's detail
+  int part = -1;        ///< of the detail; -1 if that tells none
+  int line = -1;        ///< of a line's detail
+  int coordinate = -1;  ///< of a point's detail
 };
 /// All of them, the nearest first.
 std::vector<Hit> hitsOf(SoNode* scene, const SbVec3f& from, const SbVec3f& along);

@@ -32,8 +32,9 @@ public:
   void computeBBox(SoAction* action, SbBox3f& box, SbVec3f& center) override;
   void generatePrimitives(SoAction* action) override;
   /// A SoCubeDetail whose part is the number of the face: front, back, left, right, top, bottom.
-  SoDetail* createTriangleDetail(SoRayPickAction* action, const SoPrimitiveVertex* v1, const SoPrimitiveVertex* v2,
-                                 const SoPrimitiveVertex* v3, SoPickedPoint* point) override;
+  SoDetail* createTriangleDetail(SoRayPickAction* action, const SoPrimitiveVertex* v1,
+                                 const SoPrimitiveVertex* v2, const SoPrimitiveVertex* v3,
+                                 SoPickedPoint* point) override;
 
 protected:
   ~VrmlBox() override;

@@ -58,8 +58,8 @@ private:
   std::vector<int> polylineCounts;  // vertices of each polyline
   int numSegments = -1;             // negative: not counted
   int numPolylines = -1;
-  int numCounted = 0;               // entries of `coordIndex` that were counted
-  Sizes checked;                    // for which the index lists were checked
+  int numCounted = 0;                // entries of `coordIndex` that were counted
+  Sizes checked;                     // for which the index lists were checked
   std::uint8_t preparedBinding = 0;  // the color binding for which the source was chosen
   ColorSource colorSource = ColorSource::own;
   bool indicesDirty = true;   // the index lists are to be checked

