@@ -16,7 +16,6 @@
 #include <tessel/toolkit/Scoped.h>
 
 #include "core/NodeClassImpl.h"
-#include "toolkit/FieldNotification.h"
 
 using tessel::FieldSpec;
 
@@ -388,12 +387,7 @@ void VrmlBaseGroup::notify(SoNotList* list) {
                                   : source && source->isOfType(VrmlNode::getClassTypeId()) &&
                                         static_cast<const VrmlNode*>(source)->holdsChildren();
     if (structural) kidType = tessel::KidType::notComputed;
-    if (structural && record->getType() == SoNotRec::CONTAINER) {
-      recalcTraverseOrder();
-      // All above must hear of it: what they know of their branches depends on it.
-      VrmlNode::notify(tessel::FieldNotification(this, list).list());
-      return;
-    }
+    if (structural && record->getType() == SoNotRec::CONTAINER) recalcTraverseOrder();
   }
   VrmlNode::notify(list);
 }

@@ -3,12 +3,10 @@
 
 #include <tessel/core/VrmlGroup.h>
 #include <tessel/core/VrmlTransform.h>
-#include <tessel/events/VrmlRoute.h>
 #include <tessel/frame/VrmlBackground.h>
 #include <tessel/frame/VrmlFog.h>
 #include <tessel/frame/VrmlNavigationInfo.h>
 #include <tessel/pointing/VrmlTouchSensor.h>
-#include <tessel/shapes/VrmlPointLight.h>
 
 #include "frame/Stage.h"
 
@@ -144,16 +142,4 @@ TEST(Binding, NavigationChangesReachTheHost) {
   heard.clear();
   stage.bind("B");
   EXPECT_NE(heard.find("B.bound"), std::string::npos) << heard;
-}
-
-TEST(Binding, NodesThatComeAlongARouteAreFoundThoughTheirSourceWasHeardFirst) {
-  Stage stage("DEF TOP Group { children Group { children [ DEF FROM Group {} DEF TO Group {} ] } }");
-  auto* top = stage.get<VrmlGroup>("TOP");
-  EXPECT_FALSE(top->hasKidType(KidType::spatialLight));
-  // A field of nodes in the scene: its own notification reaches the root before that of the route.
-  ASSERT_EQ(VrmlRoute::add(&stage.get<VrmlGroup>("FROM")->removeChildren, &stage.get<VrmlGroup>("TO")->children, 1), 1);
-  const SoRef<VrmlPointLight> light(new VrmlPointLight);
-  stage.get<VrmlGroup>("FROM")->removeChildren.setValue(light.get());
-  EXPECT_EQ(stage.get<VrmlGroup>("TO")->findChild(light.get()), 0);
-  EXPECT_TRUE(top->hasKidType(KidType::spatialLight));
 }
