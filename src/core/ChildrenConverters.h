@@ -2,9 +2,9 @@
 #pragma once
 
 #include <Inventor/engines/SoFieldConverter.h>
-#include <Inventor/fields/SoMFNode.h>
 
 #include <tessel/core/VrmlMFChildren.h>
+#include <tessel/core/VrmlMFNode.h>
 
 /// Sends the nodes of a SoMFNode field into child lists, at the moment of the notification: who traverses a
 /// child list does not ask its field first.
@@ -16,7 +16,7 @@ public:
   static void initClass();
   ConvertMFNodeToMFChildren();
 
-  SoMFNode input;
+  VrmlMFNode input;
   SoEngineOutput output;
 
   SoField* getInput(SoType) override { return &input; }

@@ -87,7 +87,7 @@ const std::array<Row, static_cast<std::size_t>(ValueType::count)> rows = {
     row<SoMFColor>("MFColor", multiple<SoMFColor, colorOf, 3>),
     row<SoMFFloat>("MFFloat", multiple<SoMFFloat, floatOf, 1>),
     row<SoMFInt32>("MFInt32", multiple<SoMFInt32, intOf, 1>),
-    row<SoMFNode>("MFNode", mfNode),
+    row<VrmlMFNode>("MFNode", mfNode),
     row<SoMFRotation>("MFRotation", multiple<SoMFRotation, rotationOf, 4>),
     row<SoMFString>("MFString", mfString),
     row<SoMFTime>("MFTime", multiple<SoMFTime, timeOf, 1>),

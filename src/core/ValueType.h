@@ -7,6 +7,7 @@
 #include <Inventor/fields/SoFields.h>
 
 #include <tessel/core/VrmlMFChildren.h>
+#include <tessel/core/VrmlMFNode.h>
 #include <tessel/core/VrmlSFNode.h>
 
 namespace tessel {
@@ -40,7 +41,7 @@ template <> struct ValueTypeOf<SoSFVec3f> : HoldsValue<SoSFVec3f, ValueType::sfV
 template <> struct ValueTypeOf<SoMFColor> : HoldsValue<SoMFColor, ValueType::mfColor> {};
 template <> struct ValueTypeOf<SoMFFloat> : HoldsValue<SoMFFloat, ValueType::mfFloat> {};
 template <> struct ValueTypeOf<SoMFInt32> : HoldsValue<SoMFInt32, ValueType::mfInt32> {};
-template <> struct ValueTypeOf<SoMFNode> : HoldsValue<SoMFNode, ValueType::mfNode> {};
+template <> struct ValueTypeOf<VrmlMFNode> : HoldsValue<VrmlMFNode, ValueType::mfNode> {};
 template <> struct ValueTypeOf<SoMFRotation> : HoldsValue<SoMFRotation, ValueType::mfRotation> {};
 template <> struct ValueTypeOf<SoMFString> : HoldsValue<SoMFString, ValueType::mfString> {};
 template <> struct ValueTypeOf<SoMFTime> : HoldsValue<SoMFTime, ValueType::mfTime> {};

@@ -26,7 +26,7 @@ VrmlBaseGroup* groupOf(const SoField& field) { return dynamic_cast<VrmlBaseGroup
 }  // namespace
 
 void VrmlMFChildren::initClass() {
-  classTypeId = SoType::createType(SoSField::getClassTypeId(), "XXXX_MFChildren_XXXX", &VrmlMFChildren::createInstance);
+  classTypeId = SoType::createType(SoSField::getClassTypeId(), "XXXX_MFChildren_XXXX", &createInstance);
   classTypeId.makeInternal();
 }
 

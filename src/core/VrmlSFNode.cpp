@@ -10,7 +10,7 @@ int VrmlSFNode::doFixCopy = 0;
 SoNode* (*VrmlSFNode::actualNodeOf)(SoNode*) = nullptr;
 
 void VrmlSFNode::initClass() {
-  classTypeId = SoType::createType(SoSFNode::getClassTypeId(), "VrmlSFNode", &VrmlSFNode::createInstance);
+  classTypeId = SoType::createType(SoSFNode::getClassTypeId(), "VrmlSFNode", &createInstance);
   classTypeId.makeInternal();
 }
 
@@ -21,7 +21,9 @@ SoType VrmlSFNode::getClassTypeId() { return classTypeId; }
 SoType VrmlSFNode::getTypeId() const { return classTypeId; }
 void* VrmlSFNode::createInstance() { return new VrmlSFNode; }
 
-void VrmlSFNode::copyFrom(const SoField& source) { setValue(static_cast<const SoSFNode&>(source).getValue()); }
+void VrmlSFNode::copyFrom(const SoField& source) {
+  setValue(static_cast<const SoSFNode&>(source).getValue());
+}
 
 const VrmlSFNode& VrmlSFNode::operator=(const VrmlSFNode& source) {
   copyFrom(source);

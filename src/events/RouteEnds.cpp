@@ -9,7 +9,8 @@ namespace tessel {
 
 VrmlNode* vrmlNodeOf(const SoField* field) {
   SoFieldContainer* container = field->getContainer();
-  return container && container->isOfType(VrmlNode::getClassTypeId()) ? static_cast<VrmlNode*>(container) : nullptr;
+  if (!container || !container->isOfType(VrmlNode::getClassTypeId())) return nullptr;
+  return static_cast<VrmlNode*>(container);
 }
 
 FieldKind kindOf(const SoField* field) {

@@ -39,8 +39,8 @@ constexpr End destination = {FieldKind::eventIn, "eventIn", "set_", ""};
 std::string eventName(const SoField& field, const End& end) {
   SbName name;
   field.getContainer()->getFieldName(&field, name);
-  const bool exposed = kindOf(&field) == FieldKind::exposedField;
-  return exposed ? std::string(end.prefix) + name.getString() + std::string(end.suffix) : name.getString();
+  if (kindOf(&field) != FieldKind::exposedField) return name.getString();
+  return std::string(end.prefix) + name.getString() + std::string(end.suffix);
 }
 
 void writeLine(SoOutput& out, const std::string& text) {
@@ -54,7 +54,8 @@ int VrmlRoute::read(tessel::WorldReader& reader) {
   SoField* const from = readEnd(reader, 0);
   SoField* const to = from && reader.lexer().strictName() == "TO" ? readEnd(reader, 1) : nullptr;
   if (!to) return reader.error("Bad ROUTE specification");
-  if (!canRouteBetweenTypeIds(from->getTypeId(), to->getTypeId())) return reader.error("ROUTE types do not match");
+  if (!canRouteBetweenTypeIds(from->getTypeId(), to->getTypeId()))
+    return reader.error("ROUTE types do not match");
   return add(from, to, 0);
 }
 
@@ -113,6 +114,7 @@ void VrmlRoute::write(SoOutput* out, SoField* from, SoField* to) {
     writeLine(*out, "# One end of the following route is not in this scope.\n");
     writeLine(*out, "# It may be in an inline or other unreachable node.\n");
   }
-  writeLine(*out, std::string(reachable ? "" : "# ") + "ROUTE " + fromName.getString() + '.' + eventName(*from, source) +
-                      " TO " + toName.getString() + '.' + eventName(*to, destination) + '\n');
+  const std::string fromEnd = std::string(fromName.getString()) + '.' + eventName(*from, source);
+  const std::string toEnd = std::string(toName.getString()) + '.' + eventName(*to, destination);
+  writeLine(*out, (reachable ? "ROUTE " : "# ROUTE ") + fromEnd + " TO " + toEnd + '\n');
 }

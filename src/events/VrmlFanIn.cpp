@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include <tessel/events/VrmlFanIn.h>
 
-#include <algorithm>
 #include <cstdio>
 
 #include <Inventor/engines/SoOutputData.h>
@@ -10,12 +9,23 @@
 #include <Inventor/misc/SoChildList.h>
 
 #include <tessel/core/VrmlMFChildren.h>
+#include <tessel/core/VrmlMFNode.h>
 #include <tessel/core/VrmlNode.h>
 
 SoType VrmlFanIn::classTypeId;
 
+namespace {
+
+SoField* newField(const SoType& type) {
+  if (type == SoMFNode::getClassTypeId()) return new VrmlMFNode;
+  return static_cast<SoField*>(type.createInstance());
+}
+
+}  // namespace
+
 void VrmlFanIn::initClass() {
-  classTypeId = SoType::createType(SoEngine::getClassTypeId(), "FanIn", [] { return static_cast<void*>(nullptr); });
+  constexpr SoType::instantiationMethod neverFromAFile = []() -> void* { return nullptr; };
+  classTypeId = SoType::createType(SoEngine::getClassTypeId(), "FanIn", neverFromAFile);
   classTypeId.makeInternal();
 }
 
@@ -44,7 +54,7 @@ VrmlFanIn* VrmlFanIn::feeding(const SoField* to) {
 }
 
 SoField* VrmlFanIn::addInput() {
-  std::unique_ptr<SoField> input(static_cast<SoField*>(fieldType.createInstance()));
+  std::unique_ptr<SoField> input(newField(fieldType));
   VrmlNode::initializeField(input.get());
   if (fieldType == VrmlMFChildren::getClassTypeId()) {
     childLists.push_back(std::make_unique<SoChildList>(nullptr));
@@ -67,8 +77,9 @@ SoField* VrmlFanIn::findInputFrom(const SoField* from) const {
   // the inputs are many, the source's destinations are looked through.
   constexpr std::size_t fewInputs = 16;
   if (inputs.size() <= fewInputs) {
-    const auto found = std::find_if(inputs.begin(), inputs.end(), [&](auto& input) { return connectedFrom(input.get()); });
-    return found == inputs.end() ? nullptr : found->get();
+    for (const auto& input : inputs)
+      if (connectedFrom(input.get())) return input.get();
+    return nullptr;
   }
   SoFieldList destinations;
   from->getForwardConnections(destinations);
@@ -81,8 +92,8 @@ void VrmlFanIn::inputChanged(SoField* input) {
   if (input && input->getContainer() == this) lastChanged = input;
 }
 
-// A notification that comes back while our own is under way has gone round a loop of routes: it ends here, and
-// the value that it brings is the one that we are sending.
+// A notification that comes back while our own is under way has gone round a loop of routes: it ends here,
+// and the value that it brings is the one that we are sending.
 void VrmlFanIn::notify(SoNotList* list) {
   if (!isNotifying()) {
     inherited::notify(list);

@@ -49,20 +49,18 @@ bool isOnNode(const SoField* field) {
   return container && container->isOfType(SoNode::getClassTypeId());
 }
 
-std::string nodeNameOf(const SoField* field) {
-  const std::string name = field->getContainer() ? tessel::givenName(*field->getContainer()) : std::string();
-  return name.empty() ? "<NONAME>" : name;
-}
-
-std::string fieldNameOf(const SoField* field) {
-  SbName name;
-  const SoFieldContainer* container = field->getContainer();
-  return container && container->getFieldName(field, name) ? name.getString() : "<UNKNOWN>";
+// NODE.field, for messages.
+std::string endName(const SoField* end) {
+  const SoFieldContainer* container = end->getContainer();
+  const std::string node = container ? tessel::givenName(*container) : std::string();
+  SbName field;
+  if (!container || !container->getFieldName(end, field)) field = "<UNKNOWN>";
+  return (node.empty() ? "<NONAME>" : node) + '.' + field.getString();
 }
 
 void warnOfDuplicate(const SoField* from, const SoField* to) {
-  tessel::postReadWarning("VrmlRoute::add", "ROUTE already exists from " + nodeNameOf(from) + '.' + fieldNameOf(from) +
-                                                " to " + nodeNameOf(to) + '.' + fieldNameOf(to) + "!  Ignoring...");
+  tessel::postReadWarning("VrmlRoute::add",
+                          "ROUTE already exists from " + endName(from) + " to " + endName(to) + "!  Ignoring...");
 }
 
 // Takes the value of `from` from its next event on.
@@ -198,13 +196,16 @@ int VrmlRoute::isRoute(const SoField* from, const SoField* to) {
 }
 
 int VrmlRoute::canRouteBetweenTypeIds(const SoType& from, const SoType& to) {
-  if (!from.isDerivedFrom(SoField::getClassTypeId()) || !to.isDerivedFrom(SoField::getClassTypeId())) return 0;
+  const SoType field = SoField::getClassTypeId();
+  if (!from.isDerivedFrom(field) || !to.isDerivedFrom(field)) return 0;
   const SoType children = VrmlMFChildren::getClassTypeId();
   const SoType nodes = SoMFNode::getClassTypeId();
   return from == to || (from == children && to == nodes) || (from == nodes && to == children);
 }
 
-void VrmlRoute::addCallback(Callback* callback, void* userData) { observers().push_back({callback, userData}); }
+void VrmlRoute::addCallback(Callback* callback, void* userData) {
+  observers().push_back({callback, userData});
+}
 
 void VrmlRoute::removeCallback(Callback* callback, void* userData) {
   auto& list = observers();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <tessel/core/NodeClass.h>
+#include <tessel/core/VrmlMFNode.h>
 #include <tessel/core/VrmlNode.h>
 
 #include <Inventor/fields/SoFields.h>
@@ -21,7 +22,7 @@ public:
   SoSFFloat in;      ///< eventIn, 0
   SoSFFloat out;     ///< eventOut, 0
   SoSFTime time;     ///< exposedField, 0
-  SoMFNode nodes;    ///< exposedField, empty
+  VrmlMFNode nodes;  ///< exposedField, empty
 
   int notifications = 0;
   bool hasOnlyLinks = false;  ///< its connections are no routes

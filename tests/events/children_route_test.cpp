@@ -119,6 +119,19 @@ TEST_F(ChildrenRoutes, SeveralSourcesOfAFieldOfNodesFanIn) {
   EXPECT_EQ(valuesOf(b.nodes), (Nodes{z.get()}));
 }
 
+// The toolkit's own copy of a list onto a longer one keeps the rest alive for ever.
+TEST_F(ChildrenRoutes, NodesThatAShorterListDropsAreFree) {
+  VrmlRoute::add(&a.nodes, &b.nodes);
+  VrmlRoute::add(&b.nodes, &h.children);
+  send(a.nodes, {x, y.get(), z.get()});
+  EXPECT_EQ(b.nodes.getNum(), 3);
+  send(a.nodes, {x});
+  EXPECT_EQ(valuesOf(b.nodes), Nodes{x});
+  EXPECT_EQ(childrenOf(h), Nodes{x});
+  EXPECT_EQ(y->getRefCount(), 1);
+  EXPECT_EQ(z->getRefCount(), 1);
+}
+
 TEST_F(ChildrenRoutes, ToolkitNodesAreNoChildren) {
   VrmlRoute::add(&a.nodes, &h.children);
   const SoRef<SoCube> foreign(new SoCube);

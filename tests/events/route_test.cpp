@@ -35,7 +35,8 @@ struct Routes : ::testing::Test {
       SoField* source = nullptr;
       fanIn->getFieldName(fanIn->getInput(i), name);
       fanIn->getInput(i)->getConnectedField(source);
-      text += std::string(name.getString()) + "=" + (source ? source->getContainer()->getName().getString() : "-") + " ";
+      const char* from = source ? source->getContainer()->getName().getString() : "-";
+      text += std::string(name.getString()) + "=" + from + " ";
     }
     return text;
   }

@@ -77,7 +77,8 @@ INSTANTIATE_TEST_SUITE_P(Faults, BadRoute, ::testing::Values(
     Statement{"ROUTE A.level TO B.nodes", "ROUTE types do not match", false}));
 
 TEST(RouteReading, TheSameRouteTwiceIsAWarningWithItsLine) {
-  ProbeWorld world("DEF A RouteProbe {} DEF B RouteProbe {}\nROUTE A.level TO B.in\n\nROUTE A.level_changed TO B.in");
+  ProbeWorld world("DEF A RouteProbe {} DEF B RouteProbe {}\n"
+                   "ROUTE A.level TO B.in\n\nROUTE A.level_changed TO B.in");
   EXPECT_EQ(world.status, ReadStatus::world);
   EXPECT_EQ(world.messages.text(),
             "Coin warning in VrmlRoute::add(): ROUTE already exists from A.level to B.in!  Ignoring..."
@@ -121,9 +122,10 @@ TEST(RouteWriting, AnEndThatCannotBeNamedMakesTheLineAComment) {
 TEST(RouteWriting, SharedAndMissingNamesTakeTheReferenceNumber) {
   ProbeWorld world("DEF A RouteProbe {} DEF B RouteProbe {} DEF B_1 RouteProbe {}");
   const tessel::SoRef<RouteProbe> nameless(new RouteProbe);
-  EXPECT_NE(written(nameless->out, world.probe("A").in, 0).find("ROUTE _0.out TO A.in\n"), std::string::npos);
-  EXPECT_NE(written(world.probe("B").out, world.probe("A").in, 0).find("ROUTE B_0.out TO A.in\n"), std::string::npos);
-  EXPECT_NE(written(world.probe("A").out, nameless->in, 0).find("ROUTE A.out TO ???.in\n"), std::string::npos);
+  RouteProbe &a = world.probe("A"), &b = world.probe("B");
+  EXPECT_NE(written(nameless->out, a.in, 0).find("ROUTE _0.out TO A.in\n"), std::string::npos);
+  EXPECT_NE(written(b.out, a.in, 0).find("ROUTE B_0.out TO A.in\n"), std::string::npos);
+  EXPECT_NE(written(a.out, b.in, 0).find("ROUTE A.out TO B.in\n"), std::string::npos) << "a name of its own";
 }
 
 }  // namespace

@@ -3,8 +3,8 @@
 
 #include <tessel/core/VrmlBaseGroup.h>
 #include <tessel/core/VrmlMFChildren.h>
+#include <tessel/core/VrmlMFNode.h>
 
-#include <Inventor/fields/SoMFNode.h>
 #include <Inventor/fields/SoSFVec3f.h>
 
 class SbXfBox3f;
@@ -19,8 +19,8 @@ public:
   static std::span<const tessel::FieldSpec> fields();
 
   VrmlMFChildren children;      ///< exposedField: the group's child list
-  SoMFNode addChildren;         ///< eventIn: nodes to add that are not there yet; takes effect after the event
-  SoMFNode removeChildren;      ///< eventIn: nodes to remove; after all additions
+  VrmlMFNode addChildren;       ///< eventIn: nodes to add that are not there yet; takes effect after the event
+  VrmlMFNode removeChildren;    ///< eventIn: nodes to remove; after all additions
   SoSFVec3f bboxCenter;         ///< field: centre of the declared box, 0 0 0
   SoSFVec3f bboxSize;           ///< field: size of the declared box; -1 -1 -1: computed from the children
 

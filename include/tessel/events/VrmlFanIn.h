@@ -31,7 +31,7 @@ public:
   /// The fan-in that a field is connected from, null if none.
   static VrmlFanIn* feeding(const SoField* to);
 
-  /// Makes a new input: "input0", "input1", ... in the order of the calls, with the neutral value of its type.
+  /// Makes a new input with the neutral value of its type. They are called "input0", "input1", ...
   SoField* addInput();
   /// The first input that is connected from that field, null if none.
   SoField* findInputFrom(const SoField* from) const;

@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include <tessel/core/VrmlMFNode.h>
+
+#include <tessel/toolkit/Scoped.h>
+
+void VrmlMFNode::copyFrom(const SoField& source) {
+  const int count = static_cast<const SoMFNode&>(source).getNum();
+  if (getNum() > count) {
+    const tessel::NotifyOff silence(static_cast<SoField&>(*this));
+    setNum(count);
+  }
+  SoMFNode::copyFrom(source);
+}
