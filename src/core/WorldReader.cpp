@@ -134,7 +134,7 @@ SoRef<VrmlNode> WorldReader::readNode(bool& ok) {
   }
   SoRef<VrmlNode> node;
   if (word == "DEF") {
-    const std::string defName(tokens.name());
+    const std::string defName(tokens.referenceName());
     if (defName.empty()) {
       error("A name was expected behind DEF");
       return {};
@@ -148,7 +148,7 @@ SoRef<VrmlNode> WorldReader::readNode(bool& ok) {
 }
 
 SoRef<VrmlNode> WorldReader::readUse() {
-  const std::string name(tokens.name());
+  const std::string name(tokens.referenceName());
   const auto found = references->find(name);
   if (found == references->end()) {
     error("Unknown reference \"%.200s\"", name.c_str());

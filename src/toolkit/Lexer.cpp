@@ -157,6 +157,15 @@ std::string_view Lexer::name() {
   return std::string_view(quotedName).substr(0, maxName);
 }
 
+std::string_view Lexer::referenceName() {
+  const std::string_view plain = name();
+  const char* p = cursor;
+  if (plain.empty() || plain.data() + plain.size() != p || end - p < 2 || *p != '+' || !isDigit(p[1])) return plain;
+  for (++p; p != end && isDigit(*p);) ++p;
+  cursor = p;
+  return {plain.data(), static_cast<std::size_t>(p - plain.data())};
+}
+
 bool Lexer::quoted(std::string& out) {
   if (peek() != '"') return false;
   const char* p = cursor + 1;

@@ -41,6 +41,8 @@ public:
   /// A name of identifier characters, or a quoted string taken as a name; empty if none stands here.
   /// At most 1023 characters are given, the rest is passed over.
   std::string_view name();
+  /// The name behind DEF or USE: `name`, or one that a plain toolkit wrote with its instance number, `Box+3`.
+  std::string_view referenceName();
   /// Identifier characters only, as `name` without quotes.
   std::string_view identifier();
   /// A string in quotes. In it `\"` is a quote and `\\` a backslash, any other backslash stands for itself.

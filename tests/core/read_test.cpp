@@ -109,6 +109,14 @@ TEST(Read, DefNamesLoseTheirInstanceSuffix) {
   EXPECT_EQ(static_cast<VrmlGroup*>(root->getChild(3))->getChild(1), root->getChild(2));
 }
 
+TEST(Read, InstanceNumbersOfThePlainToolkitAreRead) {
+  const TestWorld world("DEF Box+3 Group { } DEF _+0 Group { } Group { children [ USE Box+3 USE _+0 ] }");
+  ASSERT_EQ(world.status, ReadStatus::world) << world.messages.text();
+  auto* root = static_cast<VrmlGroup*>(world.root());
+  EXPECT_EQ(root->getChild(0)->getName(), "Box");
+  EXPECT_EQ(static_cast<VrmlGroup*>(root->getChild(2))->getChild(1), root->getChild(1));
+}
+
 TEST(Read, DefsRememberFileAndLine) {
   const TestWorld world("Group { }\n\n DEF x.y Group { }");
   EXPECT_EQ(world.status, ReadStatus::failed) << "a dot ends a name";
