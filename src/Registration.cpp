@@ -59,6 +59,7 @@
 #include <tessel/shapes/VrmlExtrusion.h>
 #include <tessel/shapes/VrmlFontStyle.h>
 #include <tessel/shapes/VrmlGeometry.h>
+#include <tessel/shapes/VrmlIndexedFaceSet.h>
 #include <tessel/shapes/VrmlIndexedLineSet.h>
 #include <tessel/shapes/VrmlIndexedShape.h>
 #include <tessel/shapes/VrmlLight.h>
@@ -134,6 +135,7 @@ void registerAll() {
   VrmlText::initClass();
   VrmlExtrusion::initClass();
   VrmlElevationGrid::initClass();
+  VrmlIndexedFaceSet::initClass();
   VrmlCone::initClass();
   VrmlBox::initClass();
   VrmlCylinder::initClass();
