@@ -131,11 +131,11 @@ void registerAll() {
   VrmlVertexShape::initClass();
   VrmlPointSet::initClass();
   VrmlIndexedShape::initClass();
+  VrmlIndexedFaceSet::initClass();
   VrmlIndexedLineSet::initClass();
   VrmlText::initClass();
   VrmlExtrusion::initClass();
   VrmlElevationGrid::initClass();
-  VrmlIndexedFaceSet::initClass();
   VrmlCone::initClass();
   VrmlBox::initClass();
   VrmlCylinder::initClass();
