@@ -77,7 +77,8 @@ std::string formatted(const Message& message) {
 }
 
 Diagnostics::Diagnostics(Output o)
-    : output(o), oldRead{SoReadError::getHandlerCallback(), SoReadError::getHandlerData()},
+    : output(o),
+      oldRead{SoReadError::getHandlerCallback(), SoReadError::getHandlerData()},
       oldLive{SoDebugError::getHandlerCallback(), SoDebugError::getHandlerData()} {
   SoReadError::setHandlerCallback(readErrorCB, this);
   SoDebugError::setHandlerCallback(liveErrorCB, this);
@@ -173,10 +174,14 @@ void Diagnostics::add(Message message) {
 
 bool Diagnostics::shown(Severity severity) const {
   switch (output) {
-  case Output::collectOnly: return false;
-  case Output::quiet: return severity == Severity::error;
-  case Output::normal: return severity != Severity::note;
-  case Output::verbose: return true;
+    case Output::collectOnly:
+      return false;
+    case Output::quiet:
+      return severity == Severity::error;
+    case Output::normal:
+      return severity != Severity::note;
+    case Output::verbose:
+      return true;
   }
   return true;
 }

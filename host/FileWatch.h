@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include <ctime>
 #include <sys/types.h>
+#include <ctime>
 
 namespace tessel::host {
 

@@ -116,55 +116,56 @@ bool Window::State::translate(XEvent& event, WindowEvent& out) {
     out.y = height - 1 - y;
   };
   switch (event.type) {
-  case Expose:
-    if (event.xexpose.count > 0) return false;
-    out.kind = WindowEvent::Kind::expose;
-    return true;
-  case ConfigureNotify:
-    skipTo(event, ConfigureNotify);
-    if (event.xconfigure.width == width && event.xconfigure.height == height) return false;
-    out.kind = WindowEvent::Kind::resize;
-    out.x = width = std::max(1, event.xconfigure.width);
-    out.y = height = std::max(1, event.xconfigure.height);
-    return true;
-  case KeyPress: {
-    char text[8];
-    KeySym symbol = NoSymbol;
-    const int length = XLookupString(&event.xkey, text, sizeof text, &symbol, nullptr);
-    out.kind = WindowEvent::Kind::key;
-    if (symbol == XK_Escape)
-      out.key = WindowEvent::Key::escape;
-    else if (symbol == XK_Page_Up || symbol == XK_KP_Page_Up)
-      out.key = WindowEvent::Key::pageUp;
-    else if (symbol == XK_Page_Down || symbol == XK_KP_Page_Down)
-      out.key = WindowEvent::Key::pageDown;
-    else if (length == 1)
-      out.character = static_cast<char>(std::tolower(static_cast<unsigned char>(text[0])));
-    else
+    case Expose:
+      if (event.xexpose.count > 0) return false;
+      out.kind = WindowEvent::Kind::expose;
+      return true;
+    case ConfigureNotify:
+      skipTo(event, ConfigureNotify);
+      if (event.xconfigure.width == width && event.xconfigure.height == height) return false;
+      out.kind = WindowEvent::Kind::resize;
+      out.x = width = std::max(1, event.xconfigure.width);
+      out.y = height = std::max(1, event.xconfigure.height);
+      return true;
+    case KeyPress: {
+      char text[8];
+      KeySym symbol = NoSymbol;
+      const int length = XLookupString(&event.xkey, text, sizeof text, &symbol, nullptr);
+      out.kind = WindowEvent::Kind::key;
+      if (symbol == XK_Escape)
+        out.key = WindowEvent::Key::escape;
+      else if (symbol == XK_Page_Up || symbol == XK_KP_Page_Up)
+        out.key = WindowEvent::Key::pageUp;
+      else if (symbol == XK_Page_Down || symbol == XK_KP_Page_Down)
+        out.key = WindowEvent::Key::pageDown;
+      else if (length == 1)
+        out.character = static_cast<char>(std::tolower(static_cast<unsigned char>(text[0])));
+      else
+        return false;
+      return true;
+    }
+    case ButtonPress:
+    case ButtonRelease: {
+      const bool press = event.type == ButtonPress;
+      out.kind = press ? WindowEvent::Kind::press : WindowEvent::Kind::release;
+      out.button = static_cast<int>(event.xbutton.button);
+      at(event.xbutton.x, event.xbutton.y);
+      if (press && held == 0 && out.button <= 3) held = out.button;
+      if (!press && held == out.button) held = 0;
+      return true;
+    }
+    case MotionNotify:
+      skipTo(event, MotionNotify);
+      out.kind = WindowEvent::Kind::motion;
+      out.button = held;
+      at(event.xmotion.x, event.xmotion.y);
+      return true;
+    case ClientMessage:
+      if (static_cast<Atom>(event.xclient.data.l[0]) != deleteWindow) return false;
+      out.kind = WindowEvent::Kind::close;
+      return true;
+    default:
       return false;
-    return true;
-  }
-  case ButtonPress:
-  case ButtonRelease: {
-    const bool press = event.type == ButtonPress;
-    out.kind = press ? WindowEvent::Kind::press : WindowEvent::Kind::release;
-    out.button = static_cast<int>(event.xbutton.button);
-    at(event.xbutton.x, event.xbutton.y);
-    if (press && held == 0 && out.button <= 3) held = out.button;
-    if (!press && held == out.button) held = 0;
-    return true;
-  }
-  case MotionNotify:
-    skipTo(event, MotionNotify);
-    out.kind = WindowEvent::Kind::motion;
-    out.button = held;
-    at(event.xmotion.x, event.xmotion.y);
-    return true;
-  case ClientMessage:
-    if (static_cast<Atom>(event.xclient.data.l[0]) != deleteWindow) return false;
-    out.kind = WindowEvent::Kind::close;
-    return true;
-  default: return false;
   }
 }
 

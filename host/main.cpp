@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The program `tessel`: looks at, draws and checks VRML 2.0 worlds.
+#include <cstdio>
+#include <exception>
+
+#include <tessel/version.h>
+
+#include "commands/Command.h"
+
+int main(int argc, char** argv) {
+  using namespace tessel::host;
+  CLI::App program("Reads, runs and shows VRML 2.0 worlds.", "tessel");
+  program.set_version_flag("--version", std::string("tessel ") + tessel::version());
+  program.require_subcommand(1);
+  program.get_formatter()->label("SUBCOMMAND", "COMMAND");
+  program.get_formatter()->label("Subcommands", "Commands");
+  program.failure_message(CLI::FailureMessage::simple);
+
+  const std::unique_ptr<Command> commands[] = {makeViewCommand(program), makeShotCommand(program),
+                                               makeCheckCommand(program), makeInfoCommand(program)};
+  ExitStatus status = ExitStatus::wrongUsage;
+  try {
+    program.parse(argc, argv);
+    for (const auto& command : commands)
+      if (command->chosen()) status = command->run();
+  } catch (const CLI::ParseError& error) {
+    status = program.exit(error) == 0 ? ExitStatus::done : ExitStatus::wrongUsage;
+  } catch (const std::exception& error) {  // out of memory, above all
+    std::fprintf(stderr, "tessel: %s\n", error.what());
+    status = ExitStatus::surroundings;
+  }
+  return static_cast<int>(status);
+}
