@@ -59,6 +59,7 @@
 #include <tessel/shapes/VrmlExtrusion.h>
 #include <tessel/shapes/VrmlFontStyle.h>
 #include <tessel/shapes/VrmlGeometry.h>
+#include <tessel/shapes/VrmlIndexedFaceSet.h>
 #include <tessel/shapes/VrmlIndexedLineSet.h>
 #include <tessel/shapes/VrmlIndexedShape.h>
 #include <tessel/shapes/VrmlLight.h>
@@ -130,6 +131,7 @@ void registerAll() {
   VrmlVertexShape::initClass();
   VrmlPointSet::initClass();
   VrmlIndexedShape::initClass();
+  VrmlIndexedFaceSet::initClass();
   VrmlIndexedLineSet::initClass();
   VrmlText::initClass();
   VrmlExtrusion::initClass();

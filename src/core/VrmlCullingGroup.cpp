@@ -9,6 +9,7 @@
 #include <Inventor/caches/SoGLCacheList.h>
 #include <Inventor/elements/SoBBoxModelMatrixElement.h>
 #include <Inventor/elements/SoCacheElement.h>
+#include <Inventor/elements/SoGLCacheContextElement.h>
 #include <Inventor/elements/SoCullElement.h>
 #include <Inventor/elements/SoLocalBBoxMatrixElement.h>
 #include <Inventor/elements/SoViewportRegionElement.h>
@@ -172,10 +173,15 @@ void VrmlCullingGroup::GLRenderBelowPath(SoGLRenderAction* action) {
   // A display list stands for the whole group, so it is for groups wholly in view.
   const bool cacheable = SoCullElement::completelyInside(state);
   if (cacheable && renderCaches->call(action)) return;
-  const bool opened = cacheable && !enclosed && numRenderCaches > 0;
+  const bool opened = cacheable && !enclosed && numRenderCaches > 0 && !keepsOutOfCaches;
+  const int around = SoGLCacheContextElement::resetAutoCacheBits(state);
   if (opened) renderCaches->open(action, FALSE);
   reallyRenderBelowPath(action);
+  // A large mesh says that it is not to be captured in a list.
+  const int inside = SoGLCacheContextElement::resetAutoCacheBits(state);
+  keepsOutOfCaches = (inside & SoGLCacheContextElement::DONT_AUTO_CACHE) != 0;
   if (opened) renderCaches->close(action);
+  SoGLCacheContextElement::setAutoCacheBits(state, around | inside);
 }
 
 void VrmlCullingGroup::reallyRenderBelowPath(SoGLRenderAction* action) { VrmlBaseGroup::GLRenderBelowPath(action); }

@@ -5,8 +5,8 @@
 
 namespace tessel {
 
-/// Tells the active scene manager when a camera, any camera, has been set up in GL: setting the focal distance
-/// is the last thing that the toolkit's cameras do when they are drawn.
+/// Tells the active scene manager when a camera, any camera, has been set up in GL: setting the focal
+/// distance is the last thing that the toolkit's cameras do when they are drawn.
 ///
 /// It takes the place of its base in VrmlRenderAction alone, so no other action is touched.
 class AfterCameraElement : public SoFocalDistanceElement {

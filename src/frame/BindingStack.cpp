@@ -14,8 +14,12 @@ using tessel::SoRef;
 
 BindingStack::BindingStack(SoType nodeType, VrmlSceneManager* manager, BoundCallback* boundCallback,
                            void* boundCallbackData, SceneCallback* sceneCallback, void* sceneCallbackData)
-    : type(nodeType), boundCB(boundCallback), boundData(boundCallbackData), sceneCB(sceneCallback),
-      sceneData(sceneCallbackData), defaultSensor(&VrmlSceneManager::notifyHandlerCB, manager) {}
+    : type(nodeType),
+      boundCB(boundCallback),
+      boundData(boundCallbackData),
+      sceneCB(sceneCallback),
+      sceneData(sceneCallbackData),
+      defaultSensor(&VrmlSceneManager::notifyHandlerCB, manager) {}
 
 BindingStack::~BindingStack() { clear(); }
 

@@ -41,7 +41,8 @@ SoPath* pathEndingAt(const SoPathList& paths, const SoNode* node) {
 
 VrmlBindingNode* firstOfType(const SoPathList& paths, SoType type) {
   for (int i = 0; i < paths.getLength(); ++i)
-    if (SoNode* tail = tessel::tailOf(paths[i]); tail->isOfType(type)) return static_cast<VrmlBindingNode*>(tail);
+    if (SoNode* tail = tessel::tailOf(paths[i]); tail->isOfType(type))
+      return static_cast<VrmlBindingNode*>(tail);
   return nullptr;
 }
 
@@ -54,11 +55,12 @@ void sayUnbound(const BindingStack& stack, VrmlBindingNode* node) {
 
 }  // namespace
 
-void VrmlSceneManager::addBindingStack(SoType type, BindingStack::BoundCallback* boundCallback, void* boundData,
-                                       BindingStack::SceneCallback* sceneCallback, void* sceneData) {
+void VrmlSceneManager::addBindingStack(SoType type, BindingStack::BoundCallback* boundCallback,
+                                       void* boundData, BindingStack::SceneCallback* sceneCallback,
+                                       void* sceneData) {
   if (std::ranges::find(bindingStacks, type, &BindingStack::getType) != bindingStacks.end()) return;
-  const auto base = std::ranges::find_if(bindingStacks,
-                                         [&](const auto& stack) { return type.isDerivedFrom(stack->getType()); });
+  const auto base = std::ranges::find_if(
+      bindingStacks, [&](const auto& stack) { return type.isDerivedFrom(stack->getType()); });
   auto stack = std::make_unique<BindingStack>(type, this, boundCallback, boundData, sceneCallback, sceneData);
   BindingStack& added = **bindingStacks.insert(base, std::move(stack));
   added.addDefault();
@@ -66,8 +68,8 @@ void VrmlSceneManager::addBindingStack(SoType type, BindingStack::BoundCallback*
 }
 
 BindingStack* VrmlSceneManager::getBindingStack(SoType type) const {
-  const auto found = std::ranges::find_if(bindingStacks,
-                                          [&](const auto& stack) { return type.isDerivedFrom(stack->getType()); });
+  const auto found = std::ranges::find_if(
+      bindingStacks, [&](const auto& stack) { return type.isDerivedFrom(stack->getType()); });
   return found == bindingStacks.end() ? nullptr : found->get();
 }
 
@@ -141,7 +143,7 @@ void VrmlSceneManager::updateStack(BindingStack& stack, const SoPathList& paths)
     bindNode(top);
 }
 
-// --- viewpoints ------------------------------------------------------------------------------------------------
+// --- viewpoints --------------------------------------------------------------------------------------------
 
 VrmlViewpoint* VrmlSceneManager::boundViewpoint() const {
   return static_cast<VrmlViewpoint*>(getCurrentBinding(VrmlViewpoint::getClassTypeId()));
@@ -218,9 +220,10 @@ void VrmlSceneManager::keepOffsets(VrmlViewpoint* viewpoint) const {
     viewpoint->setOffsets(SbVec3f(0, 0, 0), SbRotation::identity());
 }
 
-// --- NavigationInfo and Background -----------------------------------------------------------------------------
+// --- NavigationInfo and Background -------------------------------------------------------------------------
 
-void VrmlSceneManager::navInfoBindingChangedCB(void* data, VrmlBindingNode* node, int isBound, VrmlBindingNode*) {
+void VrmlSceneManager::navInfoBindingChangedCB(void* data, VrmlBindingNode* node, int isBound,
+                                               VrmlBindingNode*) {
   const auto* manager = static_cast<const VrmlSceneManager*>(data);
   if (isBound && manager->navInfoChangedCB)
     manager->navInfoChangedCB(manager->navInfoChangedData, static_cast<VrmlNavigationInfo*>(node), nullptr);

@@ -68,14 +68,19 @@ VrmlSceneManager::VrmlSceneManager()
       preTraverseAction(std::make_unique<VrmlPreTraverseAction>()),
       getMatrixAction(std::make_unique<SoGetMatrixAction>(SbViewportRegion(1, 1))),
       visibilitySensors(std::make_unique<VrmlVisibilityList>()),
-      viewpointManager(std::make_unique<VrmlViewpointManager>()), notifySensor(&notifyHandlerCB, this),
-      redrawSensor(&redrawCB, this), moveSensor(&moveCB, this), realTimeWatcher(&realTimeWatcherCB, this), clockSensor(&clockCB, this) {
+      viewpointManager(std::make_unique<VrmlViewpointManager>()),
+      notifySensor(&notifyHandlerCB, this),
+      redrawSensor(&redrawCB, this),
+      moveSensor(&moveCB, this),
+      realTimeWatcher(&realTimeWatcherCB, this),
+      clockSensor(&clockCB, this) {
   moveSensor.setPriority(0);
   renderAction->setCacheContext(SoGLCacheContextElement::getUniqueCacheContext());
   setGLRenderAction(renderAction.get());
   viewpointManager->setSceneManager(this);
   if (SoSFTime* clock = realTime()) realTimeWatcher.attach(clock);
-  addBindingStack(VrmlViewpoint::getClassTypeId(), &viewpointBindingChangedCB, this, &viewpointSceneChangedCB, this);
+  addBindingStack(VrmlViewpoint::getClassTypeId(), &viewpointBindingChangedCB, this, &viewpointSceneChangedCB,
+                  this);
   addBindingStack(VrmlNavigationInfo::getClassTypeId(), &navInfoBindingChangedCB, this, nullptr, nullptr);
   addBindingStack(VrmlBackground::getClassTypeId(), &bgBindingChangedCB, this, nullptr, nullptr);
   addBindingStack(VrmlFog::getClassTypeId(), nullptr, nullptr, nullptr, nullptr);
@@ -106,7 +111,7 @@ void VrmlSceneManager::setNavigationInfoChangedCallback(NavigationInfoCallback* 
   navInfoChangedData = data;
 }
 
-// --- the world -------------------------------------------------------------------------------------------------
+// --- the world ---------------------------------------------------------------------------------------------
 
 void VrmlSceneManager::setSceneGraph(SoNode* sceneRoot) {
   setSceneCamera(nullptr);
@@ -133,9 +138,10 @@ void VrmlSceneManager::setSceneGraph(SoNode* sceneRoot) {
 
 void VrmlSceneManager::activate() {
   SoSceneManager::activate();
-  if (!root) return;
-  notifySensor.attach(root.get());
-  if (SoSFTime* clock = realTime()) realTimeWatcher.attach(clock);
+  if (root) {
+    notifySensor.attach(root.get());
+    if (SoSFTime* clock = realTime()) realTimeWatcher.attach(clock);
+  }
   if (!updateOnActivate) return;
   updateOnActivate = false;
   updateBindingNodes();
@@ -158,7 +164,7 @@ SbBool VrmlSceneManager::processEvent(const SoEvent* event) {
   return action->isHandled();
 }
 
-// --- clock and redraw ------------------------------------------------------------------------------------------
+// --- clock and redraw --------------------------------------------------------------------------------------
 
 void VrmlSceneManager::scheduleRedraw() {
   if (!isActive() || !isAutoRedraw() || redrawSensor.isScheduled()) return;
@@ -196,7 +202,7 @@ void VrmlSceneManager::preTraverse(std::uint32_t kidTypes, int silence) {
   preTraverseAction->apply(root.get());
 }
 
-// --- the frame -------------------------------------------------------------------------------------------------
+// --- the frame ---------------------------------------------------------------------------------------------
 
 void VrmlSceneManager::render(SbBool clearWindow, SbBool clearZbuffer) {
   render(getGLRenderAction(), TRUE, clearWindow, clearZbuffer);
@@ -246,8 +252,8 @@ void VrmlSceneManager::clearPlainly(bool clearColor, bool clearDepth) const {
   } else if (clearColor) {
     glClearIndex(static_cast<GLfloat>(getBackgroundIndex()));
   }
-  const GLbitfield buffers =
-      (clearColor ? GLbitfield{GL_COLOR_BUFFER_BIT} : 0U) | (clearDepth ? GLbitfield{GL_DEPTH_BUFFER_BIT} : 0U);
+  const GLbitfield buffers = (clearColor ? GLbitfield{GL_COLOR_BUFFER_BIT} : 0U) |
+                             (clearDepth ? GLbitfield{GL_DEPTH_BUFFER_BIT} : 0U);
   if (buffers) glClear(buffers);
 }
 
@@ -257,7 +263,8 @@ void VrmlSceneManager::traverseForFrame(SoGLRenderAction* action) {
   {
     const ScopedValue<VrmlSceneManager*> active(activeSceneManager, this);
     const ScopedValue<SoGLRenderAction*> running(runningAction, action);
-    // The lights of a muted world shine on; its sounds, where the way to the lights leads past them, stay silent.
+    // The lights of a muted world shine on; its sounds, where the way to the lights leads past them, stay
+    // silent.
     using namespace tessel::KidType;
     preTraverse(mute ? spatialLight : spatialLight | sound, mute);
     action->apply(root.get());
@@ -318,10 +325,11 @@ void VrmlSceneManager::updateBackgroundRotation() {
     getMatrixAction->apply(backgroundPath.get());
     rotation = tessel::rotationPart(getMatrixAction->getMatrix());
   }
-  static_cast<VrmlBackground*>(getCurrentBinding(VrmlBackground::getClassTypeId()))->setRotationMatrix(rotation);
+  static_cast<VrmlBackground*>(getCurrentBinding(VrmlBackground::getClassTypeId()))
+      ->setRotationMatrix(rotation);
 }
 
-// --- changes of the scene --------------------------------------------------------------------------------------
+// --- changes of the scene ----------------------------------------------------------------------------------
 
 void VrmlSceneManager::notifyHandlerCB(void* data, SoSensor* sensor) {
   auto* manager = static_cast<VrmlSceneManager*>(data);
@@ -337,11 +345,13 @@ void VrmlSceneManager::notifyHandlerCB(void* data, SoSensor* sensor) {
     manager->structureChanged(node);
 }
 
-void VrmlSceneManager::moveCB(void* data, SoSensor*) { static_cast<VrmlSceneManager*>(data)->checkViewpointMoved(); }
+void VrmlSceneManager::moveCB(void* data, SoSensor*) {
+  static_cast<VrmlSceneManager*>(data)->checkViewpointMoved();
+}
 
 void VrmlSceneManager::checkViewpointMoved() {
-  // Asked at the end of each notification: of several Transforms that one event moves, and of several fields of
-  // one Transform, only the first is heard of at the root, and the others have not their values by then.
+  // Asked at the end of each notification: of several Transforms that one event moves, and of several fields
+  // of one Transform, only the first is heard of at the root, and the others have not their values by then.
   VrmlViewpoint* viewpoint = boundViewpoint();
   if (!viewpoint || !viewpoint->getPath()) return;
   const SbUniqueId change = latestTransformChange(viewpoint->getPath());
@@ -382,7 +392,8 @@ void VrmlSceneManager::structureChanged(SoNode* node) {
   const bool arrived = node->isOfType(VrmlInline::getClassTypeId());
   if (arrived && this != activeSceneManager)
     updateBindingNodes();
-  else if (arrived || node->isOfType(VrmlBaseGroup::getClassTypeId()) || node->isOfType(SoGroup::getClassTypeId()))
+  else if (arrived || node->isOfType(VrmlBaseGroup::getClassTypeId()) ||
+           node->isOfType(SoGroup::getClassTypeId()))
     bindingsDirty = true;
 }
 

@@ -17,7 +17,8 @@ namespace {
 constexpr float nearestPart = 0.01F;
 
 bool sameAxes(const SbMatrix& a, const SbMatrix& b) {
-  return std::equal(a[0], a[0] + 3, b[0]) && std::equal(a[1], a[1] + 3, b[1]) && std::equal(a[2], a[2] + 3, b[2]);
+  return std::equal(a[0], a[0] + 3, b[0]) && std::equal(a[1], a[1] + 3, b[1]) &&
+         std::equal(a[2], a[2] + 3, b[2]);
 }
 
 SbViewVolume standing(const VrmlTransformedCamera& camera, float aspect, const SbVec3f& position,

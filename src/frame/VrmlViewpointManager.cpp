@@ -44,7 +44,8 @@ void VrmlViewpointManager::clearViewpoints() {
 }
 
 VrmlViewpoint* VrmlViewpointManager::getViewpoint(int index) const {
-  return index >= 0 && index < getNumViewpoints() ? viewpoints[static_cast<std::size_t>(index)].get() : nullptr;
+  return index >= 0 && index < getNumViewpoints() ? viewpoints[static_cast<std::size_t>(index)].get()
+                                                  : nullptr;
 }
 
 VrmlViewpoint* VrmlViewpointManager::getCurrViewpoint() const {
@@ -70,7 +71,7 @@ VrmlViewpoint* VrmlViewpointManager::described(int direction) {
 }
 
 VrmlViewpoint* VrmlViewpointManager::getNamedViewpoint(const char* name) const {
-  const SbName wanted(name);
+  const SbName wanted(name ? name : "");
   for (const auto& nameOf : {+[](const VrmlViewpoint& v) { return SbName(v.getDefName()); },
                              +[](const VrmlViewpoint& v) { return v.getName(); }}) {
     const auto found = std::ranges::find_if(viewpoints, [&](const auto& v) { return nameOf(*v) == wanted; });
@@ -110,5 +111,6 @@ void VrmlViewpointManager::updateSceneCamera(VrmlViewpoint* viewpoint, int chang
   } else {
     matrix.makeIdentity();
   }
-  if (cameraCB) cameraCB(cameraData, matrix, jump ? jumpThere : changeOfBinding ? moved : keepPlace, viewpoint);
+  if (cameraCB)
+    cameraCB(cameraData, matrix, jump ? jumpThere : changeOfBinding ? moved : keepPlace, viewpoint);
 }

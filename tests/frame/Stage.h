@@ -34,8 +34,11 @@ public:
   /// Sends `set_bind` to the node of that name.
   void bind(const char* name, bool on = true) const { get<VrmlBindingNode>(name)->set_bind.setValue(on); }
   /// The name of the current node of a type, "-" if that is a nameless one such as the default.
-  template <class T> std::string bound() const { return nameOf(manager.getCurrentBinding(T::getClassTypeId())); }
-  /// What `isBound` has sent since the last call, as "A:1 B:0"; an event that repeats the last one is left out.
+  template <class T> std::string bound() const {
+    return nameOf(manager.getCurrentBinding(T::getClassTypeId()));
+  }
+  /// What `isBound` has sent since the last call, as "A:1 B:0"; an event that repeats the last one is left
+  /// out.
   std::string takeBindEvents();
   std::vector<CameraCall> takeCameraCalls() { return std::exchange(cameraCalls, {}); }
   static std::string nameOf(const SoNode* node);

@@ -14,7 +14,8 @@ using namespace tessel;
 using namespace tessel::test;
 
 TEST(Binding, AWorldComesWithTheFirstOfEachKindBoundAndTheRestWaiting) {
-  const Stage stage("DEF FA Fog {} Group { children [ DEF NA NavigationInfo {} DEF FB Fog {} ] } DEF VA Viewpoint {}");
+  const Stage stage(
+      "DEF FA Fog {} Group { children [ DEF NA NavigationInfo {} DEF FB Fog {} ] } DEF VA Viewpoint {}");
   EXPECT_EQ(stage.bound<VrmlFog>(), "FA");
   EXPECT_EQ(stage.bound<VrmlNavigationInfo>(), "NA");
   EXPECT_EQ(stage.bound<VrmlViewpoint>(), "VA");
@@ -63,7 +64,8 @@ TEST(Binding, TheLastNodeOfAStackStaysBound) {
 }
 
 TEST(Binding, ARouteBindsAtOnce) {
-  const Stage stage("DEF T TouchSensor {} DEF A Viewpoint {} DEF B Viewpoint {} ROUTE T.isActive TO B.set_bind");
+  const Stage stage(
+      "DEF T TouchSensor {} DEF A Viewpoint {} DEF B Viewpoint {} ROUTE T.isActive TO B.set_bind");
   ASSERT_EQ(stage.world.status, ReadStatus::world) << stage.world.messages.text();
   stage.get<VrmlTouchSensor>("T")->isActive.setValue(TRUE);
   EXPECT_EQ(stage.bound<VrmlViewpoint>(), "B");

@@ -49,7 +49,8 @@ SoRef<SoSeparator> square(const SbColor& color, float x) {
   cube->width.setValue(1);
   cube->height.setValue(1);
   cube->depth.setValue(1);
-  for (SoNode* node : std::initializer_list<SoNode*>{camera, light, paint, place, cube}) scene->addChild(node);
+  for (SoNode* node : std::initializer_list<SoNode*>{camera, light, paint, place, cube})
+    scene->addChild(node);
   return scene;
 }
 

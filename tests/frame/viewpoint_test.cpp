@@ -20,8 +20,8 @@ namespace {
 
 testing::AssertionResult same(const SbVec3f& a, const SbVec3f& b) {
   if (a.equals(b, 1e-8F)) return testing::AssertionSuccess();
-  return testing::AssertionFailure() << a[0] << ' ' << a[1] << ' ' << a[2] << " is not " << b[0] << ' ' << b[1]
-                                     << ' ' << b[2];
+  return testing::AssertionFailure() << a[0] << ' ' << a[1] << ' ' << a[2] << " is not " << b[0] << ' '
+                                     << b[1] << ' ' << b[2];
 }
 
 std::vector<int> modesOf(const std::vector<Stage::CameraCall>& calls) {
@@ -83,8 +83,23 @@ TEST(Viewpoint, AMovingTransformAboveCarriesTheViewer) {
   EXPECT_TRUE(same(calls[1].origin, SbVec3f(6, 1, 0)));
 }
 
+TEST(Viewpoint, OneEventThatMovesSeveralThingsAboveIsToldWhole) {
+  Stage stage(R"(DEF OTHER Transform {}
+                 DEF OUTER Transform { children Transform { translation 0 1 0 children DEF A Viewpoint {} } }
+                 DEF P PlaneSensor {} ROUTE P.translation_changed TO OTHER.set_translation
+                 ROUTE P.translation_changed TO OUTER.set_translation
+                 ROUTE P.translation_changed TO OUTER.set_scale)");
+  stage.takeCameraCalls();
+  stage.get<VrmlPlaneSensor>("P")->translation_changed.setValue(6, 2, 1);
+  const auto calls = stage.takeCameraCalls();
+  ASSERT_FALSE(calls.empty());
+  EXPECT_EQ(calls.back().mode, VrmlViewpointManager::moved);
+  EXPECT_TRUE(same(calls.back().origin, SbVec3f(6, 4, 1)));  // moved, and with twice the height
+}
+
 TEST(Viewpoint, TheUsersRoundLeavesOutWhatHasNoDescription) {
-  Stage stage(R"(DEF A Viewpoint { description "a" } DEF B Viewpoint {} DEF C Viewpoint { description "c" })");
+  Stage stage(
+      R"(DEF A Viewpoint { description "a" } DEF B Viewpoint {} DEF C Viewpoint { description "c" })");
   auto* manager = stage.manager.getViewpointManager();
   const auto next = [&] { return Stage::nameOf(manager->getNextViewpoint()); };
   const auto previous = [&] { return Stage::nameOf(manager->getPrevViewpoint()); };

@@ -63,5 +63,6 @@ private:
 
   tessel::SoRef<SoBoundingBoxCache> bboxCache;
   std::unique_ptr<SoGLCacheList> renderCaches;
+  bool keepsOutOfCaches = false;  // as something below asked when it was last drawn
   bool wasCulled = false;
 };

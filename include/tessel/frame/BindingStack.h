@@ -26,8 +26,8 @@ public:
   using SceneCallback = void(void* data, SoPathList& paths, int newWorld);
 
   /// An empty stack without a default. Either callback may be null.
-  BindingStack(SoType nodeType, VrmlSceneManager* manager, BoundCallback* boundCallback, void* boundCallbackData,
-               SceneCallback* sceneCallback, void* sceneCallbackData);
+  BindingStack(SoType nodeType, VrmlSceneManager* manager, BoundCallback* boundCallback,
+               void* boundCallbackData, SceneCallback* sceneCallback, void* sceneCallbackData);
   ~BindingStack();
   BindingStack(const BindingStack&) = delete;
   BindingStack& operator=(const BindingStack&) = delete;

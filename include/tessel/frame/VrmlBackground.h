@@ -19,7 +19,7 @@ public:
   static constexpr const char* fileFormatName = "Background";
   static std::span<const tessel::FieldSpec> fields();
 
-  SoMFFloat groundAngle;  ///< exposedField, empty: radians from straight down, of the colours from the second on
+  SoMFFloat groundAngle;  ///< exposedField, empty: radians from straight down, of all colours but the first
   SoMFColor groundColor;  ///< exposedField, empty: the first straight down
   SoMFString backUrl;     ///< exposedField, one empty string, like the other five: alternatives of an image
   SoMFString bottomUrl;
@@ -27,7 +27,7 @@ public:
   SoMFString leftUrl;
   SoMFString rightUrl;
   SoMFString topUrl;
-  SoMFFloat skyAngle;  ///< exposedField, empty: radians from straight up, of the colours from the second on
+  SoMFFloat skyAngle;  ///< exposedField, empty: radians from straight up, of all colours but the first
   SoMFColor skyColor;  ///< exposedField, 0 0 0: the first straight up
 
   /// A host's switch, 1 at the start: with 0 no background is drawn, whatever is bound.

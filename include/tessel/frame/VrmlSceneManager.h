@@ -30,17 +30,18 @@ class VrmlVisibilityList;
 
 /// Drives the frames of one world: watches the clock and the scene, keeps the binding stacks, and draws.
 ///
-/// A host makes one per window, gives it the tree of VrmlDB::read (below a camera of the host's), sets a render
-/// callback with SoSceneManager::setRenderCallback, and calls `render` there with its GL context current. A
-/// redraw is asked for when something in the scene changed, never by the clock alone. Each manager has a cache
-/// context of its own; managers whose GL contexts share objects may be given the same one through
+/// A host makes one per window, gives it the tree of VrmlDB::read (below a camera of the host's), sets a
+/// render callback with SoSceneManager::setRenderCallback, and calls `render` there with its GL context
+/// current. A redraw is asked for when something in the scene changed, never by the clock alone. Each manager
+/// has a cache context of its own; managers whose GL contexts share objects may be given the same one through
 /// getGLRenderAction()->setCacheContext. A manager is active from its construction.
 class TESSEL_API VrmlSceneManager : public SoSceneManager {
 public:
   /// An anchor reports the pointer: its URL, or an empty one when the pointer leaves.
   using AnchorHighlightCallback = void(const SbString& url, void* data, VrmlAnchor* anchor);
   /// An anchor asks to load a URL.
-  using AnchorFetchCallback = void(const SbString& url, const SbString& parameter, void* data, VrmlAnchor* anchor);
+  using AnchorFetchCallback = void(const SbString& url, const SbString& parameter, void* data,
+                                   VrmlAnchor* anchor);
   /// A field of a NavigationInfo changed, or, with a null field, one was bound.
   using NavigationInfoCallback = void(void* data, VrmlNavigationInfo* info, SoField* field);
 
@@ -55,7 +56,8 @@ public:
   void setAnchorFetchCallback(AnchorFetchCallback* callback, void* data);
   void setNavigationInfoChangedCallback(NavigationInfoCallback* callback, void* data);
 
-  /// Takes a world, or none, which it references. The first binding nodes of the world are bound.
+  /// Takes a world, or none, which it references. The first binding nodes of the world are bound. The scene
+  /// camera is dropped: set it again after this.
   void setSceneGraph(SoNode* sceneRoot) override;
   SoNode* getSceneGraph() const override { return root.get(); }
   void activate() override;
@@ -140,7 +142,8 @@ private:
   static void moveCB(void* data, SoSensor* sensor);
   static void realTimeWatcherCB(void* data, SoSensor* sensor);
   static void clockCB(void* data, SoSensor* sensor);
-  static void viewpointBindingChangedCB(void* data, VrmlBindingNode* node, int isBound, VrmlBindingNode* other);
+  static void viewpointBindingChangedCB(void* data, VrmlBindingNode* node, int isBound,
+                                        VrmlBindingNode* other);
   static void viewpointSceneChangedCB(void* data, SoPathList& paths, int newWorld);
   static void navInfoBindingChangedCB(void* data, VrmlBindingNode* node, int isBound, VrmlBindingNode* other);
   static void bgBindingChangedCB(void* data, VrmlBindingNode* node, int isBound, VrmlBindingNode* other);

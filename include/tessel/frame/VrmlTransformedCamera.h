@@ -13,8 +13,8 @@
 ///
 /// `position` and `orientation` are in the frame that `matrix` takes to world space, so a host that sets
 /// `matrix` from the camera callback navigates in the viewpoint's own frame, and a moving viewpoint carries
-/// the viewer along. Of `matrix` only place and rotation count for where the camera looks: scale and shear are
-/// taken out.
+/// the viewer along. Of `matrix` only place and rotation count for where the camera looks: scale and shear
+/// are taken out.
 class TESSEL_API VrmlTransformedCamera : public SoPerspectiveCamera {
   typedef SoPerspectiveCamera inherited;
   SO_NODE_HEADER(VrmlTransformedCamera);

@@ -26,7 +26,8 @@ public:
     jumpThere = 1,  ///< bound with a jump
     moved = 2,      ///< the bound viewpoint, or a Transform above it, moved
   };
-  /// `matrix` takes the viewpoint's coordinates to world space. Called inside the notification that causes it.
+  /// `matrix` takes the viewpoint's coordinates to world space. Called within the notification that causes
+  /// it, or at its end.
   using CameraCallback = void(void* data, const SbMatrix& matrix, int mode, VrmlViewpoint* viewpoint);
 
   VrmlViewpointManager();
@@ -48,7 +49,8 @@ public:
 
   /// The bound viewpoint.
   VrmlViewpoint* getCurrViewpoint() const;
-  /// The next viewpoint with a description behind the bound one, round the list; the bound one if there is none.
+  /// The next viewpoint with a description behind the bound one, round the list; the bound one if there is
+  /// none.
   virtual VrmlViewpoint* getNextViewpoint();
   virtual VrmlViewpoint* getPrevViewpoint();
   /// The first viewpoint with that name in the file, exactly, or else less its instance suffix; null if none.
@@ -59,8 +61,8 @@ public:
   /// Finds the index of a viewpoint, which becomes the current one; -1 if it is not on the list.
   void checkCurrViewpoint(VrmlViewpoint* viewpoint);
   int getCurrentIndex() const { return currentIndex; }
-  /// Works out the matrix of a viewpoint and calls the host: with mode `jumpThere` if `jump` is set, else with
-  /// `moved` if `changeOfBinding` is set, else with `keepPlace`.
+  /// Works out the matrix of a viewpoint and calls the host: with mode `jumpThere` if `jump` is set, else
+  /// with `moved` if `changeOfBinding` is set, else with `keepPlace`.
   virtual void updateSceneCamera(VrmlViewpoint* viewpoint, int changeOfBinding, int jump);
   /// The matrix of the current viewpoint to world space.
   const SbMatrix& getMatrix() const { return matrix; }

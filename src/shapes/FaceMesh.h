@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include "shapes/EarClipper.h"
+#include "shapes/FaceIndices.h"
+#include "shapes/PolygonTessellator.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <utility>
+#include <vector>
+
+#include <Inventor/SbColor.h>
+#include <Inventor/SbVec2f.h>
+#include <Inventor/SbVec3f.h>
+
+namespace tessel {
+
+/// The values of a face set and what each corner takes of them. All indices are within the values.
+struct FaceMeshSource {
+  std::span<const std::int32_t> coordIndex;
+  FaceRuns runs;
+  bool convex = true;  ///< false: faces of more than three corners may have any form
+  std::span<const SbVec3f> points;
+
+  // What is not to be drawn is empty.
+  std::span<const SbVec3f> normals;
+  std::span<const SbColor> colors;
+  std::span<const SbVec2f> texCoords;
+  CornerIndices normal, color, texCoord;
+  std::uint8_t alpha = 255;  ///< goes with each color
+};
+
+/// The faces of a face set as indexed triangles.
+///
+/// A vertex is what corners have in common that agree in all their values. It holds numbers into the arrays of
+/// the source; `writeVertices` gathers the values, so that a mesh is small until it is in GL's memory.
+/// Cost is linear in the source; an object that is used again reuses its memory.
+class FaceMesh {
+public:
+  /// How a value that holds for a face reaches GL.
+  enum class Layout : std::uint8_t {
+    smooth,  ///< each corner of the face has it: right with every light
+    flat,    ///< the last corner of each triangle has it, to be drawn with GL_FLAT: vertices are shared between
+             ///< faces, so that there are up to three times fewer
+  };
+
+  /// Where the values stand in a vertex, in bytes. A vertex begins with its position, three floats.
+  struct Format {
+    bool normals = false;    ///< three floats
+    bool colors = false;     ///< four bytes: red, green, blue, alpha
+    bool texCoords = false;  ///< two floats
+
+    std::size_t normalAt() const { return 12; }
+    std::size_t colorAt() const { return normals ? 24 : 12; }
+    std::size_t texCoordAt() const { return colorAt() + (colors ? 4 : 0); }
+    std::size_t stride() const { return texCoordAt() + (texCoords ? 8 : 0); }
+  };
+
+  /// Whether the flat layout can show a source: something is per face, and nothing that takes part in the
+  /// color varies inside a face.
+  static bool canBeFlat(const FaceMeshSource& source);
+
+  /// Makes the triangles. Faces of fewer than three corners have none.
+  void build(const FaceMeshSource& source, Layout layout);
+
+  Format format() const { return form; }
+  std::size_t vertexCount() const { return vertexPoint.size(); }
+  /// Three numbers of vertices a triangle.
+  std::span<const std::uint32_t> triangles() const { return triangleList; }
+
+  /// Writes `count` vertices from number `first` on, in `format`. The values of the source must still be there.
+  void writeVertices(std::size_t first, std::size_t count, std::byte* out) const;
+
+private:
+  /// What a vertex is looked up by, apart from its point.
+  enum class Key : std::uint8_t { none, face, corner };
+  static constexpr int numKeys = 3;
+  using RunFn = void (FaceMesh::*)(std::int32_t at, std::int32_t face, std::int32_t count);
+  template <int corners, std::size_t... cases>
+  static constexpr auto makeRuns(std::index_sequence<cases...>);
+  template <int corners> void addRun(std::int32_t at, std::int32_t face, std::int32_t count);
+  template <int corners, Key color, Key normal, bool texCoord>
+  void addFaces(std::int32_t at, std::int32_t face, std::int32_t count);
+  template <Key color, Key normal, bool texCoord>
+  std::int32_t vertexAt(std::int32_t point, std::int32_t ofColor, std::int32_t ofNormal, std::int32_t ofTexCoord);
+
+  Key keyOf(const CornerIndices& attribute) const;
+  std::int32_t copyVertex(std::int32_t vertex);
+  void addTriangle(std::int32_t face, std::int32_t a, std::int32_t b, std::int32_t c);
+  void addFan(std::int32_t face);
+  void addPieces(std::int32_t face, std::int32_t at);
+  void tessellate(std::int32_t face);
+
+  std::int32_t colorOf(std::int32_t vertex) const;
+  std::int32_t normalOf(std::int32_t vertex) const;
+  std::int32_t texCoordOf(std::int32_t vertex) const;
+
+  /// A vertex where edges of a face cross.
+  struct Made {
+    std::int32_t vertex;
+    SbVec3f point, normal;
+    SbVec2f texCoord;
+    std::int32_t color;
+  };
+  static bool madeBefore(const Made& m, std::int32_t vertex) { return m.vertex < vertex; }
+
+  FaceMeshSource source;
+  Format form;
+  bool flat = false;
+
+  std::vector<std::uint32_t> triangleList;
+  // Of each vertex: its point and, as far as they are keys, its other values.
+  std::vector<std::int32_t> vertexPoint, vertexColor, vertexNormal, vertexTexCoord;
+  std::vector<std::int32_t> vertexFace;   // flat: the face whose values it has, -1 if none
+  std::vector<std::int32_t> nextVertex;   // the one before it of the same point, -1 if none
+  std::vector<std::int32_t> firstVertex;  // of each point from the lowest used one on: the last made
+  std::int32_t lowestPoint = 0;
+  std::vector<Made> made;
+
+  // The face in work.
+  std::vector<std::int32_t> outline;  // its vertices
+  std::vector<SbVec3f> outlinePoints;
+  std::vector<std::int32_t> pieces;
+  std::int32_t copied = -1, copyOf = -1, copyFace = -1;  // flat: the vertex it had to copy
+  EarClipper clipper;
+  PolygonTessellator tessellator;
+};
+
+}  // namespace tessel
