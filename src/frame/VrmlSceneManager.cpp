@@ -2,6 +2,7 @@
 #include <tessel/frame/VrmlSceneManager.h>
 
 #include <algorithm>
+#include <utility>
 
 #include <Inventor/SbColor.h>
 #include <Inventor/SbViewportRegion.h>
@@ -51,13 +52,37 @@ SoNode* changedNode(const VrmlNotifySensor& sensor) {
   return held ? static_cast<SoNode*>(holder) : sensor.getTriggerNode();
 }
 
+// What a node is to the scene manager.
+enum class Role : std::uint8_t { unknown, none, camera, binding, transform, anchor, inlined, group };
+
+Role findRole(SoType type) {
+  const std::pair<SoType, Role> roles[] = {
+      {SoCamera::getClassTypeId(), Role::camera},         {VrmlBindingNode::getClassTypeId(), Role::binding},
+      {VrmlTransform::getClassTypeId(), Role::transform}, {VrmlAnchor::getClassTypeId(), Role::anchor},
+      {VrmlInline::getClassTypeId(), Role::inlined},      {VrmlBaseGroup::getClassTypeId(), Role::group},
+      {SoGroup::getClassTypeId(), Role::group},
+  };
+  for (const auto& [base, role] : roles)
+    if (type.isDerivedFrom(base)) return role;
+  return Role::none;
+}
+
+// Remembered, since every event asks, and the toolkit walks up a class's ancestors to tell.
+Role roleOf(const SoNode* node) {
+  static std::vector<Role> known;
+  const SoType type = node->getTypeId();
+  const auto key = static_cast<std::size_t>(type.getKey());
+  if (key >= known.size()) known.resize(key + 1, Role::unknown);
+  if (known[key] == Role::unknown) known[key] = findRole(type);
+  return known[key];
+}
+
 // When a Transform on a path was last notified, itself or from below; 0 without a Transform.
 SbUniqueId latestTransformChange(const SoPath* path) {
   SbUniqueId latest = 0;
   const auto* full = static_cast<const SoFullPath*>(path);
   for (int i = 0; full && i < full->getLength(); ++i)
-    if (full->getNode(i)->isOfType(VrmlTransform::getClassTypeId()))
-      latest = std::max(latest, full->getNode(i)->getNodeId());
+    if (roleOf(full->getNode(i)) == Role::transform) latest = std::max(latest, full->getNode(i)->getNodeId());
   return latest;
 }
 
@@ -338,7 +363,7 @@ void VrmlSceneManager::notifyHandlerCB(void* data, SoSensor* sensor) {
   if (!manager->moveSensor.isScheduled()) manager->moveSensor.schedule();
   SoField* field = source->getTriggerField();
   SoNode* node = changedNode(*source);
-  if (!node || node->isOfType(SoCamera::getClassTypeId())) return;
+  if (!node) return;
   if (field)
     manager->fieldChanged(node, field);
   else
@@ -364,9 +389,9 @@ void VrmlSceneManager::checkViewpointMoved() {
 }
 
 void VrmlSceneManager::fieldChanged(SoNode* node, SoField* field) {
-  if (field->isOfType(VrmlMFChildren::getClassTypeId()))
+  if (field->getTypeId() == VrmlMFChildren::getClassTypeId())
     bindingsDirty = true;
-  else if (node->isOfType(VrmlBindingNode::getClassTypeId()))
+  else if (roleOf(node) == Role::binding)
     bindingFieldChanged(static_cast<VrmlBindingNode*>(node), field);
 }
 
@@ -388,13 +413,23 @@ void VrmlSceneManager::bindingFieldChanged(VrmlBindingNode* node, SoField* field
 }
 
 void VrmlSceneManager::structureChanged(SoNode* node) {
-  if (node->isOfType(VrmlAnchor::getClassTypeId()) && serveAnchor(static_cast<VrmlAnchor*>(node))) return;
-  const bool arrived = node->isOfType(VrmlInline::getClassTypeId());
-  if (arrived && this != activeSceneManager)
-    updateBindingNodes();
-  else if (arrived || node->isOfType(VrmlBaseGroup::getClassTypeId()) ||
-           node->isOfType(SoGroup::getClassTypeId()))
-    bindingsDirty = true;
+  switch (roleOf(node)) {
+    case Role::anchor:
+      if (!serveAnchor(static_cast<VrmlAnchor*>(node))) bindingsDirty = true;
+      break;
+    case Role::inlined:  // its world has come
+      if (this == activeSceneManager)
+        bindingsDirty = true;
+      else
+        updateBindingNodes();
+      break;
+    case Role::transform:
+    case Role::group:
+      bindingsDirty = true;
+      break;
+    default:
+      break;
+  }
 }
 
 bool VrmlSceneManager::serveAnchor(VrmlAnchor* anchor) const {
