@@ -43,7 +43,16 @@ VrmlFanIn::~VrmlFanIn() {
 }
 
 SoType VrmlFanIn::getTypeId() const { return classTypeId; }
-const SoFieldData* VrmlFanIn::getFieldData() const { return inputData.get(); }
+// The toolkit compares each new name with all the others, so inputs get theirs when somebody asks.
+const SoFieldData* VrmlFanIn::getFieldData() const {
+  for (; numNamed < inputs.size(); ++numNamed) {
+    char name[32];
+    std::snprintf(name, sizeof name, "input%zu", numNamed);
+    inputData->addField(const_cast<VrmlFanIn*>(this), name, inputs[numNamed].get());
+  }
+  return inputData.get();
+}
+
 const SoEngineOutputData* VrmlFanIn::getOutputData() const { return outputData.get(); }
 
 VrmlFanIn* VrmlFanIn::feeding(const SoField* to) {
@@ -60,10 +69,7 @@ SoField* VrmlFanIn::addInput() {
     childLists.push_back(std::make_unique<SoChildList>(nullptr));
     static_cast<VrmlMFChildren*>(input.get())->setValue(childLists.back().get());
   }
-  char name[32];
-  std::snprintf(name, sizeof name, "input%zu", inputs.size());
   input->setContainer(this);
-  inputData->addField(this, name, input.get());
   inputs.push_back(std::move(input));
   return inputs.back().get();
 }

@@ -55,6 +55,7 @@ private:
 
   SoType fieldType;
   std::unique_ptr<SoFieldData> inputData;
+  mutable std::size_t numNamed = 0;  // how many inputs are in `inputData`
   std::unique_ptr<SoEngineOutputData> outputData;
   std::vector<std::unique_ptr<SoChildList>> childLists;  // what inputs of the type of `children` hold
   std::vector<std::unique_ptr<SoField>> inputs;
