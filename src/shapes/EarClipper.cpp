@@ -16,7 +16,8 @@ bool EarClipper::cut(std::span<const SbVec3f> outline, std::vector<std::int32_t>
   if (!isSimple()) return false;
 
   const std::size_t mark = triangles.size();
-  for (std::int32_t i = 0; i < count; ++i) corners[i].reflex = turn(corners[i].before, i, corners[i].after) <= 0;
+  for (std::int32_t i = 0; i < count; ++i)
+    corners[i].reflex = turn(corners[i].before, i, corners[i].after) <= 0;
   std::int32_t at = 0;
   std::int32_t failed = 0;
   for (std::int32_t left = count; left > 2;) {
@@ -112,7 +113,8 @@ bool EarClipper::isSimple() const {
     }
     // Neighbours may meet in more than their corner only by doubling back.
     const Corner& c = corners[b.after];
-    if (turn(i, a.after, b.after) == 0 && (b.x - a.x) * (c.x - b.x) + (b.y - a.y) * (c.y - b.y) < 0) return false;
+    if (turn(i, a.after, b.after) == 0 && (b.x - a.x) * (c.x - b.x) + (b.y - a.y) * (c.y - b.y) < 0)
+      return false;
   }
   return true;
 }

@@ -32,9 +32,9 @@ struct FaceDrawing {
   Status status = Status::changed;
   std::optional<FaceRuns> runs;  ///< empty until counted
   Needs madeFor;
-  bool isFlat = false;       ///< the mesh has the flat layout
-  bool refuseFlat = false;   ///< it was met under lights for which that is not right
-  bool isAnimated = false;   ///< it was made again after a change
+  bool isFlat = false;      ///< the mesh has the flat layout
+  bool refuseFlat = false;  ///< it was met under lights for which that is not right
+  bool isAnimated = false;  ///< it was made again after a change
   MeshBuffers buffers;
 
   void changed() {

@@ -18,8 +18,10 @@ struct Wording {
   const char* few;      // the whole text about too few values
 };
 constexpr Wording vertexWords = {"vertex", "", ""};
-constexpr Wording colorWords = {"color", "material", "Material binding is %s, but only %d colors given (%d needed)"};
-constexpr Wording normalWords = {"normal", "normal", "Normal binding is %s, but only %d normals given (%d needed)"};
+constexpr Wording colorWords = {"color", "material",
+                                "Material binding is %s, but only %d colors given (%d needed)"};
+constexpr Wording normalWords = {"normal", "normal",
+                                 "Normal binding is %s, but only %d normals given (%d needed)"};
 constexpr Wording texCoordWords = {"texture coordinate", "texCoord",
                                    "TexCoord binding is %s, but only %d texCoords given (%d needed)"};
 
@@ -32,7 +34,8 @@ __attribute__((format(printf, 1, 2))) std::string formatted(const char* format, 
   return text;
 }
 
-std::optional<std::string> outOfRange(std::span<const std::int32_t> indices, int count, const Wording& words) {
+std::optional<std::string> outOfRange(std::span<const std::int32_t> indices, int count,
+                                      const Wording& words) {
   // As unsigned numbers, -1 becomes 0 and anything below it too large.
   const auto limit = static_cast<std::uint32_t>(count);
   for (const std::int32_t index : indices)
@@ -42,8 +45,8 @@ std::optional<std::string> outOfRange(std::span<const std::int32_t> indices, int
 }
 
 /// Chooses the index list of an attribute and checks that list and values are long enough.
-std::optional<std::string> bind(const AttributeSource& attribute, const FaceSource& source, const Wording& words,
-                                CornerIndices& out) {
+std::optional<std::string> bind(const AttributeSource& attribute, const FaceSource& source,
+                                const Wording& words, CornerIndices& out) {
   out = {};
   if (!attribute.used) return std::nullopt;
   std::span<const std::int32_t> inUse;
@@ -63,7 +66,8 @@ std::optional<std::string> bind(const AttributeSource& attribute, const FaceSour
   } else {
     binding = "PER_FACE";
     out = {By::face, nullptr};
-    if (attribute.count < source.numFaces) return formatted(words.few, binding, attribute.count, source.numFaces);
+    if (attribute.count < source.numFaces)
+      return formatted(words.few, binding, attribute.count, source.numFaces);
     return std::nullopt;
   }
   if (inUse.size() < need)
@@ -104,7 +108,8 @@ std::int32_t largestIndex(std::span<const std::int32_t> indices) {
 
 std::optional<IndexFault> prepareIndices(const FaceSource& source, FaceIndices& out) {
   constexpr const char* node = "VrmlIndexedFaceSet";
-  if (source.numPoints <= 0) return IndexFault{"VrmlIndexedFaceSet::setupIndices", "no coordinates specified\n"};
+  if (source.numPoints <= 0)
+    return IndexFault{"VrmlIndexedFaceSet::setupIndices", "no coordinates specified\n"};
 
   const struct {
     std::span<const std::int32_t> indices;
@@ -129,7 +134,8 @@ std::optional<IndexFault> prepareIndices(const FaceSource& source, FaceIndices& 
       return IndexFault{node, few ? formatted("%s: ", source.name) + *text : *text};
     }
   if (source.checkTexCoords)
-    if (auto text = bind(source.texCoord, source, texCoordWords, out.texCoord)) return IndexFault{node, *text};
+    if (auto text = bind(source.texCoord, source, texCoordWords, out.texCoord))
+      return IndexFault{node, *text};
   return std::nullopt;
 }
 

@@ -49,10 +49,11 @@ struct CornerIndices {
 
 /// One attribute of a face set as its node has it.
 struct AttributeSource {
-  std::span<const std::int32_t> indices;  ///< the node's index field; empty or led by a negative entry if unused
-  int count = 0;                          ///< values there are
-  bool perFace = false;                   ///< a value a face, not a corner
-  bool used = false;                      ///< false: one value for all, or none; only the range is checked
+  std::span<const std::int32_t>
+      indices;           ///< the node's index field; empty or led by a negative entry if unused
+  int count = 0;         ///< values there are
+  bool perFace = false;  ///< a value a face, not a corner
+  bool used = false;     ///< false: one value for all, or none; only the range is checked
 
   bool hasIndices() const { return !indices.empty() && indices[0] >= 0; }
 };

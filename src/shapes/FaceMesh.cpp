@@ -16,12 +16,11 @@ using By = CornerIndices::By;
 // normals would make the search quadratic, and there is nothing to share at it.
 constexpr int searchLimit = 8;
 
-template <class T>
-void store(std::byte* out, const T& value) {
-  std::memcpy(out, &value, sizeof value);
-}
+template <class T> void store(std::byte* out, const T& value) { std::memcpy(out, &value, sizeof value); }
 
-std::uint8_t byteOf(float value) { return static_cast<std::uint8_t>(std::clamp(value, 0.0f, 1.0f) * 255 + 0.5f); }
+std::uint8_t byteOf(float value) {
+  return static_cast<std::uint8_t>(std::clamp(value, 0.0f, 1.0f) * 255 + 0.5f);
+}
 
 }  // namespace
 
@@ -60,7 +59,8 @@ void FaceMesh::build(const FaceMeshSource& from, Layout layout) {
   firstVertex.assign(static_cast<std::size_t>(highest - lowestPoint) + 1, -1);
 
   const FaceRuns& runs = source.runs;
-  triangleList.reserve(3 * (static_cast<std::size_t>(runs.triangles) + 2 * static_cast<std::size_t>(runs.quads)));
+  triangleList.reserve(3 *
+                       (static_cast<std::size_t>(runs.triangles) + 2 * static_cast<std::size_t>(runs.quads)));
   addRun<3>(0, 0, runs.triangles);
   addRun<4>(4 * runs.triangles, runs.triangles, runs.quads);
   addRun<0>(4 * runs.triangles + 5 * runs.quads, runs.triangles + runs.quads, runs.faces);
@@ -75,8 +75,7 @@ constexpr auto FaceMesh::makeRuns(std::index_sequence<cases...>) {
                           static_cast<Key>(cases / 2 % numKeys), (cases & 1) != 0>...};
 }
 
-template <int corners>
-void FaceMesh::addRun(std::int32_t at, std::int32_t face, std::int32_t count) {
+template <int corners> void FaceMesh::addRun(std::int32_t at, std::int32_t face, std::int32_t count) {
   static constexpr auto table = makeRuns<corners>(std::make_index_sequence<numKeys * numKeys * 2>{});
   const auto number = static_cast<std::size_t>(keyOf(source.color)) * numKeys * 2 +
                       static_cast<std::size_t>(keyOf(source.normal)) * 2 +
@@ -233,7 +232,8 @@ void FaceMesh::tessellate(std::int32_t face) {
       const SbVec4f& t = v->getTextureCoords();
       at->second = mesh.copyVertex(like);
       if (mesh.flat) mesh.vertexFace[at->second] = -1;
-      mesh.made.push_back({at->second, v->getPoint(), v->getNormal(), SbVec2f(t[0], t[1]), mesh.colorOf(like)});
+      mesh.made.push_back(
+          {at->second, v->getPoint(), v->getNormal(), SbVec2f(t[0], t[1]), mesh.colorOf(like)});
       return at->second;
     }
   } result{*this, face, {}};
@@ -272,8 +272,8 @@ void FaceMesh::writeVertices(std::size_t first, std::size_t count, std::byte* ou
     for (std::int32_t v = begin; v < end; ++v, at += stride) store(at, valueOf(v));
   };
   // The choice of an attribute's list is made once, not a vertex.
-  const auto attribute = [&](std::size_t offset, const CornerIndices& of, const std::vector<std::int32_t>& keys,
-                             auto&& value) {
+  const auto attribute = [&](std::size_t offset, const CornerIndices& of,
+                             const std::vector<std::int32_t>& keys, auto&& value) {
     if (keyOf(of) != Key::none)
       each(offset, [&](std::int32_t v) { return value(keys[v]); });
     else if (of.by == By::face && !of.array)
@@ -291,10 +291,12 @@ void FaceMesh::writeVertices(std::size_t first, std::size_t count, std::byte* ou
   };
   each(0, [&](std::int32_t v) { return source.points[vertexPoint[v]]; });
   if (form.normals)
-    attribute(form.normalAt(), source.normal, vertexNormal, [&](std::int32_t i) { return source.normals[i]; });
+    attribute(form.normalAt(), source.normal, vertexNormal,
+              [&](std::int32_t i) { return source.normals[i]; });
   if (form.colors) attribute(form.colorAt(), source.color, vertexColor, color);
   if (form.texCoords)
-    attribute(form.texCoordAt(), source.texCoord, vertexTexCoord, [&](std::int32_t i) { return source.texCoords[i]; });
+    attribute(form.texCoordAt(), source.texCoord, vertexTexCoord,
+              [&](std::int32_t i) { return source.texCoords[i]; });
 
   // Vertices where edges cross have values of their own, save what is their face's.
   auto it = std::lower_bound(made.begin(), made.end(), begin, madeBefore);

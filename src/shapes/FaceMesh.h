@@ -42,8 +42,8 @@ public:
   /// How a value that holds for a face reaches GL.
   enum class Layout : std::uint8_t {
     smooth,  ///< each corner of the face has it: right with every light
-    flat,    ///< the last corner of each triangle has it, to be drawn with GL_FLAT: vertices are shared between
-             ///< faces, so that there are up to three times fewer
+    flat,  ///< the last corner of each triangle has it, to be drawn with GL_FLAT: vertices are shared between
+           ///< faces, so that there are up to three times fewer
   };
 
   /// Where the values stand in a vertex, in bytes. A vertex begins with its position, three floats.
@@ -78,13 +78,13 @@ private:
   enum class Key : std::uint8_t { none, face, corner };
   static constexpr int numKeys = 3;
   using RunFn = void (FaceMesh::*)(std::int32_t at, std::int32_t face, std::int32_t count);
-  template <int corners, std::size_t... cases>
-  static constexpr auto makeRuns(std::index_sequence<cases...>);
+  template <int corners, std::size_t... cases> static constexpr auto makeRuns(std::index_sequence<cases...>);
   template <int corners> void addRun(std::int32_t at, std::int32_t face, std::int32_t count);
   template <int corners, Key color, Key normal, bool texCoord>
   void addFaces(std::int32_t at, std::int32_t face, std::int32_t count);
   template <Key color, Key normal, bool texCoord>
-  std::int32_t vertexAt(std::int32_t point, std::int32_t ofColor, std::int32_t ofNormal, std::int32_t ofTexCoord);
+  std::int32_t vertexAt(std::int32_t point, std::int32_t ofColor, std::int32_t ofNormal,
+                        std::int32_t ofTexCoord);
 
   Key keyOf(const CornerIndices& attribute) const;
   std::int32_t copyVertex(std::int32_t vertex);

@@ -40,18 +40,24 @@ FaceWalk::Binding materialBindingOf(const VrmlIndexedFaceSet& node) {
 const SoMultiTextureCoordinateElement* texFunctionOf(SoAction* action) {
   SoState* state = action->getState();
   if (!state->isElementEnabled(SoMultiTextureCoordinateElement::getClassStackIndex())) return nullptr;
-  if (SoMultiTextureCoordinateElement::getType(state, 0) != SoMultiTextureCoordinateElement::FUNCTION) return nullptr;
+  if (SoMultiTextureCoordinateElement::getType(state, 0) != SoMultiTextureCoordinateElement::FUNCTION)
+    return nullptr;
   return SoMultiTextureCoordinateElement::getInstance(state);
 }
 
 }  // namespace
 
 FaceWalk::FaceWalk(VrmlIndexedFaceSet& n, SoAction* a, std::unique_ptr<NormalGenerator>& kept)
-    : node(n), action(a), madeNormals(kept), normals(realNode<VrmlNormal>(node.normal)),
-      texCoords(realNode<VrmlTextureCoordinate>(node.texCoord)), texFunction(texFunctionOf(action)),
+    : node(n),
+      action(a),
+      madeNormals(kept),
+      normals(realNode<VrmlNormal>(node.normal)),
+      texCoords(realNode<VrmlTextureCoordinate>(node.texCoord)),
+      texFunction(texFunctionOf(action)),
       colorIndices(givenOr(node.colorIndex, node.coordIndex)),
       normalIndices(givenOr(node.normalIndex, node.coordIndex)),
-      texCoordIndices(givenOr(node.texCoordIndex, node.coordIndex)), material(materialBindingOf(node)) {
+      texCoordIndices(givenOr(node.texCoordIndex, node.coordIndex)),
+      material(materialBindingOf(node)) {
   coordIndex = {node.coordIndex.getValues(0), static_cast<std::size_t>(node.coordIndex.getNum())};
   if (const auto* coord = realNode<VrmlCoordinate>(node.coord))
     points = {coord->point.getValues(0), static_cast<std::size_t>(coord->point.getNum())};
@@ -79,11 +85,16 @@ bool FaceWalk::next() {
 int FaceWalk::indexOf(Binding binding, const SoMFInt32& list, int corner) const {
   const auto entry = [&list](int i) { return i < list.getNum() ? list[i] : 0; };
   switch (binding) {
-  case perFace: return faceNumber;
-  case perFaceIndexed: return entry(faceNumber);
-  case perVertex: return firstVert + corner;
-  case perVertexIndexed: return entry(firstEntry + corner);
-  default: return 0;
+    case perFace:
+      return faceNumber;
+    case perFaceIndexed:
+      return entry(faceNumber);
+    case perVertex:
+      return firstVert + corner;
+    case perVertexIndexed:
+      return entry(firstEntry + corner);
+    default:
+      return 0;
   }
 }
 

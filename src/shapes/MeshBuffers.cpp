@@ -176,8 +176,8 @@ void MeshBuffers::draw(SoState* state) const {
     glEnableClientState(GL_TEXTURE_COORD_ARRAY);
     glTexCoordPointer(2, GL_FLOAT, stride, place(vertices, form.texCoordAt()));
   }
-  glDrawElements(GL_TRIANGLES, static_cast<GLsizei>(indexCount), shortIndices ? GL_UNSIGNED_SHORT : GL_UNSIGNED_INT,
-                 indices);
+  glDrawElements(GL_TRIANGLES, static_cast<GLsizei>(indexCount),
+                 shortIndices ? GL_UNSIGNED_SHORT : GL_UNSIGNED_INT, indices);
 
   glDisableClientState(GL_VERTEX_ARRAY);
   if (form.normals) glDisableClientState(GL_NORMAL_ARRAY);

@@ -49,7 +49,8 @@ public:
       // What rounding may have moved across a plane counts as on both sides.
       const float blur = 1e-5f * (std::abs(p[0]) + std::abs(p[1]) + std::abs(p[2]));
       const float x = p.dot(u), y = p.dot(v);
-      everywhere &= (x > blur ? 1u : 0u) | (x < -blur ? 2u : 0u) | (y > blur ? 4u : 0u) | (y < -blur ? 8u : 0u);
+      everywhere &=
+          (x > blur ? 1u : 0u) | (x < -blur ? 2u : 0u) | (y > blur ? 4u : 0u) | (y < -blur ? 8u : 0u);
     }
     return everywhere != 0;
   }
@@ -86,7 +87,8 @@ VrmlIndexedFaceSet::~VrmlIndexedFaceSet() = default;
 
 int VrmlIndexedFaceSet::getContainerFlags() const {
   using enum VrmlContainerElement::TypeBits;
-  return coordinate | VrmlContainerElement::normal | VrmlContainerElement::color | VrmlContainerElement::texCoord;
+  return coordinate | VrmlContainerElement::normal | VrmlContainerElement::color |
+         VrmlContainerElement::texCoord;
 }
 
 void VrmlIndexedFaceSet::notify(SoNotList* list) {
@@ -130,7 +132,8 @@ void VrmlIndexedFaceSet::rayPick(SoRayPickAction* action) {
 
 void VrmlIndexedFaceSet::generatePrimitives(SoAction* action) {
   SoState* state = action->getState();
-  auto* const pick = action->isOfType(SoRayPickAction::getClassTypeId()) ? static_cast<SoRayPickAction*>(action) : nullptr;
+  auto* const pick =
+      action->isOfType(SoRayPickAction::getClassTypeId()) ? static_cast<SoRayPickAction*>(action) : nullptr;
   if (pick) {
     SbBox3f box;
     SbVec3f center;
@@ -142,10 +145,11 @@ void VrmlIndexedFaceSet::generatePrimitives(SoAction* action) {
   tessel::FaceWalk faces(*this, action, pickNormals);
   if (!faces.isSound()) return;
   if (state->isElementEnabled(SoNormalBindingElement::getClassStackIndex()))
-    SoNormalBindingElement::set(state, this,
-                                faces.normalBinding() == tessel::FaceWalk::overall
-                                    ? SoNormalBindingElement::OVERALL
-                                    : static_cast<SoNormalBindingElement::Binding>(faces.normalBinding() + 4));
+    SoNormalBindingElement::set(
+        state, this,
+        faces.normalBinding() == tessel::FaceWalk::overall
+            ? SoNormalBindingElement::OVERALL
+            : static_cast<SoNormalBindingElement::Binding>(faces.normalBinding() + 4));
   walk = &faces;
   std::optional<RayFilter> filter;
   if (pick) filter.emplace(pick->getLine());
@@ -207,7 +211,8 @@ void VrmlIndexedFaceSet::count(VrmlCountAction* action) {
 
 // Only positions matter here, and triangles go straight on.
 void VrmlIndexedFaceSet::collisionDetect(VrmlCollideAction* action) {
-  if (!VrmlContainerElement::has(action->getState(), VrmlContainerElement::shape) || !action->isCollisionTestOn())
+  if (!VrmlContainerElement::has(action->getState(), VrmlContainerElement::shape) ||
+      !action->isCollisionTestOn())
     return;
   if (!tessel::realNode<VrmlCoordinate>(coord)) return;
   tessel::FaceWalk faces(*this, action, pickNormals);

@@ -81,8 +81,7 @@ bool lightIsEvenOnFlatFaces() {
   return true;
 }
 
-template <class T>
-std::span<const T> valuesAt(const void* values, int count) {
+template <class T> std::span<const T> valuesAt(const void* values, int count) {
   return {static_cast<const T*>(values), static_cast<std::size_t>(count)};
 }
 
@@ -97,9 +96,10 @@ void VrmlIndexedFaceSet::GLRender(SoGLRenderAction* action) {
   draw(action);
 
   const bool large = coordIndex.getNum() > FaceDrawing::autoCacheLimit;
-  SoGLCacheContextElement::shouldAutoCache(state, large && !SoGLCacheContextElement::getIsRemoteRendering(state)
-                                                      ? SoGLCacheContextElement::DONT_AUTO_CACHE
-                                                      : SoGLCacheContextElement::DO_AUTO_CACHE);
+  SoGLCacheContextElement::shouldAutoCache(state,
+                                           large && !SoGLCacheContextElement::getIsRemoteRendering(state)
+                                               ? SoGLCacheContextElement::DONT_AUTO_CACHE
+                                               : SoGLCacheContextElement::DO_AUTO_CACHE);
 }
 
 // Makes the mesh if there is none that serves. False if there is nothing to draw.
@@ -109,7 +109,9 @@ bool VrmlIndexedFaceSet::prepare(SoGLRenderAction* action) {
   FaceDrawing::Needs needs = needsOf(state, tessel::realNode<VrmlColor>(color) != nullptr);
 
   // In a display list the lights of a later frame are not known.
-  const auto mayBeFlat = [&] { return !SoCacheElement::anyOpen(state) && (!needs.normals || lightIsEvenOnFlatFaces()); };
+  const auto mayBeFlat = [&] {
+    return !SoCacheElement::anyOpen(state) && (!needs.normals || lightIsEvenOnFlatFaces());
+  };
   if (d.status == FaceDrawing::Status::ready && d.madeFor.serve(needs) && d.buffers.isReady(state) &&
       (!d.isFlat || mayBeFlat()))
     return true;
@@ -118,8 +120,9 @@ bool VrmlIndexedFaceSet::prepare(SoGLRenderAction* action) {
   if (!d.runs) d.runs = tessel::countRuns(indices());
   if (d.runs->total() == 0) return false;
   vpCache->fillInCache(tessel::realNode<VrmlCoordinate>(coord), tessel::realNode<VrmlColor>(color),
-                       tessel::realNode<VrmlNormal>(normal), tessel::realNode<VrmlTextureCoordinate>(texCoord),
-                       !colorPerVertex.getValue(), !normalPerVertex.getValue(), state);
+                       tessel::realNode<VrmlNormal>(normal),
+                       tessel::realNode<VrmlTextureCoordinate>(texCoord), !colorPerVertex.getValue(),
+                       !normalPerVertex.getValue(), state);
   const Cache& cache = *vpCache;
 
   tessel::FaceSource source;
@@ -129,7 +132,8 @@ bool VrmlIndexedFaceSet::prepare(SoGLRenderAction* action) {
   source.coordIndex = indices();
   source.numPoints = cache.numVerts;
   source.numFaces = d.runs->total();
-  source.color = {span(colorIndex), cache.numColors, !colorPerVertex.getValue(), cache.materialBinding != Cache::overall};
+  source.color = {span(colorIndex), cache.numColors, !colorPerVertex.getValue(),
+                  cache.materialBinding != Cache::overall};
   source.normal = {span(normalIndex), cache.numNormals, !normalPerVertex.getValue(), !cache.generateNormals};
   if (cache.generateNormals) source.normal.count = coordIndex.getNum();
   source.texCoord = {span(texCoordIndex), cache.numTexCoords, false, !cache.generateTexCoords};
@@ -161,9 +165,15 @@ bool VrmlIndexedFaceSet::prepare(SoGLRenderAction* action) {
     shop.normals.generate(mesh.points, mesh.coordIndex, ccw.getValue(), creaseAngle.getValue());
     mesh.normals = shop.normals.normals();
     switch (shop.normals.sharing()) {
-    case tessel::NormalGenerator::Sharing::perFace: mesh.normal = {By::face, nullptr}; break;
-    case tessel::NormalGenerator::Sharing::perPoint: mesh.normal = {By::point, shop.normals.indices().data()}; break;
-    case tessel::NormalGenerator::Sharing::perCorner: mesh.normal = {By::corner, shop.normals.indices().data()}; break;
+      case tessel::NormalGenerator::Sharing::perFace:
+        mesh.normal = {By::face, nullptr};
+        break;
+      case tessel::NormalGenerator::Sharing::perPoint:
+        mesh.normal = {By::point, shop.normals.indices().data()};
+        break;
+      case tessel::NormalGenerator::Sharing::perCorner:
+        mesh.normal = {By::corner, shop.normals.indices().data()};
+        break;
     }
   } else if (needs.normals) {
     mesh.normals = valuesAt<SbVec3f>(cache.normalPtr, cache.numNormals);

@@ -23,25 +23,26 @@ public:
   static constexpr const char* fileFormatName = "IndexedFaceSet";
   static std::span<const tessel::FieldSpec> fields();
 
-  VrmlSFNode normal;           ///< exposedField: a Normal, NULL: normals are computed from the faces
-  VrmlSFNode texCoord;         ///< exposedField: a TextureCoordinate, NULL: they are computed from the box
-  SoSFBool colorPerVertex;     ///< field: a color is of a corner, not of a face; TRUE
-  SoSFBool normalPerVertex;    ///< field: a normal is of a corner, not of a face; TRUE
-  SoMFInt32 normalIndex;       ///< field: indices of normals; -1: as `coordIndex`, or the number of the face
-  SoMFInt32 texCoordIndex;     ///< field: indices of texture coordinates; -1: as `coordIndex`
-  SoSFBool ccw;                ///< field: faces are counterclockwise as seen from their front; TRUE
-  SoSFBool solid;              ///< field: the back of a face is never seen, so it is not drawn; TRUE
-  SoSFBool convex;             ///< field: all faces are convex; TRUE
-  SoSFFloat creaseAngle;       ///< field: faces at a smaller angle look smooth where they meet, radians; 0
-  SoMFInt32 set_normalIndex;   ///< eventIn: a new `normalIndex`
-  SoMFInt32 set_texCoordIndex; ///< eventIn: a new `texCoordIndex`
+  VrmlSFNode normal;            ///< exposedField: a Normal, NULL: normals are computed from the faces
+  VrmlSFNode texCoord;          ///< exposedField: a TextureCoordinate, NULL: they are computed from the box
+  SoSFBool colorPerVertex;      ///< field: a color is of a corner, not of a face; TRUE
+  SoSFBool normalPerVertex;     ///< field: a normal is of a corner, not of a face; TRUE
+  SoMFInt32 normalIndex;        ///< field: indices of normals; -1: as `coordIndex`, or the number of the face
+  SoMFInt32 texCoordIndex;      ///< field: indices of texture coordinates; -1: as `coordIndex`
+  SoSFBool ccw;                 ///< field: faces are counterclockwise as seen from their front; TRUE
+  SoSFBool solid;               ///< field: the back of a face is never seen, so it is not drawn; TRUE
+  SoSFBool convex;              ///< field: all faces are convex; TRUE
+  SoSFFloat creaseAngle;        ///< field: faces at a smaller angle look smooth where they meet, radians; 0
+  SoMFInt32 set_normalIndex;    ///< eventIn: a new `normalIndex`
+  SoMFInt32 set_texCoordIndex;  ///< eventIn: a new `texCoordIndex`
 
   VrmlIndexedFaceSet();
 
   int getContainerFlags() const override;
   void generatePrimitives(SoAction* action) override;
-  SoDetail* createTriangleDetail(SoRayPickAction* action, const SoPrimitiveVertex* v1, const SoPrimitiveVertex* v2,
-                                 const SoPrimitiveVertex* v3, SoPickedPoint* point) override;
+  SoDetail* createTriangleDetail(SoRayPickAction* action, const SoPrimitiveVertex* v1,
+                                 const SoPrimitiveVertex* v2, const SoPrimitiveVertex* v3,
+                                 SoPickedPoint* point) override;
 
   void notify(SoNotList* list) override;
   void GLRender(SoGLRenderAction* action) override;
