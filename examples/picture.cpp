@@ -38,7 +38,8 @@ bool openContext() {
   if (!eglChooseConfig(display, wanted, &config, 1, &count) || count == 0) return false;
   const EGLint size[] = {EGL_WIDTH, width, EGL_HEIGHT, height, EGL_NONE};
   EGLSurface surface = eglCreatePbufferSurface(display, config, size);
-  return eglMakeCurrent(display, surface, surface, eglCreateContext(display, config, EGL_NO_CONTEXT, nullptr));
+  return eglMakeCurrent(display, surface, surface,
+                        eglCreateContext(display, config, EGL_NO_CONTEXT, nullptr));
 }
 
 /// The world's Viewpoint was bound, or moved: the camera goes there.
@@ -55,7 +56,8 @@ bool writePng(const char* file, const std::vector<unsigned char>& pixels) {
   png.version = PNG_IMAGE_VERSION;
   png.width = width, png.height = height;
   png.format = PNG_FORMAT_RGB;
-  return png_image_write_to_file(&png, file, 0, pixels.data(), -3 * width, nullptr);  // from the bottom row up
+  return png_image_write_to_file(&png, file, 0, pixels.data(), -3 * width,
+                                 nullptr);  // from the bottom row up
 }
 
 int main(int argc, char** argv) {

@@ -6,7 +6,7 @@ step=$1 build=$2 compiler=$3 version=$4
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 scratch=$build/test-scratch/install
 prefix=$scratch/prefix
-host=$here/host.cpp
+host=$here/../../examples/embed.cpp
 
 # An installed tree may be moved, so it is.
 make_prefix() {
@@ -17,11 +17,12 @@ make_prefix() {
 
 library_dir() { dirname "$(find "$prefix" -name libtessel.so)"; }
 
+# The example host says how large the world is.
 run_host() {
   local printed
-  printed=$(LD_LIBRARY_PATH=$(library_dir) "$1")
+  printed=$(LD_LIBRARY_PATH=$(library_dir) "$1" "$here/box.wrl")
   echo "$printed"
-  [ "$printed" = "$version" ] || { echo "expected $version"; exit 1; }
+  [ "$printed" = "2 x 3 x 4 metres" ] || { echo "expected: 2 x 3 x 4 metres"; exit 1; }
 }
 
 case $step in

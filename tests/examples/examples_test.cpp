@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The example hosts do what their texts say.
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "support/Paths.h"
+#include "support/Picture.h"
+
+using namespace tessel::test;
+
+namespace {
+
+struct Outcome {
+  int status;
+  std::string output;
+};
+
+Outcome run(const char* program, const std::string& arguments) {
+  const auto output = scratchDir() / "output.txt";
+  const auto command = builtProgram(program).string() + " " + arguments + " > " + output.string();
+  const int status = std::system(command.c_str());
+  std::ifstream in(output);
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, std::string(std::istreambuf_iterator<char>(in), {})};
+}
+
+}  // namespace
+
+TEST(Example, EmbedTellsTheSizeOfAWorld) {
+  const auto box = run("example-embed", testFile("install/box.wrl").string());
+  EXPECT_EQ(box.status, 0);
+  EXPECT_EQ(box.output, "2 x 3 x 4 metres\n");
+}
+
+TEST(Example, EmbedEndsInTheDefinedWayOnWhatIsNoWorld) {
+  const auto broken = scratchDir() / "broken.wrl";
+  std::ofstream(broken) << "#VRML V2.0 utf8\nGroup { childen [] }\n";
+  EXPECT_EQ(run("example-embed", broken.string() + " 2>&1").status, 1);
+  EXPECT_EQ(run("example-embed", (scratchDir() / "missing.wrl").string() + " 2>&1").status, 2);
+}
+
+TEST(ExampleGL, PictureShowsTheShowcaseWorld) {
+  const auto file = scratchDir() / "showcase.png";
+  ASSERT_EQ(run("example-picture", projectFile("examples/worlds/showcase.wrl").string() + " " + file.string())
+                .status,
+            0);
+  const auto picture = readPng(file);
+  ASSERT_EQ(picture.width, 640);
+  ASSERT_EQ(picture.height, 480);
+  const Colour sky = pixel(picture, 10, 470);
+  EXPECT_TRUE(near(sky, {237, 242, 250})) << sky;
+  const Colour tower = pixel(picture, 320, 180);
+  EXPECT_GT(tower.r, 2 * tower.b) << tower;
+  const Colour columnInTheBubble = pixel(picture, 197, 210), column = pixel(picture, 197, 240);
+  EXPECT_GT(columnInTheBubble.b, columnInTheBubble.r) << "the bubble is clear and blue";
+  EXPECT_GT(column.r, column.b) << "the column behind it is warm";
+}
