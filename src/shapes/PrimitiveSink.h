@@ -32,27 +32,42 @@ public:
     if (materialPerPart) materials.send(number, TRUE);
   }
   void normal(const SbVec3f& n) {
-    if constexpr (normals) glNormal3fv(n.getValue());
+    if constexpr (normals) {
+      held = n;
+      if (inRun) glNormal3fv(n.getValue());
+    }
   }
   void texCoord(float s, float t) {
     if constexpr (texCoords) glTexCoord2f(s, t);
   }
-  void begin(Run run) { glBegin(run == Run::strip ? GL_TRIANGLE_STRIP : GL_TRIANGLE_FAN); }
+  void begin(Run run) { beginPrimitive(run == Run::strip ? GL_TRIANGLE_STRIP : GL_TRIANGLE_FAN); }
   void vertex(const SbVec3f& p) { glVertex3fv(p.getValue()); }
-  void end() { glEnd(); }
+  void end() {
+    glEnd();
+    inRun = false;
+  }
 
   // Faces of four corners each, in one go.
-  void beginQuads() { glBegin(GL_QUADS); }
+  void beginQuads() { beginPrimitive(GL_QUADS); }
   void quad(const SbVec3f (&corners)[4], const SbVec2f (&st)[4]) {
     for (int i = 0; i < 4; ++i) {
       texCoord(st[i][0], st[i][1]);
       vertex(corners[i]);
     }
   }
-  void endQuads() { glEnd(); }
+  void endQuads() { end(); }
 
 private:
+  /// A normal outside glBegin and glEnd would cut a display list in two: drivers then draw it several times slower.
+  void beginPrimitive(GLenum primitive) {
+    glBegin(primitive);
+    inRun = true;
+    if constexpr (normals) glNormal3fv(held.getValue());
+  }
+
   SoMaterialBundle& materials;
+  SbVec3f held{0, 0, 1};  // the last normal
+  bool inRun = false;
   bool materialPerPart = false;
 };
 

@@ -1,0 +1,275 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// What does a frame cost beside a bare loop of the same draws?
+//
+// Run it with GALLIUM_NOOP=1 too: then the software driver does nothing, and only the library's own work is left.
+#include <benchmark/benchmark.h>
+
+#include <cmath>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <Inventor/SoDB.h>
+#include <Inventor/SoInteraction.h>
+#include <Inventor/SoPrimitiveVertex.h>
+#include <Inventor/actions/SoCallbackAction.h>
+#include <Inventor/nodes/SoPerspectiveCamera.h>
+#include <Inventor/nodes/SoSeparator.h>
+#include <Inventor/system/gl.h>
+
+#include <tessel/actions/VrmlPreTraverseAction.h>
+#include <tessel/actions/VrmlRenderAction.h>
+#include <tessel/core/VrmlDB.h>
+#include <tessel/core/VrmlTransform.h>
+#include <tessel/shapes/VrmlGeometry.h>
+#include <tessel/toolkit/SoRef.h>
+
+#include "host/gl/OffscreenContext.h"
+
+namespace {
+
+constexpr int width = 256, height = 256;
+
+/// A context, a camera that sees all of a world, and the action that draws it.
+class Frame {
+public:
+  explicit Frame(const std::string& text) : root(new SoSeparator), action(SbViewportRegion(width, height)) {
+    context().makeCurrent();
+    tessel::ReadStatus status;
+    world.reset(VrmlDB::read("#VRML V2.0 utf8\n" + text, "bench.wrl", status));
+    if (!world) std::abort();
+    camera = new SoPerspectiveCamera;
+    root->addChild(camera);
+    root->addChild(world.get());
+    root->renderCaching = SoSeparator::OFF;
+    camera->viewAll(world.get(), action.getViewportRegion(), 1);
+    action.setTransparencyType(SoGLRenderAction::SORTED_OBJECT_BLEND);
+    for (int i = 0; i < 8; ++i) draw();  // until every display list stands
+  }
+
+  void draw() {
+    clear();
+    preTraverse.apply(world.get());
+    action.apply(root.get());
+    glFinish();
+  }
+
+  void clear() {
+    context().makeCurrent();
+    glEnable(GL_DEPTH_TEST);
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+  }
+
+  SoNode* getWorld() const { return world.get(); }
+  const SoPerspectiveCamera* getCamera() const { return camera; }
+
+private:
+  static tessel::host::OffscreenContext& context() {
+    static std::string failure;
+    static const auto shared = tessel::host::OffscreenContext::create(width, height, failure);
+    return *shared;
+  }
+
+  tessel::SoRef<SoSeparator> root;
+  tessel::SoRef<SoNode> world;
+  SoPerspectiveCamera* camera;
+  VrmlRenderAction action;
+  VrmlPreTraverseAction preTraverse;
+};
+
+/// The rival: each shape's triangles in a display list of one glDrawElements, drawn in a loop that sets matrix
+/// and colour and nothing else.
+class BareLoop {
+public:
+  explicit BareLoop(const Frame& frame) : camera(frame.getCamera()) {
+    SoCallbackAction collect;
+    collect.addPreCallback(VrmlGeometry::getClassTypeId(), [](void* self, SoCallbackAction* action, const SoNode*) {
+      static_cast<BareLoop*>(self)->begin(action);
+      return SoCallbackAction::CONTINUE;
+    }, this);
+    collect.addTriangleCallback(VrmlGeometry::getClassTypeId(), [](void* self, SoCallbackAction*, const SoPrimitiveVertex* a,
+                                                       const SoPrimitiveVertex* b, const SoPrimitiveVertex* c) {
+      for (const SoPrimitiveVertex* v : {a, b, c}) static_cast<BareLoop*>(self)->corners.push_back({v->getNormal(), v->getPoint()});
+    }, this);
+    collect.addPostCallback(VrmlGeometry::getClassTypeId(), [](void* self, SoCallbackAction*, const SoNode*) {
+      static_cast<BareLoop*>(self)->end();
+      return SoCallbackAction::CONTINUE;
+    }, this);
+    collect.apply(frame.getWorld());
+  }
+
+  void draw(bool blended) const {
+    const SbViewVolume volume = camera->getViewVolume(static_cast<float>(width) / height);
+    SbMatrix viewing, projection;
+    volume.getMatrices(viewing, projection);
+    glMatrixMode(GL_PROJECTION);
+    glLoadMatrixf(projection[0]);
+    glMatrixMode(GL_MODELVIEW);
+    glEnable(GL_LIGHTING);
+    glEnable(GL_COLOR_MATERIAL);
+    if (blended) {
+      glEnable(GL_BLEND);
+      glDepthMask(GL_FALSE);
+    }
+    for (const Draw& d : draws) {
+      SbMatrix m = d.matrix;
+      m.multRight(viewing);
+      glLoadMatrixf(m[0]);
+      glColor4fv(d.colour.getValue());
+      glMaterialfv(GL_FRONT_AND_BACK, GL_AMBIENT, d.ambient.getValue());
+      glCallList(d.list);
+    }
+    if (blended) {
+      glDisable(GL_BLEND);
+      glDepthMask(GL_TRUE);
+    }
+    glFinish();
+  }
+
+  std::size_t size() const { return draws.size(); }
+  long triangles() const { return numTriangles; }
+
+private:
+  struct Corner {
+    SbVec3f normal, point;
+  };
+  struct Draw {
+    SbMatrix matrix;
+    SbVec4f colour, ambient;
+    GLuint list;
+  };
+
+  void begin(SoCallbackAction* action) {
+    SbColor ambient, diffuse, specular, emission;
+    float shininess, transparency;
+    action->getMaterial(ambient, diffuse, specular, emission, shininess, transparency);
+    draws.push_back({action->getModelMatrix(), SbVec4f(diffuse[0], diffuse[1], diffuse[2], 1 - transparency),
+                     SbVec4f(ambient[0], ambient[1], ambient[2], 1), 0});
+    corners.clear();
+  }
+
+  void end() {
+    std::vector<GLuint> index(corners.size());
+    for (std::size_t i = 0; i < index.size(); ++i) index[i] = static_cast<GLuint>(i);
+    glEnableClientState(GL_VERTEX_ARRAY);
+    glEnableClientState(GL_NORMAL_ARRAY);
+    glVertexPointer(3, GL_FLOAT, sizeof(Corner), &corners[0].point);
+    glNormalPointer(GL_FLOAT, sizeof(Corner), &corners[0].normal);
+    draws.back().list = glGenLists(1);
+    glNewList(draws.back().list, GL_COMPILE);
+    glDrawElements(GL_TRIANGLES, static_cast<GLsizei>(index.size()), GL_UNSIGNED_INT, index.data());
+    glEndList();
+    glDisableClientState(GL_VERTEX_ARRAY);
+    glDisableClientState(GL_NORMAL_ARRAY);
+    numTriangles += static_cast<long>(corners.size() / 3);
+  }
+
+  const SoPerspectiveCamera* camera;
+  std::vector<Draw> draws;
+  std::vector<Corner> corners;
+  long numTriangles = 0;
+};
+
+/// Numbers without pattern, the same in each run.
+float scatter(int i, int axis) {
+  const double x = std::sin(i * 12.9898 + axis * 78.233) * 43758.5453;
+  return static_cast<float>(x - std::floor(x)) * 2 - 1;
+}
+
+std::string place(int i, float reach) {
+  char text[120];
+  std::snprintf(text, sizeof text, "translation %.3f %.3f %.3f rotation 0 1 0 %.3f", scatter(i, 0) * reach,
+                scatter(i, 1) * reach, scatter(i, 2) * reach, scatter(i, 3) * 3);
+  return text;
+}
+
+std::string shape(int i, float transparency = 0, int geometry = 0) {
+  char text[300];
+  const char* const forms[] = {"Cylinder {}", "Box {}"};
+  std::snprintf(text, sizeof text,
+                "Shape { appearance Appearance { material Material { diffuseColor %.2f %.2f %.2f transparency %.2f } } "
+                "geometry %s }",
+                std::fabs(scatter(i, 4)), std::fabs(scatter(i, 5)), std::fabs(scatter(i, 6)), transparency, forms[geometry]);
+  return text;
+}
+
+/// Shapes under a tree of Transforms with eight branches each, or all in one group.
+std::string tree(int n, int& made, int arity) {
+  std::string text = "Transform { " + place(made + 7, 10) + " children [ ";
+  if (n <= arity)
+    for (int i = 0; i < n; ++i, ++made)
+      text += "DEF T" + std::to_string(made) + " Transform { " + place(made, 10) + " children " + shape(made) + " }\n";
+  else
+    for (int i = 0; i < arity; ++i) text += tree(n / arity + (i < n % arity ? 1 : 0), made, arity);
+  return text + "] }\n";
+}
+
+std::string shapesTree(int n) {
+  int made = 0;
+  return tree(n, made, 8);
+}
+
+std::string flat(int n) {
+  int made = 0;
+  return tree(n, made, n);
+}
+
+std::string glass(int n) {
+  std::string text = "Group { children [ ";
+  for (int i = 0; i < n; ++i) text += "Transform { " + place(i, 20) + " children " + shape(i, 0.5f, 1) + " }\n";
+  return text + "] }\n";
+}
+
+using Build = std::string (*)(int);
+constexpr Build builds[] = {shapesTree, flat, glass};
+
+void start() {
+  static const bool once = [] {
+    SoDB::init();
+    SoInteraction::init();
+    VrmlDB::init();
+    return true;
+  }();
+  (void)once;
+}
+
+void bare(benchmark::State& state) {
+  start();
+  Frame frame(builds[state.range(0)](static_cast<int>(state.range(1))));
+  const BareLoop loop(frame);
+  for (auto _ : state) {
+    frame.clear();
+    loop.draw(state.range(0) == 2);
+  }
+  state.counters["shapes"] = static_cast<double>(loop.size());
+  state.counters["triangles"] = static_cast<double>(loop.triangles());
+}
+
+void still(benchmark::State& state) {
+  start();
+  Frame frame(builds[state.range(0)](static_cast<int>(state.range(1))));
+  for (auto _ : state) frame.draw();
+}
+
+void moving(benchmark::State& state) {
+  start();
+  const int n = static_cast<int>(state.range(1));
+  Frame frame(builds[state.range(0)](n));
+  std::vector<VrmlTransform*> movers;
+  for (int i = 0; i < 10; ++i)
+    movers.push_back(static_cast<VrmlTransform*>(SoNode::getByName(("T" + std::to_string(i * n / 10)).c_str())));
+  int step = 0;
+  for (auto _ : state) {
+    ++step;
+    for (VrmlTransform* t : movers) t->translation.setValue(scatter(step, 0), 0, 0);
+    frame.draw();
+  }
+}
+
+}  // namespace
+
+// World (0 tree, 1 flat, 2 transparent boxes) and number of shapes.
+BENCHMARK(bare)->Args({0, 20000})->Args({1, 20000})->Args({2, 1000})->Unit(benchmark::kMillisecond);
+BENCHMARK(still)->Args({0, 20000})->Args({1, 20000})->Args({2, 1000})->Unit(benchmark::kMillisecond);
+BENCHMARK(moving)->Args({0, 20000})->Args({1, 20000})->Unit(benchmark::kMillisecond);
