@@ -16,12 +16,6 @@ using By = CornerIndices::By;
 // normals would make the search quadratic, and there is nothing to share at it.
 constexpr int searchLimit = 8;
 
-template <class T> void store(std::byte* out, const T& value) { std::memcpy(out, &value, sizeof value); }
-
-std::uint8_t byteOf(float value) {
-  return static_cast<std::uint8_t>(std::clamp(value, 0.0f, 1.0f) * 255 + 0.5f);
-}
-
 }  // namespace
 
 bool FaceMesh::canBeFlat(const FaceMeshSource& source) {
@@ -269,7 +263,7 @@ void FaceMesh::writeVertices(std::size_t first, std::size_t count, std::byte* ou
   const auto begin = static_cast<std::int32_t>(first), end = static_cast<std::int32_t>(first + count);
   const auto each = [&](std::size_t offset, auto&& valueOf) {
     std::byte* at = out + offset;
-    for (std::int32_t v = begin; v < end; ++v, at += stride) store(at, valueOf(v));
+    for (std::int32_t v = begin; v < end; ++v, at += stride) storeVertexPart(at, valueOf(v));
   };
   // The choice of an attribute's list is made once, not a vertex.
   const auto attribute = [&](std::size_t offset, const CornerIndices& of,
@@ -285,10 +279,7 @@ void FaceMesh::writeVertices(std::size_t first, std::size_t count, std::byte* ou
     else
       each(offset, [&](std::int32_t v) { return value(of(0, vertexPoint[v], 0)); });
   };
-  const auto color = [&](std::int32_t i) {
-    const SbColor& c = source.colors[i];
-    return std::array<std::uint8_t, 4>{byteOf(c[0]), byteOf(c[1]), byteOf(c[2]), source.alpha};
-  };
+  const auto color = [&](std::int32_t i) { return colorBytes(source.colors[i], source.alpha); };
   each(0, [&](std::int32_t v) { return source.points[vertexPoint[v]]; });
   if (form.normals)
     attribute(form.normalAt(), source.normal, vertexNormal,
@@ -302,11 +293,22 @@ void FaceMesh::writeVertices(std::size_t first, std::size_t count, std::byte* ou
   auto it = std::lower_bound(made.begin(), made.end(), begin, madeBefore);
   for (; it != made.end() && it->vertex < end; ++it) {
     std::byte* at = out + static_cast<std::size_t>(it->vertex - begin) * stride;
-    store(at, it->point);
-    if (form.normals && source.normal.by != By::face) store(at + form.normalAt(), it->normal);
-    if (form.colors && source.color.by != By::face) store(at + form.colorAt(), color(it->color));
-    if (form.texCoords) store(at + form.texCoordAt(), it->texCoord);
+    storeVertexPart(at, it->point);
+    if (form.normals && source.normal.by != By::face) storeVertexPart(at + form.normalAt(), it->normal);
+    if (form.colors && source.color.by != By::face) storeVertexPart(at + form.colorAt(), color(it->color));
+    if (form.texCoords) storeVertexPart(at + form.texCoordAt(), it->texCoord);
   }
+}
+
+BufferContent FaceMesh::content() const {
+  BufferContent result;
+  result.format = form;
+  result.vertexCount = vertexCount();
+  result.indices = triangles();
+  result.writeVertices = [this](std::size_t first, std::size_t count, std::byte* out) {
+    writeVertices(first, count, out);
+  };
+  return result;
 }
 
 }  // namespace tessel

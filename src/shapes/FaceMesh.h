@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include "shapes/BufferContent.h"
 #include "shapes/EarClipper.h"
 #include "shapes/FaceIndices.h"
 #include "shapes/PolygonTessellator.h"
@@ -46,18 +47,6 @@ public:
            ///< faces, so that there are up to three times fewer
   };
 
-  /// Where the values stand in a vertex, in bytes. A vertex begins with its position, three floats.
-  struct Format {
-    bool normals = false;    ///< three floats
-    bool colors = false;     ///< four bytes: red, green, blue, alpha
-    bool texCoords = false;  ///< two floats
-
-    std::size_t normalAt() const { return 12; }
-    std::size_t colorAt() const { return normals ? 24 : 12; }
-    std::size_t texCoordAt() const { return colorAt() + (colors ? 4 : 0); }
-    std::size_t stride() const { return texCoordAt() + (texCoords ? 8 : 0); }
-  };
-
   /// Whether the flat layout can show a source: something is per face, and nothing that takes part in the
   /// color varies inside a face.
   static bool canBeFlat(const FaceMeshSource& source);
@@ -65,13 +54,15 @@ public:
   /// Makes the triangles. Faces of fewer than three corners have none.
   void build(const FaceMeshSource& source, Layout layout);
 
-  Format format() const { return form; }
+  VertexFormat format() const { return form; }
   std::size_t vertexCount() const { return vertexPoint.size(); }
   /// Three numbers of vertices a triangle.
   std::span<const std::uint32_t> triangles() const { return triangleList; }
 
   /// Writes `count` vertices from number `first` on, in `format`. The values of the source must still be there.
   void writeVertices(std::size_t first, std::size_t count, std::byte* out) const;
+  /// All of it for buffers, as long as this mesh and its source stay.
+  BufferContent content() const;
 
 private:
   /// What a vertex is looked up by, apart from its point.
@@ -107,7 +98,7 @@ private:
   static bool madeBefore(const Made& m, std::int32_t vertex) { return m.vertex < vertex; }
 
   FaceMeshSource source;
-  Format form;
+  VertexFormat form;
   bool flat = false;
 
   std::vector<std::uint32_t> triangleList;

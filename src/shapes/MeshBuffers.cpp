@@ -13,7 +13,8 @@ namespace tessel {
 
 namespace {
 
-constexpr std::size_t largestShortMesh = 65536;  // vertices that two-byte indices reach
+constexpr std::size_t largestShortMesh =
+    65535;  // vertices that two-byte indices reach, beside an end of a strip
 
 const cc_glglue* glueOf(std::uint32_t context) { return cc_glglue_instance(static_cast<int>(context)); }
 
@@ -33,6 +34,15 @@ std::uint32_t contextOf(SoState* state) {
   return static_cast<std::uint32_t>(SoGLCacheContextElement::get(state));
 }
 
+using RestartFunction = void (*)(GLuint index);
+
+// Null if there is none. It is the same for all contexts.
+RestartFunction restartFunction(std::uint32_t context) {
+  static const auto function =
+      reinterpret_cast<RestartFunction>(cc_glglue_getprocaddress(glueOf(context), "glPrimitiveRestartIndex"));
+  return function;
+}
+
 // A place in the bound buffer, or in memory.
 const std::byte* place(const std::byte* base, std::size_t offset) {
   return reinterpret_cast<const std::byte*>(reinterpret_cast<std::uintptr_t>(base) + offset);
@@ -47,6 +57,11 @@ void copyShort(std::span<const std::uint32_t> from, std::byte* to) {
 }
 
 }  // namespace
+
+bool MeshBuffers::canEndStrips(SoState* state) {
+  const std::uint32_t context = contextOf(state);
+  return cc_glglue_glversion_matches_at_least(glueOf(context), 3, 1, 0) && restartFunction(context);
+}
 
 MeshBuffers::~MeshBuffers() {
   for (const InContext& in : contexts) {
@@ -72,11 +87,14 @@ bool MeshBuffers::isReady(SoState* state) const {
   return in && in->current;
 }
 
-void MeshBuffers::fill(SoState* state, const FaceMesh& mesh, bool large) {
+void MeshBuffers::fill(SoState* state, const BufferContent& mesh, bool large) {
   const std::uint32_t context = contextOf(state);
-  form = mesh.format();
-  indexCount = mesh.triangles().size();
-  shortIndices = mesh.vertexCount() <= largestShortMesh;
+  form = mesh.format;
+  vertexCount = mesh.vertexCount;
+  indexCount = mesh.indices.size();
+  shortIndices = vertexCount <= largestShortMesh;
+  isInOrder = mesh.isInOrder;
+  hasStripEnds = mesh.hasStripEnds;
   if (!large || SoGLCacheContextElement::getIsRemoteRendering(state) ||
       !cc_glglue_has_vertex_buffer_object(glueOf(context)))
     return fillMemory(mesh);
@@ -93,10 +111,10 @@ void MeshBuffers::releaseMemory() {
   indexMemory = {};
 }
 
-void MeshBuffers::fillMemory(const FaceMesh& mesh) {
-  vertexMemory.resize(mesh.vertexCount() * form.stride());
-  mesh.writeVertices(0, mesh.vertexCount(), vertexMemory.data());
-  const auto indices = mesh.triangles();
+void MeshBuffers::fillMemory(const BufferContent& mesh) {
+  vertexMemory.resize(vertexCount * form.stride());
+  mesh.writeVertices(0, vertexCount, vertexMemory.data());
+  const auto indices = mesh.indices;
   indexMemory.resize(indices.size() * (shortIndices ? 2 : 4));
   if (shortIndices)
     copyShort(indices, indexMemory.data());
@@ -105,7 +123,7 @@ void MeshBuffers::fillMemory(const FaceMesh& mesh) {
   inMemory = true;
 }
 
-void MeshBuffers::fillBuffers(InContext& in, const FaceMesh& mesh) const {
+void MeshBuffers::fillBuffers(InContext& in, const BufferContent& mesh) const {
   const cc_glglue* const glue = glueOf(in.context);
   if (!in.vertices) {
     cc_glglue_glGenBuffers(glue, 1, &in.vertices);
@@ -116,17 +134,17 @@ void MeshBuffers::fillBuffers(InContext& in, const FaceMesh& mesh) const {
 
   const std::size_t stride = form.stride(), perPiece = piece.size() / stride;
   cc_glglue_glBindBuffer(glue, GL_ARRAY_BUFFER, in.vertices);
-  cc_glglue_glBufferData(glue, GL_ARRAY_BUFFER, static_cast<intptr_t>(mesh.vertexCount() * stride), nullptr,
+  cc_glglue_glBufferData(glue, GL_ARRAY_BUFFER, static_cast<intptr_t>(vertexCount * stride), nullptr,
                          GL_STATIC_DRAW);
-  for (std::size_t first = 0; first < mesh.vertexCount(); first += perPiece) {
-    const std::size_t count = std::min(perPiece, mesh.vertexCount() - first);
+  for (std::size_t first = 0; first < vertexCount; first += perPiece) {
+    const std::size_t count = std::min(perPiece, vertexCount - first);
     mesh.writeVertices(first, count, piece.data());
     cc_glglue_glBufferSubData(glue, GL_ARRAY_BUFFER, static_cast<intptr_t>(first * stride),
                               static_cast<intptr_t>(count * stride), piece.data());
   }
   cc_glglue_glBindBuffer(glue, GL_ARRAY_BUFFER, 0);
 
-  const auto indices = mesh.triangles();
+  const auto indices = mesh.indices;
   cc_glglue_glBindBuffer(glue, GL_ELEMENT_ARRAY_BUFFER, in.indices);
   if (!shortIndices) {
     cc_glglue_glBufferData(glue, GL_ELEMENT_ARRAY_BUFFER, static_cast<intptr_t>(indices.size_bytes()),
@@ -146,8 +164,8 @@ void MeshBuffers::fillBuffers(InContext& in, const FaceMesh& mesh) const {
   in.current = true;
 }
 
-void MeshBuffers::draw(SoState* state) const {
-  if (indexCount == 0) return;
+void MeshBuffers::draw(SoState* state, unsigned primitive) const {
+  if ((isInOrder ? vertexCount : indexCount) == 0) return;
   const std::uint32_t context = contextOf(state);
   const cc_glglue* glue = nullptr;
   const std::byte *vertices = nullptr, *indices = nullptr;  // offsets, where buffers are bound
@@ -176,8 +194,17 @@ void MeshBuffers::draw(SoState* state) const {
     glEnableClientState(GL_TEXTURE_COORD_ARRAY);
     glTexCoordPointer(2, GL_FLOAT, stride, place(vertices, form.texCoordAt()));
   }
-  glDrawElements(GL_TRIANGLES, static_cast<GLsizei>(indexCount),
-                 shortIndices ? GL_UNSIGNED_SHORT : GL_UNSIGNED_INT, indices);
+  if (hasStripEnds) {
+    glEnable(GL_PRIMITIVE_RESTART);
+    restartFunction(context)(shortIndices ? std::uint16_t(BufferContent::endOfStrip)
+                                          : BufferContent::endOfStrip);
+  }
+  if (isInOrder)
+    glDrawArrays(primitive, 0, static_cast<GLsizei>(vertexCount));
+  else
+    glDrawElements(primitive, static_cast<GLsizei>(indexCount),
+                   shortIndices ? GL_UNSIGNED_SHORT : GL_UNSIGNED_INT, indices);
+  if (hasStripEnds) glDisable(GL_PRIMITIVE_RESTART);
 
   glDisableClientState(GL_VERTEX_ARRAY);
   if (form.normals) glDisableClientState(GL_NORMAL_ARRAY);

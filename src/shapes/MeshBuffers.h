@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include "shapes/FaceMesh.h"
+#include "shapes/BufferContent.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -28,13 +28,16 @@ public:
   bool isReady(SoState* state) const;
   /// Takes the mesh for that context, or for all contexts where it goes into memory.
   /// @param large  whether it is worth buffer objects
-  void fill(SoState* state, const FaceMesh& mesh, bool large);
-  /// Draws. Expects it ready. Leaves GL's current color undefined if the mesh has colors, and its normal.
-  void draw(SoState* state) const;
+  void fill(SoState* state, const BufferContent& mesh, bool large);
+  /// Draws its vertices, in the order of the indices, as primitives of GL such as GL_TRIANGLES. Expects it ready.
+  /// Leaves GL's current color undefined if the mesh has colors, and its normal.
+  void draw(SoState* state, unsigned primitive) const;
+  /// Whether a context can draw a mesh with ends of strips.
+  static bool canEndStrips(SoState* state);
   /// Frees what is in memory.
   void releaseMemory();
 
-  const FaceMesh::Format& format() const { return form; }
+  const VertexFormat& format() const { return form; }
 
 private:
   struct InContext {
@@ -44,12 +47,14 @@ private:
     bool current = false;
   };
   const InContext* find(std::uint32_t context) const;
-  void fillBuffers(InContext& in, const FaceMesh& mesh) const;
-  void fillMemory(const FaceMesh& mesh);
+  void fillBuffers(InContext& in, const BufferContent& mesh) const;
+  void fillMemory(const BufferContent& mesh);
 
-  FaceMesh::Format form;
+  VertexFormat form;
+  std::size_t vertexCount = 0;
   std::size_t indexCount = 0;
   bool shortIndices = false;  // two bytes each, not four
+  bool isInOrder = false, hasStripEnds = false;
   std::vector<InContext> contexts;
   bool inMemory = false;
   std::vector<std::byte> vertexMemory, indexMemory;

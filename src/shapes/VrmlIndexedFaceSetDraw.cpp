@@ -188,7 +188,7 @@ bool VrmlIndexedFaceSet::prepare(SoGLRenderAction* action) {
   const bool large = coordIndex.getNum() > FaceDrawing::autoCacheLimit;
   d.isFlat = large && !d.refuseFlat && FaceMesh::canBeFlat(mesh) && mayBeFlat();
   shop.mesh.build(mesh, d.isFlat ? FaceMesh::Layout::flat : FaceMesh::Layout::smooth);
-  d.buffers.fill(state, shop.mesh, large);
+  d.buffers.fill(state, shop.mesh.content(), large);
   d.madeFor = needs;
   d.status = FaceDrawing::Status::ready;
   if (large && !d.isAnimated) workshop().reset();
@@ -202,7 +202,7 @@ void VrmlIndexedFaceSet::draw(SoGLRenderAction* action) {
   const auto drawMesh = [&] {
     lazy->send(state, SoLazyElement::ALL_MASK);
     if (d.isFlat) SoGLLazyElement::sendFlatshading(state, TRUE);
-    d.buffers.draw(state);
+    d.buffers.draw(state, GL_TRIANGLES);
   };
   if (!needsTexCoords(state)) {
     drawMesh();

@@ -2,7 +2,6 @@
 #include <tessel/shapes/VrmlIndexedLineSet.h>
 
 #include <algorithm>
-#include <bit>
 #include <utility>
 
 #include <Inventor/SoPickedPoint.h>
@@ -24,15 +23,15 @@
 #include <tessel/shapes/VrmlCoordinate.h>
 
 #include "core/NodeClassImpl.h"
-#include "shapes/DrawList.h"
 #include "shapes/RealNode.h"
+#include "shapes/UnlitBuffers.h"
 #include "shapes/UnlitScope.h"
 
 namespace {
 
 using Cache = VrmlVertexPropertyCache;
 
-/// A set of more indices keeps a display list of its own.
+/// A set of more indices has buffers of its own, and keeps out of display lists.
 constexpr int autoCacheLimit = 1000;
 
 int valueAt(const SoMFInt32& list, int i) { return i < list.getNum() ? list.getValues(0)[i] : 0; }
@@ -47,13 +46,15 @@ std::span<const tessel::FieldSpec> VrmlIndexedLineSet::fields() {
   return table;
 }
 
-VrmlIndexedLineSet::VrmlIndexedLineSet() : drawList(std::make_unique<tessel::DrawList>()) { setUpFields(); }
+VrmlIndexedLineSet::VrmlIndexedLineSet() : buffers(std::make_unique<tessel::UnlitBuffers>()) {
+  setUpFields();
+}
 VrmlIndexedLineSet::~VrmlIndexedLineSet() = default;
 
 void VrmlIndexedLineSet::notify(SoNotList* list) {
   indicesDirty = true;
   indicesValid = false;
-  drawList->clear();
+  buffers->invalidate();
   if (list->getLastField() == &coordIndex) {
     polylineCounts = {};
     numSegments = numPolylines = -1;
@@ -110,7 +111,7 @@ bool VrmlIndexedLineSet::setupIndices() {
   const Sizes sizes{vpCache->numVerts, vpCache->numColors, coordIndex.getNum(), colorIndex.getNum()};
   if (sizes != checked) {
     indicesDirty = true;
-    drawList->clear();
+    buffers->invalidate();
   }
   countPolylinesAndSegments();
   if (indicesDirty && !areIndicesInRange()) return false;
@@ -167,12 +168,21 @@ bool VrmlIndexedLineSet::chooseColors() {
 
 // Drawing
 
+const std::int32_t* VrmlIndexedLineSet::colorIndices() const {
+  switch (colorSource) {
+    case ColorSource::colorIndex:
+      return colorIndex.getValues(0);
+    case ColorSource::coordIndex:
+      return coordIndex.getValues(0);
+    default:
+      return nullptr;
+  }
+}
+
 template <VrmlIndexedLineSet::ColorUse use> void VrmlIndexedLineSet::draw(bool asPoints) const {
   const Cache& vp = *vpCache;
   const std::int32_t* index = coordIndex.getValues(0);
-  const std::int32_t* colorI = colorSource == ColorSource::own          ? nullptr
-                               : colorSource == ColorSource::colorIndex ? colorIndex.getValues(0)
-                                                                        : index;
+  const std::int32_t* colorI = colorIndices();
   // An entry of -1 where a color is wanted leaves the last one.
   const auto sendColor = [&vp, colorI](int i) {
     const int which = colorI ? colorI[i] : i;
@@ -222,23 +232,70 @@ void VrmlIndexedLineSet::GLRender(SoGLRenderAction* action) {
   }
   unlit.send(*vpCache);
 
+  const auto use = static_cast<ColorUse>((vpCache->renderCase & Cache::needColors) >> 3);
+  const bool asPoints = SoDrawStyleElement::get(state) == SoDrawStyleElement::POINTS;
+  const bool large =
+      coordIndex.getNum() > autoCacheLimit && !SoGLCacheContextElement::getIsRemoteRendering(state);
+  SoGLCacheContextElement::shouldAutoCache(
+      state, large ? SoGLCacheContextElement::DONT_AUTO_CACHE : SoGLCacheContextElement::DO_AUTO_CACHE);
+  if (large && use != Pm && tessel::UnlitBuffers::serve(state) && tessel::MeshBuffers::canEndStrips(state)) {
+    drawFromBuffers(state, use, asPoints);
+    return;
+  }
   using Draw = void (VrmlIndexedLineSet::*)(bool) const;
   static constexpr Draw renderFunc[] = {&VrmlIndexedLineSet::draw<Om>, &VrmlIndexedLineSet::draw<Pm>,
                                         &VrmlIndexedLineSet::draw<Fm>, &VrmlIndexedLineSet::draw<Vm>};
-  const int use = (vpCache->renderCase & Cache::needColors) >> 3;
-  const bool asPoints = SoDrawStyleElement::get(state) == SoDrawStyleElement::POINTS;
-  const auto drawNow = [&] { (this->*renderFunc[use])(asPoints); };
-  if (coordIndex.getNum() <= autoCacheLimit) {
-    SoGLCacheContextElement::shouldAutoCache(state, SoGLCacheContextElement::DO_AUTO_CACHE);
-    drawNow();
-    return;
-  }
-  if (!SoGLCacheContextElement::getIsRemoteRendering(state))
-    SoGLCacheContextElement::shouldAutoCache(state, SoGLCacheContextElement::DONT_AUTO_CACHE);
-  const float alpha = vpCache->transpIsInVP ? Cache::colorAlpha : 1;
-  const std::uint64_t key = std::uint64_t{std::bit_cast<std::uint32_t>(alpha)} << 32 |
-                            static_cast<std::uint64_t>(use * 2 + asPoints);
-  drawList->draw(state, key, drawNow);
+  (this->*renderFunc[use])(asPoints);
+}
+
+void VrmlIndexedLineSet::drawFromBuffers(SoState* state, ColorUse use, bool asPoints) {
+  using tessel::BufferContent;
+  const tessel::UnlitBuffers::Key key{use, tessel::UnlitBuffers::alphaOf(*vpCache), 0, coordIndex.getNum()};
+  buffers->draw(state, key, asPoints ? GL_POINTS : GL_LINE_STRIP, [&](auto&& fill) {
+    const Cache& vp = *vpCache;
+    const std::int32_t* index = coordIndex.getValues(0);
+    const int n = coordIndex.getNum();
+    const bool colored = use != Om;
+
+    // Where a vertex is a point, in the color of its number if any, the list of indices serves as it is: its -1
+    // is the end of a strip.
+    const bool shared = use == Om || (use == Vm && colorSource == ColorSource::coordIndex);
+    if (shared && vp.numVerts <= 2 * n) {
+      BufferContent content = tessel::UnlitBuffers::vertices(
+          vp, vp.numVerts, colored, [](std::size_t i) { return i; },
+          [&vp](std::size_t i) { return i < static_cast<std::size_t>(vp.numColors) ? i : 0; });
+      content.indices = {reinterpret_cast<const std::uint32_t*>(index), static_cast<std::size_t>(n)};
+      content.hasStripEnds = true;
+      fill(content);
+      return;
+    }
+
+    // Else there is a vertex an entry. As in the loops, an entry of -1 where a color is wanted leaves the last one.
+    std::vector<std::uint32_t> order(static_cast<std::size_t>(n));
+    std::vector<std::int32_t> colorAt(colored ? order.size() : 0);
+    const std::int32_t* colorI = colorIndices();
+    std::int32_t line = 0, color = 0;
+    bool begins = true;
+    for (int i = 0; i < n; ++i) {
+      const bool ends = index[i] == -1;
+      order[static_cast<std::size_t>(i)] = ends ? BufferContent::endOfStrip : static_cast<std::uint32_t>(i);
+      if (colored) {
+        if (use == Fm ? begins : !ends) {
+          const std::int32_t wanted = use == Vm ? colorI[i] : colorI ? colorI[line] : line;
+          if (wanted >= 0) color = wanted;
+        }
+        colorAt[static_cast<std::size_t>(i)] = color;
+      }
+      begins = ends;
+      line += ends;
+    }
+    BufferContent content = tessel::UnlitBuffers::vertices(
+        vp, n, colored, [index](std::size_t i) { return std::max(index[i], 0); },
+        [&colorAt](std::size_t i) { return colorAt[i]; });
+    content.indices = order;
+    content.hasStripEnds = true;
+    fill(content);
+  });
 }
 
 // Other actions

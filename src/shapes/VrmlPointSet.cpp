@@ -2,7 +2,7 @@
 #include <tessel/shapes/VrmlPointSet.h>
 
 #include <algorithm>
-#include <bit>
+#include <vector>
 
 #include <Inventor/SoPickedPoint.h>
 #include <Inventor/SoPrimitiveVertex.h>
@@ -20,13 +20,13 @@
 #include <tessel/shapes/VrmlCoordinate.h>
 
 #include "core/NodeClassImpl.h"
-#include "shapes/DrawList.h"
 #include "shapes/RealNode.h"
+#include "shapes/UnlitBuffers.h"
 #include "shapes/UnlitScope.h"
 
 namespace {
 
-/// From this many points on a set keeps a display list of its own.
+/// From this many points on a set has buffers of its own, and keeps out of display lists.
 constexpr int autoCacheLimit = 500;
 /// From this many on the box is kept.
 constexpr int bboxCacheLimit = 9;
@@ -52,11 +52,11 @@ template <class Use> void forEachPoint(int n, float step, Use use) {
 
 std::span<const tessel::FieldSpec> VrmlPointSet::fields() { return {}; }
 
-VrmlPointSet::VrmlPointSet() : drawList(std::make_unique<tessel::DrawList>()) { setUpFields(); }
+VrmlPointSet::VrmlPointSet() : buffers(std::make_unique<tessel::UnlitBuffers>()) { setUpFields(); }
 VrmlPointSet::~VrmlPointSet() = default;
 
 void VrmlPointSet::notify(SoNotList* list) {
-  drawList->clear();
+  buffers->invalidate();
   VrmlVertexShape::notify(list);
 }
 
@@ -81,31 +81,36 @@ void VrmlPointSet::GLRender(SoGLRenderAction* action) {
   vpCache->fillInCache(points, colors, nullptr, nullptr, !perVertex, false, state);
   unlit.send(*vpCache);
 
+  const bool large = n >= autoCacheLimit && !SoGLCacheContextElement::getIsRemoteRendering(state);
+  SoGLCacheContextElement::shouldAutoCache(
+      state, large ? SoGLCacheContextElement::DONT_AUTO_CACHE : SoGLCacheContextElement::DO_AUTO_CACHE);
+
+  const VrmlVertexPropertyCache& vp = *vpCache;
   const float step = thinning(state);
-  const auto draw = [&] {
-    const VrmlVertexPropertyCache& vp = *vpCache;
-    const auto point = [&](int i) { vp.vertexFunc(vp.at(vp.vertexPtr, vp.vertexStride, i)); };
-    glBegin(GL_POINTS);
-    if (vp.colorIsInVP)
-      forEachPoint(n, step, [&](int i) {
-        vp.colorFunc(vp.at(vp.colorPtr, vp.colorStride, i));
-        point(i);
-      });
-    else
-      forEachPoint(n, step, point);
-    glEnd();
-  };
-  if (n < autoCacheLimit) {
-    SoGLCacheContextElement::shouldAutoCache(state, SoGLCacheContextElement::DO_AUTO_CACHE);
-    draw();
+  if (large && tessel::UnlitBuffers::serve(state)) {
+    const tessel::UnlitBuffers::Key key{vp.colorIsInVP, tessel::UnlitBuffers::alphaOf(vp), step, n};
+    buffers->draw(state, key, GL_POINTS, [&](auto&& fill) {
+      const auto same = [](std::size_t i) { return i; };
+      tessel::BufferContent content = tessel::UnlitBuffers::vertices(vp, n, vp.colorIsInVP, same, same);
+      std::vector<std::uint32_t> kept;
+      if (step > 0) forEachPoint(n, step, [&](int i) { kept.push_back(static_cast<std::uint32_t>(i)); });
+      content.indices = kept;
+      content.isInOrder = kept.empty();
+      fill(content);
+    });
     return;
   }
-  if (!SoGLCacheContextElement::getIsRemoteRendering(state))
-    SoGLCacheContextElement::shouldAutoCache(state, SoGLCacheContextElement::DONT_AUTO_CACHE);
-  const float alpha = vpCache->transpIsInVP ? VrmlVertexPropertyCache::colorAlpha : 1;
-  const std::uint64_t key = std::uint64_t{std::bit_cast<std::uint32_t>(step)} << 32 |
-                            std::bit_cast<std::uint32_t>(vpCache->colorIsInVP ? alpha : -1.0f);
-  drawList->draw(state, key, draw);
+
+  const auto point = [&](int i) { vp.vertexFunc(vp.at(vp.vertexPtr, vp.vertexStride, i)); };
+  glBegin(GL_POINTS);
+  if (vp.colorIsInVP)
+    forEachPoint(n, step, [&](int i) {
+      vp.colorFunc(vp.at(vp.colorPtr, vp.colorStride, i));
+      point(i);
+    });
+  else
+    forEachPoint(n, step, point);
+  glEnd();
 }
 
 void VrmlPointSet::generatePrimitives(SoAction* action) {

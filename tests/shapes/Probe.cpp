@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "shapes/Probe.h"
 
-#include <GL/gl.h>
-
 #include <Inventor/SoPath.h>
 #include <Inventor/SoPickedPoint.h>
 #include <Inventor/SoPrimitiveVertex.h>
@@ -14,10 +12,9 @@
 #include <Inventor/details/SoCylinderDetail.h>
 #include <Inventor/details/SoLineDetail.h>
 #include <Inventor/details/SoPointDetail.h>
-#include <Inventor/elements/SoGLCacheContextElement.h>
 #include <Inventor/nodes/SoComplexity.h>
 #include <Inventor/nodes/SoDirectionalLight.h>
-#include <Inventor/nodes/SoOrthographicCamera.h>
+#include <Inventor/nodes/SoSeparator.h>
 
 namespace tessel::test {
 namespace {
@@ -91,32 +88,8 @@ double volumeOf(const std::vector<Triangle>& triangles) {
   return sum;
 }
 
-Stage::Stage(SoNode* scene, int pixels)
-    : size(pixels), context(openContext(pixels, pixels)), top(new SoSeparator) {
-  auto* camera = new SoOrthographicCamera;
-  camera->position.setValue(0, 0, 10);
-  camera->nearDistance = 1;
-  camera->farDistance = 20;
-  camera->height = 4;
-  top->addChild(camera);
-  top->addChild(new SoDirectionalLight);
-  top->addChild(scene);
-  action = std::make_unique<VrmlRenderAction>(
-      SbViewportRegion(static_cast<short>(pixels), static_cast<short>(pixels)));
-  action->setCacheContext(SoGLCacheContextElement::getUniqueCacheContext());
-  glEnable(GL_DEPTH_TEST);
-}
+LitDrawing::LitDrawing(SoNode* scene) : Drawing(scene) { root->insertChild(new SoDirectionalLight, 1); }
 
-host::Image Stage::draw() {
-  glClearColor(0, 0, 0, 1);
-  glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-  action->apply(top.get());
-  return context->picture();
-}
-
-Colour Stage::at(const host::Image& picture, float x, float y) const {
-  const auto place = [this](float c) { return static_cast<int>((c + 2) / 4 * static_cast<float>(size)); };
-  return pixel(picture, place(x), place(y));
-}
+int countLit(SoNode* scene) { return countLit(LitDrawing(scene).frame()); }
 
 }  // namespace tessel::test

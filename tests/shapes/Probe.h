@@ -2,19 +2,14 @@
 #pragma once
 
 #include <array>
-#include <memory>
 #include <vector>
 
 #include <Inventor/SbBox3f.h>
 #include <Inventor/SbVec3f.h>
 #include <Inventor/SbVec4f.h>
 #include <Inventor/nodes/SoNode.h>
-#include <Inventor/nodes/SoSeparator.h>
 
-#include <tessel/actions/VrmlRenderAction.h>
-#include <tessel/toolkit/SoRef.h>
-
-#include "support/Picture.h"
+#include "support/Drawing.h"
 
 namespace tessel::test {
 
@@ -43,23 +38,12 @@ std::vector<Triangle> trianglesOf(SoNode* scene, float complexity = 0.5f);
 /// The volume inside a closed surface; negative if its triangles are clockwise from outside.
 double volumeOf(const std::vector<Triangle>& triangles);
 
-/// A scene before an orthographic camera that looks along -z at x and y from -2 to 2, with a light beside it.
-class Stage {
+/// A drawing with a light that shines straight on.
+class LitDrawing : public Drawing {
 public:
-  explicit Stage(SoNode* scene, int size = 64);
-
-  /// Draws a frame on black.
-  host::Image draw();
-  /// The colour at a place of the scene.
-  Colour at(const host::Image& picture, float x, float y) const;
-
-  SoSeparator* root() const { return top.get(); }
-
-private:
-  int size;
-  std::unique_ptr<host::OffscreenContext> context;
-  SoRef<SoSeparator> top;
-  std::unique_ptr<VrmlRenderAction> action;
+  explicit LitDrawing(SoNode* scene);
 };
+/// How many pixels a scene lights.
+int countLit(SoNode* scene);
 
 }  // namespace tessel::test

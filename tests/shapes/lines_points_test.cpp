@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include <gtest/gtest.h>
 
+#include <GL/gl.h>
+
 #include <cmath>
+#include <sstream>
 
 #include <tessel/actions/VrmlCountAction.h>
 #include <tessel/shapes/VrmlColor.h>
@@ -10,6 +13,7 @@
 #include <tessel/shapes/VrmlPointSet.h>
 
 #include <Inventor/actions/SoCallbackAction.h>
+#include <Inventor/elements/SoGLCacheContextElement.h>
 #include <Inventor/nodes/SoComplexity.h>
 #include <Inventor/nodes/SoDrawStyle.h>
 
@@ -34,17 +38,30 @@ const std::string threeLines =
 const std::string redGreenBlue = "color Color { color [ 1 0 0, 0 1 0, 0 0 1 ] } ";
 
 /// The colour that was drawn round a place: lines are thin.
-Colour drawnAt(const Stage& stage, const tessel::host::Image& picture, float x, float y) {
+Colour drawnAt(const Drawing& drawing, float x, float y) {
   for (const float off : {0.0f, -0.05f, 0.05f})
-    if (const Colour c = stage.at(picture, x, y + off); c != black) return c;
+    if (const Colour c = drawing.at(x, y + off); c != black) return c;
   return black;
 }
 
-void expectThree(const Stage& stage, const tessel::host::Image& picture, const Colour& top,
-                 const Colour& middle, const Colour& bottom) {
-  EXPECT_EQ(drawnAt(stage, picture, 0.5f, 1), top);
-  EXPECT_EQ(drawnAt(stage, picture, 0.5f, 0), middle);
-  EXPECT_EQ(drawnAt(stage, picture, 0.5f, -1), bottom);
+/// Draws a frame and looks at the three lines.
+void expectThree(Drawing& drawing, const Colour& top, const Colour& middle, const Colour& bottom) {
+  drawing.frame();
+  EXPECT_EQ(drawnAt(drawing, 0.5f, 1), top);
+  EXPECT_EQ(drawnAt(drawing, 0.5f, 0), middle);
+  EXPECT_EQ(drawnAt(drawing, 0.5f, -1), bottom);
+}
+
+/// `text` with each word that begins with @ as often as told, without its @.
+std::string repeated(const std::string& text, int times) {
+  std::istringstream in(text);
+  std::string word, result;
+  while (in >> word)
+    if (word[0] != '@')
+      result += word + ' ';
+    else
+      for (int i = 0; i < times; ++i) result += word.substr(1) + ' ';
+  return result;
 }
 
 int countSegments(SoNode* scene) {
@@ -93,7 +110,7 @@ TEST(IndexedLineSet, CountsSegmentsOfOpenAndEmptyPolylines) {
 }
 
 TEST(IndexedLineSet, CountsAgainWhenIndicesChange) {
-  TestWorld world(lines(threeLines));
+  TestWorld world(lines(repeated(threeLines, 0)));
   EXPECT_EQ(countSegments(world.root()), 3);
   const int32_t indices[] = {0, 1, 2, 3};
   world.get<VrmlIndexedLineSet>("L")->set_coordIndex.setValues(0, 4, indices);
@@ -107,30 +124,34 @@ TEST(IndexedLineSet, CountsAgainWhenIndicesChange) {
 TEST(LinesGL, TakeTheirColours) {
   const auto draw = [](const std::string& body, const Colour& top, const Colour& middle,
                        const Colour& bottom) {
-    SCOPED_TRACE(body);
-    TestWorld world(lines(threeLines + body));
-    Stage stage(world.root());
-    expectThree(stage, stage.draw(), top, middle, bottom);
-    EXPECT_EQ(world.messages.count("Vrml"), 0) << world.messages.text();
+    for (const int size : {0, 1000}) {  // a few, and so many that they have buffers of their own
+      SCOPED_TRACE(body + std::to_string(size));
+      TestWorld world(lines(repeated(threeLines + body, size)));
+      LitDrawing drawing(world.root());
+      for (int frame = 0; frame < 3; ++frame) expectThree(drawing, top, middle, bottom);
+      EXPECT_EQ(world.messages.count("Vrml"), 0) << world.messages.text();
+    }
   };
+  const Colour grey{204, 204, 204};
+  draw("", grey, grey, grey);
+  draw("color Color { color [ ] }", grey, grey, grey);  // as if there were none
   draw("colorPerVertex FALSE " + redGreenBlue, red, green, blue);
   draw("colorPerVertex FALSE colorIndex [ 2 0 1 ] " + redGreenBlue, blue, red, green);
-  draw("colorIndex [ 0 0 -1 2 2 -1 1 1 ] " + redGreenBlue, red, blue, green);
+  draw("colorIndex [ 0 0 -1 2 2 -1 1 1 @1 ] " + redGreenBlue, red, blue, green);
   draw("color Color { color [ 1 0 0, 1 0 0, 0 1 0, 0 1 0, 0 0 1, 0 0 1 ] }", red, green,
        blue);  // by coordIndex
-  draw("color Color { color [ ] }", {204, 204, 204}, {204, 204, 204},
-       {204, 204, 204});  // as if there were none
-  // An index of -1 where a colour is wanted keeps the last one.
+  // An index of -1 where a colour is wanted leaves the last one.
   draw("colorPerVertex FALSE colorIndex [ 1 -1 2 ] " + redGreenBlue, green, green, blue);
+  draw("colorIndex [ 0 0 -1 -1 -1 -1 1 1 @-1 ] " + redGreenBlue, red, red, green);
 }
 
 TEST(LinesGL, KnowNeitherLightNorTexture) {
   const std::string appearance =
       "appearance Appearance { material Material { diffuseColor 1 0 0 } texture PixelTexture { image 1 1 3 "
       "0x0000FF } } ";
-  TestWorld world("Shape { " + appearance + "geometry IndexedLineSet { " + threeLines + "} }");
-  Stage stage(world.root());
-  expectThree(stage, stage.draw(), red, red, red);
+  TestWorld world("Shape { " + appearance + "geometry IndexedLineSet { " + repeated(threeLines, 0) + "} }");
+  LitDrawing drawing(world.root());
+  expectThree(drawing, red, red, red);
 }
 
 TEST(LinesGL, AnEmptyPolylineTakesAColour) {
@@ -138,18 +159,18 @@ TEST(LinesGL, AnEmptyPolylineTakesAColour) {
       lines("coord Coordinate { point [ -1 1 0, 1 1 0, -1 -1 0, 1 -1 0 ] } coordIndex [ 0 1 -1 -1 2 3 ] "
             "colorPerVertex FALSE " +
             redGreenBlue));
-  Stage stage(world.root());
-  expectThree(stage, stage.draw(), red, black, blue);
+  LitDrawing drawing(world.root());
+  expectThree(drawing, red, black, blue);
 }
 
 TEST(LinesGL, PointStyleDrawsTheVertices) {
-  TestWorld world(lines(threeLines));
+  TestWorld world(lines(repeated(threeLines, 0)));
   const tessel::SoRef<SoSeparator> root(new SoSeparator);
   auto* style = new SoDrawStyle;
   style->style = SoDrawStyle::POINTS;
   root->addChild(style);
   root->addChild(world.root());
-  EXPECT_EQ(countLit(Stage(root.get()).draw()), 6);
+  EXPECT_EQ(countLit(root.get()), 6);
 }
 
 struct BadLines {
@@ -164,14 +185,14 @@ class BadLinesGL : public ::testing::TestWithParam<BadLines> {};
 TEST_P(BadLinesGL, AreReportedAndNotDrawn) {
   TestWorld world(lines(GetParam().body));
   ASSERT_TRUE(world.root()) << world.messages.text();
-  Stage stage(world.root());
-  EXPECT_EQ(countLit(stage.draw()), 0);
+  LitDrawing drawing(world.root());
+  EXPECT_EQ(countLit(drawing.frame()), 0);
   EXPECT_EQ(world.messages.count(GetParam().message), 1) << world.messages.text();
-  EXPECT_EQ(countLit(stage.draw()), 0);
+  EXPECT_EQ(countLit(drawing.frame()), 0);
   EXPECT_EQ(world.messages.count(GetParam().message), GetParam().everyFrame ? 2 : 1) << world.messages.text();
   // A change of the node lets it try again.
   world.get<VrmlIndexedLineSet>("L")->touch();
-  stage.draw();
+  drawing.frame();
   EXPECT_EQ(world.messages.count(GetParam().message), GetParam().everyFrame ? 3 : 2);
   hitsOf(world.root(), {0, 0, 10}, {0, 0, -1});
 }
@@ -218,18 +239,17 @@ TEST(LinesGL, ALargeSetIsDrawnAlikeEveryFrameAndFollowsChanges) {
   TestWorld world(lines(
       "coord DEF C Coordinate { point [ -1 1 0, 1 1 0, -1 0 0, 1 0 0, -1 -1 0, 1 -1 0 ] } coordIndex [ " +
       indices + "] colorPerVertex FALSE color DEF K Color { color [ " + colours + "] }"));
-  Stage stage(world.root());
-  for (int frame = 0; frame < 5; ++frame) expectThree(stage, stage.draw(), red, green, blue);
+  LitDrawing drawing(world.root());
+  for (int frame = 0; frame < 5; ++frame) expectThree(drawing, red, green, blue);
   auto* coordinates = world.get<VrmlCoordinate>("C");
   coordinates->point.set1Value(0, SbVec3f(-1, 1.5f, 0));
   coordinates->point.set1Value(1, SbVec3f(1, 1.5f, 0));
   for (int frame = 0; frame < 5; ++frame) {
-    const auto picture = stage.draw();
-    expectThree(stage, picture, black, green, blue);
-    EXPECT_EQ(drawnAt(stage, picture, 0.5f, 1.5f), red);
+    expectThree(drawing, black, green, blue);
+    EXPECT_EQ(drawnAt(drawing, 0.5f, 1.5f), red);
   }
   world.get<VrmlColor>("K")->color.setNum(3);
-  EXPECT_EQ(countLit(stage.draw()), 0);
+  EXPECT_EQ(countLit(drawing.frame()), 0);
   EXPECT_EQ(world.messages.count("only 3 colors given (1200 needed)"), 1) << world.messages.text();
 }
 
@@ -239,17 +259,16 @@ TEST(PointsGL, TakeTheirColours) {
   TestWorld world(
       points("coord Coordinate { point [ 0.5 1 0, 0.5 0 0, 0.5 -1 0 ] } "
              "color Color { color [ 1 0 0, 0 1 0, 0 0 1, 1 1 1 ] }"));
-  Stage stage(world.root());
-  const auto picture = stage.draw();
-  expectThree(stage, picture, red, green, blue);
-  EXPECT_EQ(countLit(picture), 3);
+  LitDrawing drawing(world.root());
+  expectThree(drawing, red, green, blue);
+  EXPECT_EQ(countLit(drawing.frame()), 3);
 }
 
 TEST(PointsGL, SurplusPointsAreNotDrawn) {
   TestWorld world(points(
       "coord Coordinate { point [ 0.5 1 0, 0.5 0 0, 0.5 -1 0 ] } color Color { color [ 1 0 0, 0 1 0 ] }"));
-  Stage stage(world.root());
-  expectThree(stage, stage.draw(), red, green, black);
+  LitDrawing drawing(world.root());
+  expectThree(drawing, red, green, black);
   EXPECT_EQ(world.messages.count("VrmlPointSet::GLRender(): too few colors specified\n"), 1)
       << world.messages.text();
 }
@@ -257,7 +276,7 @@ TEST(PointsGL, SurplusPointsAreNotDrawn) {
 TEST(PointsGL, WithoutPointsNothing) {
   for (const char* body : {"", "coord Coordinate { point [ ] }", "coord NULL color Color { }"}) {
     TestWorld world(points(body));
-    EXPECT_EQ(countLit(Stage(world.root()).draw()), 0) << body;
+    EXPECT_EQ(countLit(world.root()), 0) << body;
     EXPECT_TRUE(boxOf(world.root()).isEmpty()) << body;
     EXPECT_EQ(countPrimitives(world.root()), 0) << body;
     EXPECT_TRUE(hitsOf(world.root(), {0, 0, 10}, {0, 0, -1}).empty()) << body;
@@ -276,7 +295,7 @@ TEST(PointsGL, LowComplexityThinsThePicture) {
     detailed->value = complexity;
     root->addChild(detailed);
     root->addChild(world.root());
-    const int lit = countLit(Stage(root.get()).draw());
+    const int lit = countLit(root.get());
     EXPECT_EQ(countPrimitives(world.root(), complexity), lit);
     EXPECT_EQ(hitsOf(world.root(), {(59 - 30) / 16.0f + 0.03f, 0.03f, 10}, {0, 0, -1}).size(), 1u);
     return lit;
@@ -291,21 +310,30 @@ TEST(PointsGL, ALargeSetIsDrawnAlikeEveryFrameAndFollowsChanges) {
   std::string many;
   for (int i = 0; i < 600; ++i) many += "0.5 1 0, 0.5 0 0, ";
   TestWorld world(points("coord DEF C Coordinate { point [ " + many + "] }"));
-  Stage stage(world.root());
+  LitDrawing drawing(world.root());
   const Colour grey{204, 204, 204};
-  for (int frame = 0; frame < 5; ++frame) expectThree(stage, stage.draw(), grey, grey, black);
+  for (int frame = 0; frame < 5; ++frame) expectThree(drawing, grey, grey, black);
   world.get<VrmlCoordinate>("C")->point.set1Value(7, SbVec3f(0.5f, -1, 0));
-  for (int frame = 0; frame < 5; ++frame) expectThree(stage, stage.draw(), grey, grey, grey);
+  for (int frame = 0; frame < 5; ++frame) expectThree(drawing, grey, grey, grey);
 }
 
-TEST(PointsGL, ALargeSetInTwoContexts) {
+TEST(PointsGL, ALargeSetServesTwoContextsAndOutlivesOne) {
   std::string many;
   for (int i = 0; i < 600; ++i) many += "0.5 1 0, ";
   TestWorld world(points("coord Coordinate { point [ " + many + "] }"));
-  for (int i = 0; i < 3; ++i) {
-    Stage stage(world.root());
-    for (int frame = 0; frame < 3; ++frame) EXPECT_EQ(countLit(stage.draw()), 1) << i << ' ' << frame;
+  LitDrawing first(world.root());
+  EXPECT_EQ(countLit(first.frame()), 1);
+  {
+    const auto context = openContext(Drawing::size, Drawing::size);
+    VrmlRenderAction action(SbViewportRegion(Drawing::size, Drawing::size));
+    action.setCacheContext(SoGLCacheContextElement::getUniqueCacheContext());
+    for (int frame = 0; frame < 3; ++frame) {
+      glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+      action.apply(first.root.get());
+      EXPECT_EQ(countLit(context->picture()), 1);
+    }
   }
+  EXPECT_EQ(countLit(first.frame()), 1);
 }
 
 // Boxes and picking

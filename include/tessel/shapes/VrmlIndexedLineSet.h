@@ -6,7 +6,7 @@
 #include <Inventor/fields/SoSFBool.h>
 
 namespace tessel {
-class DrawList;
+class UnlitBuffers;
 }
 
 /// Polylines, drawn without light or texture, in the colors of `color` or else in that of the state.
@@ -52,9 +52,12 @@ private:
   bool chooseColors();
   static int getMaterialBinding(SoAction* action);
   void doVertexPropertyAction(SoAction* action);
+  /// The list that the colors follow; null if they come in their own order.
+  const std::int32_t* colorIndices() const;
   template <ColorUse use> void draw(bool asPoints) const;
+  void drawFromBuffers(SoState* state, ColorUse use, bool asPoints);
 
-  std::unique_ptr<tessel::DrawList> drawList;
+  std::unique_ptr<tessel::UnlitBuffers> buffers;
   std::vector<int> polylineCounts;  // vertices of each polyline
   int numSegments = -1;             // negative: not counted
   int numPolylines = -1;

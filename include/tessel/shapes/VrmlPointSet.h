@@ -4,7 +4,7 @@
 #include <tessel/shapes/VrmlVertexShape.h>
 
 namespace tessel {
-class DrawList;
+class UnlitBuffers;
 }
 
 /// Points, drawn without light or texture, in the colors of `color` or else in that of the state.
@@ -33,5 +33,5 @@ protected:
   ~VrmlPointSet() override;
 
 private:
-  std::unique_ptr<tessel::DrawList> drawList;
+  std::unique_ptr<tessel::UnlitBuffers> buffers;
 };

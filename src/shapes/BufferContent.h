@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <functional>
+#include <span>
+
+#include <Inventor/SbColor.h>
+
+namespace tessel {
+
+/// Where the values stand in a vertex, in bytes. A vertex begins with its position, three floats.
+struct VertexFormat {
+  bool normals = false;    ///< three floats
+  bool colors = false;     ///< four bytes: red, green, blue, alpha
+  bool texCoords = false;  ///< two floats
+
+  std::size_t normalAt() const { return 12; }
+  std::size_t colorAt() const { return normals ? 24 : 12; }
+  std::size_t texCoordAt() const { return colorAt() + (colors ? 4 : 0); }
+  std::size_t stride() const { return texCoordAt() + (texCoords ? 8 : 0); }
+};
+
+/// Writes a value as a part of a vertex.
+template <class T> void storeVertexPart(std::byte* out, const T& value) {
+  std::memcpy(out, &value, sizeof value);
+}
+
+/// A color as a vertex holds it.
+inline std::array<std::uint8_t, 4> colorBytes(const SbColor& color, std::uint8_t alpha) {
+  const auto byteOf = [](float value) {
+    return value > 0 ? static_cast<std::uint8_t>((value < 1 ? value : 1) * 255 + 0.5f) : std::uint8_t{0};
+  };
+  return {byteOf(color[0]), byteOf(color[1]), byteOf(color[2]), alpha};
+}
+
+/// A mesh on its way into buffers.
+struct BufferContent {
+  /// An index that ends a strip, so that the next vertex begins another.
+  static constexpr std::uint32_t endOfStrip = 0xFFFFFFFF;
+
+  VertexFormat format;
+  std::size_t vertexCount = 0;
+  /// Numbers of vertices in the order of drawing. Must live until the buffers are filled.
+  std::span<const std::uint32_t> indices;
+  bool isInOrder = false;     ///< no indices: all vertices in their order
+  bool hasStripEnds = false;  ///< whether `indices` has ends of strips
+  /// Writes `count` vertices from number `first` on. Called for large pieces.
+  std::function<void(std::size_t first, std::size_t count, std::byte* out)> writeVertices;
+};
+
+}  // namespace tessel
