@@ -197,8 +197,8 @@ template <VrmlIndexedLineSet::ColorUse use> void VrmlIndexedLineSet::draw(bool a
   [[maybe_unused]] int segment = 0;
   for (const int n : polylineCounts) {
     const int end = p + n;
-    if constexpr (use == Fm) sendColor(line);
     glBegin(primitive);
+    if constexpr (use == Fm) sendColor(line);  // before glBegin it would cut a display list in two
     if constexpr (use == Pm) {
       for (; p < end - 1; ++p) {
         sendColor(segment++);
