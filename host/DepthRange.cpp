@@ -11,6 +11,16 @@ constexpr float deepestRatio = 1e5f;  // what 24 bits of depth bear
 constexpr float margin = 0.01f;       // room before and behind, so that rounding cuts nothing off
 constexpr float detail = 1e-3f;       // the smallest part of a world that a visitor goes close to
 
+/// Appends a range, in as many equal steps as the depth buffer needs.
+void divide(const DepthRange& range, std::vector<DepthRange>& slices) {
+  const float ratio = range.farthest / range.nearest;
+  const int count = std::max(1, static_cast<int>(std::ceil(std::log(ratio) / std::log(deepestRatio))));
+  const float step = std::pow(ratio, 1.0f / static_cast<float>(count));
+  float end = range.farthest;
+  for (int i = 0; i < count; ++i, end /= step) slices.push_back({end / step, end});
+  slices.back().nearest = range.nearest;
+}
+
 }  // namespace
 
 std::vector<DepthRange> depthSlices(const DepthNeeds& needs) {
@@ -32,13 +42,14 @@ std::vector<DepthRange> depthSlices(const DepthNeeds& needs) {
   // Beyond that, floats themselves run out.
   nearest = std::max(nearest, farthest * 1e-12f);
 
-  const float ratio = farthest / nearest;
-  const int count = std::max(1, static_cast<int>(std::ceil(std::log(ratio) / std::log(deepestRatio))));
-  const float step = std::pow(ratio, 1.0f / static_cast<float>(count));
   std::vector<DepthRange> slices;
-  for (float end = farthest; static_cast<int>(slices.size()) < count; end /= step)
-    slices.push_back({end / step, end});
-  slices.back().nearest = nearest;
+  float end = farthest;
+  for (const float multiple : {64.0f, 8.0f})
+    if (const float cut = needs.uncertainty * multiple; cut > 4 * nearest && cut * 4 < end) {
+      divide({cut, end}, slices);
+      end = cut;
+    }
+  divide({nearest, end}, slices);
   return slices;
 }
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <limits>
 #include <vector>
 
 #include <GL/gl.h>
@@ -67,9 +68,15 @@ void Stage::resize(int width, int height) {
 void Stage::draw() {
   glEnable(GL_DEPTH_TEST);  // the toolkit relies on it and leaves it to the host
   followBindings();
-  const DepthNeeds needs{
-      boxInCameraSpace(), navigationInfo().visibilityLimit.getValue() * frameScale(),
-      (navigationInfo().avatarSize.getNum() > 0 ? navigationInfo().avatarSize[0] : 0.25f) * frameScale()};
+  const VrmlNavigationInfo& info = navigationInfo();
+  const float scale = frameScale();
+  DepthNeeds needs;
+  needs.world = boxInCameraSpace();
+  needs.visibilityLimit = info.visibilityLimit.getValue() * scale;
+  if (info.avatarSize.getNum() > 0) needs.avatarRadius = info.avatarSize[0] * scale;
+  SbVec3f eye;
+  camera->getRealPosition(eye);
+  needs.uncertainty = eye.length() * std::numeric_limits<float>::epsilon();
   bool first = true;
   for (const DepthRange& slice : depthSlices(needs)) {
     update(camera->nearDistance, slice.nearest);

@@ -58,6 +58,18 @@ TEST(DepthRange, DividesOnlyWhatOneDepthBufferCannotBear) {
   EXPECT_EQ(depthSlices({box(1e7f, -1e7f, 1e7f)}).size(), 2u);
 }
 
+TEST(DepthRange, DrawsTheCloseApartWhereFloatsAreCoarse) {
+  DepthNeeds needs{box(500, -500, 500)};
+  needs.uncertainty = 0.5f;  // at a map's seven digits
+  const std::vector<DepthRange> slices = depthSlices(needs);
+  expectSound(slices);
+  ASSERT_GT(slices.size(), 1u);
+  EXPECT_LT(needs.uncertainty / slices[0].nearest, 0.05f) << "what is far is blurred";
+  EXPECT_LE(slices.back().nearest, 0.125f) << "what is close is clipped";
+  needs.uncertainty = 1e-5f;
+  EXPECT_EQ(depthSlices(needs).size(), 1u);
+}
+
 TEST(DepthRange, EndsAtTheVisibilityLimit) {
   EXPECT_FLOAT_EQ(depthSlices({box(100, -100, 100), 30}).front().farthest, 30);
   EXPECT_LT(depthSlices({box(10, -100, 100), 1000}).front().farthest, 200);

@@ -124,6 +124,27 @@ TEST(ShotGL, DepthHoldsNearAndFarInOneWorld) {
   EXPECT_LT(picture.pixelsOf(red), 120) << "what lies behind shows through";
 }
 
+TEST(ShotGL, DepthHoldsFarFromTheOrigin) {
+  // Two walls, ten metres one behind the other, with a map's coordinates in their corners; and a post beside the eye.
+  const auto wall = [](int half, int z, const char* color) {
+    const std::string x0 = std::to_string(3456789 - half), x1 = std::to_string(3456789 + half),
+                      y0 = std::to_string(-half), y1 = std::to_string(half),
+                      d = std::string(" ").append(std::to_string(z - 5412345)).append(" ");
+    return "Shape { appearance Appearance { material Material { ambientIntensity 0 diffuseColor 0 0 0 "
+           "emissiveColor " +
+           std::string(color) +
+           " } } geometry IndexedFaceSet { coordIndex [ 0 1 2 3 ] coord Coordinate { point [ " + x0 + " " +
+           y0 + d + x1 + " " + y0 + d + x1 + " " + y1 + d + x0 + " " + y1 + d + "] } } }\n";
+  };
+  makeFile("w.wrl", world(wall(20, -100, "0 1 0") + wall(22, -110, "1 0 0") +
+                          shiningBox("3456792 0 -5412344", "1 1 1", "0 0 1") +
+                          "Viewpoint { position 3456789 0 -5412345 }\n"));
+  ASSERT_EQ(runTessel({"shot", "w.wrl", "-o", "w.png", "--size", "100x100"}).status, 0);
+  const Picture picture("w.png");
+  EXPECT_GT(picture.pixelsOf(green), 40 * 40);
+  EXPECT_LT(picture.pixelsOf(red), 100) << "what lies behind shows through";
+}
+
 TEST(ShotGL, HeadlightShinesAlongTheView) {
   const std::string shape =
       "Transform { translation 100 0 0 children Shape { appearance Appearance { material Material "
