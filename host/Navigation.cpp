@@ -8,9 +8,9 @@ namespace tessel::host {
 namespace {
 
 constexpr float quarterTurn = 1.57079633f;
-constexpr float nearingPerUnit = 4;  // dragging over the whole window changes the distance e^4 = 55 times
-constexpr float flightPerUnit = 10;  // the same in FLY is ten seconds of flight
-constexpr float closest = 1e-4f;     // of the scene's size: nearer to the pivot nothing is seen
+constexpr float nearingPerUnit = 4;   // dragging over the whole window changes the distance e^4 = 55 times
+constexpr float flightPerUnit = 10;   // the same in FLY is ten seconds of flight
+constexpr float closestPart = 1e-4f;  // of the scene's size: nearer to the pivot nothing is seen
 
 SbVec3f axis(const SbRotation& orientation, const SbVec3f& local) {
   SbVec3f out;
@@ -53,17 +53,19 @@ Pose Navigation::panned(const Pose& from, const SbVec2f& drag) const {
 Pose Navigation::advanced(const Pose& from, float amount) const {
   const SbVec3f ahead = axis(from.orientation, SbVec3f(0, 0, -1));
   if (mode == Mode::fly) return {from.position + ahead * (amount * speed * flightPerUnit), from.orientation};
-  const float distance = pivotDistance(from);
-  const float wanted =
-      std::max(distance * std::exp(-amount * nearingPerUnit), std::min(distance, sceneSize * closest));
-  return {from.position + ahead * (distance - wanted), from.orientation};
+  // Toward the pivot, not straight ahead: it stays where it is in the window.
+  const float distance = (pivot - from.position).length(),
+              closest = std::min(distance, sceneSize * closestPart);
+  const float wanted = std::max(distance * std::exp(-amount * nearingPerUnit), closest);
+  const SbVec3f direction = distance > 0 ? (pivot - from.position) / distance : ahead;
+  return {from.position + direction * (distance - wanted), from.orientation};
 }
 
 float Navigation::pivotDistance(const Pose& pose) const {
   // Depth along the line of sight; beside or behind the pivot the plain distance, and never nothing.
   const SbVec3f toPivot = pivot - pose.position;
   const float depth = toPivot.dot(axis(pose.orientation, SbVec3f(0, 0, -1)));
-  return std::max(depth > 0 ? depth : toPivot.length(), sceneSize * closest);
+  return std::max(depth > 0 ? depth : toPivot.length(), sceneSize * closestPart);
 }
 
 }  // namespace tessel::host

@@ -197,11 +197,16 @@ void Stage::setPose(const Pose& pose) {
   update(camera->orientation, pose.orientation);
 }
 
+SbVec3f Stage::pivot() {
+  SbVec3f center(0, 0, 0);
+  if (!worldBox().isEmpty())
+    camera->matrix.getValue().inverse().multVecMatrix(worldBox().getCenter(), center);
+  return center;
+}
+
 void Stage::describeTo(Navigation& navigation) {
   navigation.fieldOfView = camera->heightAngle.getValue();
-  const SbBox3f& whole = worldBox();
-  if (!whole.isEmpty()) {
-    camera->matrix.getValue().inverse().multVecMatrix(whole.getCenter(), navigation.pivot);
+  if (const SbBox3f& whole = worldBox(); !whole.isEmpty()) {
     const SbVec3f size = whole.getSize();
     navigation.sceneSize = std::max({size[0], size[1], size[2], 1e-30f}) / frameScale();
   }

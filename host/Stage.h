@@ -49,7 +49,9 @@ public:
   /// Where the viewer stands, in the frame of the bound Viewpoint.
   Pose pose() const;
   void setPose(const Pose& pose);
-  /// Sets what navigation must know of the world as it is now.
+  /// The centre of the world, in the same frame; the origin if there is nothing to see.
+  SbVec3f pivot();
+  /// Sets what navigation must know of the world as it is now, less its pivot.
   void describeTo(Navigation& navigation);
   const VrmlNavigationInfo& navigationInfo() const;
 

@@ -46,7 +46,7 @@ Viewer::Viewer(Window& w, std::string p, const World& world, const ReadOptions& 
 void Viewer::show(const World& world) {
   stage.setWorld(world.root.get());
   window.setTitle(titleOf(world.root.get(), path) + " - tessel");
-  stage.describeTo(navigation);
+  pivotOf = -1;
   setMode(wantedMode(stage.navigationInfo()));
   dirty = true;
 }
@@ -100,10 +100,8 @@ void Viewer::handle(const WindowEvent& event) {
     case Kind::press:
       lastX = event.x;
       lastY = event.y;
-      if (event.button == 4 || event.button == 5) {
-        stage.describeTo(navigation);
-        stage.setPose(navigation.advanced(stage.pose(), event.button == 4 ? wheelNotch : -wheelNotch));
-      }
+      if (event.button == 4) turnWheel(1);
+      if (event.button == 5) turnWheel(-1);
       break;
     case Kind::release:
       break;
@@ -127,12 +125,25 @@ void Viewer::handleKey(const WindowEvent& event) {
   }
 }
 
+/// Brings navigation in line with the world. The pivot is its centre until the user pans.
+void Viewer::prepareNavigation() {
+  stage.describeTo(navigation);
+  if (pivotOf == stage.currentViewpoint()) return;
+  pivotOf = stage.currentViewpoint();
+  navigation.pivot = stage.pivot();
+}
+
+void Viewer::turnWheel(float notches) {
+  prepareNavigation();
+  stage.setPose(navigation.advanced(stage.pose(), notches * wheelNotch));
+}
+
 void Viewer::drag(const WindowEvent& event) {
   const SbVec2f way = wayTo(event);
   lastX = event.x;
   lastY = event.y;
   if (event.button == 0) return;
-  stage.describeTo(navigation);
+  prepareNavigation();
   const Pose pose = stage.pose();
   switch (event.button) {
     case 1:
@@ -140,6 +151,7 @@ void Viewer::drag(const WindowEvent& event) {
       break;
     case 2:
       stage.setPose(navigation.panned(pose, way));
+      navigation.pivot += stage.pose().position - pose.position;
       break;
     case 3:
       stage.setPose(navigation.advanced(pose, way[1]));

@@ -30,6 +30,8 @@ private:
   void handle(const WindowEvent& event);
   void handleKey(const WindowEvent& event);
   void drag(const WindowEvent& event);
+  void turnWheel(float notches);
+  void prepareNavigation();
   void show(const World& world);
   void reload(bool asked);
   void checkFile();
@@ -47,6 +49,7 @@ private:
   FileWatch watch;
   Clock::time_point nextLook;   // at the file
   Clock::time_point nextFrame;  // not before
+  int pivotOf = -1;             // the viewpoint in whose frame the pivot is, -1 for a new world
   int lastX = 0, lastY = 0;
   bool dirty = true;
   bool closed = false;

@@ -77,6 +77,16 @@ TEST(Navigation, ExamineNearsThePivotWithoutReachingIt) {
   }
 }
 
+TEST(Navigation, ZoomKeepsThePivotAtItsPlaceInTheWindow) {
+  Navigation navigation;
+  navigation.pivot.setValue(3, 2, -10);
+  const Pose pose = navigation.advanced({SbVec3f(0, 0, 0), SbRotation::identity()}, 0.3f);
+  const SbVec3f seen = navigation.pivot - pose.position;
+  EXPECT_LT(seen.length(), 9);
+  EXPECT_NEAR(seen[0] / seen[2], -0.3, 1e-4);
+  EXPECT_NEAR(seen[1] / seen[2], -0.2, 1e-4);
+}
+
 TEST(Navigation, FlyGoesWhereItLooksAtItsSpeed) {
   Navigation navigation;
   navigation.mode = Navigation::Mode::fly;
