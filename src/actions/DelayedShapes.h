@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include <Inventor/SbMatrix.h>
@@ -11,9 +12,12 @@
 #include <tessel/shapes/VrmlShape.h>
 #include <tessel/toolkit/SoRef.h>
 
-class SoGLRenderAction;
+#include "actions/DelayedRecording.h"
+#include "actions/RenderCache.h"
+
 class SbViewportRegion;
 class SoFullPath;
+class SoGLRenderAction;
 class SoGetBoundingBoxAction;
 class SoState;
 
@@ -27,10 +31,18 @@ public:
 
   bool empty() const { return shapes.empty(); }
   /// Records the shape of the action's current path. False if there is none in it.
-  bool add(SoGLRenderAction* action, bool withDepth);
-  /// Orders them from far to near.
+  bool add(SoGLRenderAction* action);
+  /// Orders them from far to near; the depth of an object is that of the farthest point of its box.
   void sort();
   void clear();
+
+  // A display list of a branch goes with a recording of what the branch delayed.
+
+  /// Begins to record what is added.
+  void beginRecording(SoGLRenderAction* action, DelayedRecording& recording, const SoCache* list);
+  void endRecording() { recording = nullptr; }
+  /// Adds what was recorded, for the branch that is the tail of the action's current path.
+  void replay(SoGLRenderAction* action, const DelayedRecording& recorded);
 
   // Drawing goes by runs of neighbours that stand in the same place of the tree.
 
@@ -42,7 +54,7 @@ public:
 private:
   /// A part of the tree in which only matrices differ.
   struct Place {
-    SoRef<SoPath> path;  ///< to the first shape met there
+    SoRef<SoPath> path;  ///< to a shape there
     int rootDepth;       ///< index in `path` of the first node of a world
     int scope;           ///< the draw scope there
     bool shared;         ///< whether other shapes may be drawn there
@@ -53,13 +65,30 @@ private:
     float depth;
     std::size_t place;
   };
-  std::size_t placeOf(const SoFullPath& path, int length, SoState* state);
-  float depthOf(VrmlShape* shape, const SbMatrix& toEye, const SbViewportRegion& region);
+  /// A shape as it was drawn in a run: while these stay equal, so does the run.
+  struct Drawn {
+    SbUniqueId node;
+    SbMatrix matrix;
+    bool operator==(const Drawn& other) const { return node == other.node && matrix == other.matrix; }
+  };
+  /// A run and the display list of it.
+  struct Run {
+    std::vector<Drawn> drawn;
+    std::unique_ptr<RenderCache> cache;
+  };
+
+  void addShape(SoState* state, VrmlShape* node, const SbMatrix& matrix, const SbBox3f& box, std::size_t place);
+  std::size_t placeOf(const SoFullPath& path, int length, std::span<const int> below, int scope);
+  std::size_t recordedPlace(const SoFullPath& path, int length, std::span<const int> below, std::size_t place);
+  SbBox3f boxOf(VrmlShape* shape, const SbViewportRegion& region);
+  void drawShapes(SoGLRenderAction* action);
 
   std::vector<Place> places;
   std::vector<Shape> shapes;
-  std::size_t runBegin = 0, runEnd = 0;
+  DelayedRecording* recording = nullptr;
+  std::size_t runBegin = 0, runEnd = 0, runNumber = 0;
   bool runDrawn = true;
+  std::vector<Run> runs;  // kept from frame to frame
   std::unique_ptr<SoGetBoundingBoxAction> measure;
 };
 

@@ -15,8 +15,12 @@ void DrawScopeElement::initClass() {
 DrawScopeElement::~DrawScopeElement() = default;
 
 void DrawScopeElement::begin(SoState* state, SoNode* node) {
+  set(classStackIndex, state, node, unused());
+}
+
+int DrawScopeElement::unused() {
   static int last = 0;
-  set(classStackIndex, state, node, ++last);
+  return ++last;
 }
 
 SbBool DrawScopeElement::matches(const SoElement*) const { return TRUE; }

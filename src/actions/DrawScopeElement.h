@@ -17,6 +17,8 @@ public:
   static void initClass();
 
   static void begin(SoState* state, SoNode* node);
+  /// A scope that no other has, for a branch that is drawn out of a display list.
+  static int unused();
   static int get(SoState* state) { return inherited::get(classStackIndex, state); }
 
   /// A display list does not depend on the scope in which it was made.

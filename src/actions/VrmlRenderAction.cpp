@@ -70,8 +70,16 @@ bool VrmlRenderAction::isDrawingDelayed(const SoGLRenderAction* action) {
 }
 
 bool VrmlRenderAction::mustDelay(SoGLRenderAction* action, bool isTransparent) {
+  if (VrmlRenderAction* ours = asOurs(action)) return ours->handleTransparency(isTransparent);
+  if (!action->handleTransparency(isTransparent)) return false;
+  // A display list that is being made would lose the shape.
+  if (SoCacheElement::anyOpen(action->getState())) SoCacheElement::invalidate(action->getState());
+  return true;
+}
+
+tessel::DelayedShapes* VrmlRenderAction::delayedShapesOf(SoGLRenderAction* action) {
   VrmlRenderAction* ours = asOurs(action);
-  return ours ? ours->handleTransparency(isTransparent) : action->handleTransparency(isTransparent);
+  return ours ? ours->delayed.get() : nullptr;
 }
 
 SbBool VrmlRenderAction::handleTransparency(SbBool isTransparent) {
@@ -82,11 +90,7 @@ SbBool VrmlRenderAction::handleTransparency(SbBool isTransparent) {
     SoLazyElement::disableBlending(current);
     return FALSE;
   }
-  if (!isDrawingDelayed(this) && delayed->add(this, delay.sorts)) {
-    // A display list that holds the branch would lose this shape.
-    if (SoCacheElement::anyOpen(current)) SoCacheElement::invalidate(current);
-    return TRUE;
-  }
+  if (!isDrawingDelayed(this) && delayed->add(this)) return TRUE;
   SoLazyElement::enableBlending(current, GL_SRC_ALPHA, delay.adds ? GL_ONE : GL_ONE_MINUS_SRC_ALPHA);
   return FALSE;
 }

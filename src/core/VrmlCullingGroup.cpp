@@ -6,10 +6,8 @@
 #include <Inventor/SbXfBox3f.h>
 #include <Inventor/actions/SoActions.h>
 #include <Inventor/caches/SoBoundingBoxCache.h>
-#include <Inventor/caches/SoGLCacheList.h>
 #include <Inventor/elements/SoBBoxModelMatrixElement.h>
 #include <Inventor/elements/SoCacheElement.h>
-#include <Inventor/elements/SoGLCacheContextElement.h>
 #include <Inventor/elements/SoCullElement.h>
 #include <Inventor/elements/SoLocalBBoxMatrixElement.h>
 #include <Inventor/elements/SoViewportRegionElement.h>
@@ -20,6 +18,7 @@
 #include <tessel/actions/VrmlCountAction.h>
 #include <tessel/toolkit/Scoped.h>
 
+#include "actions/RenderCache.h"
 #include "core/NodeClassImpl.h"
 
 using tessel::FieldKind;
@@ -63,7 +62,7 @@ void VrmlCullingGroup::initClass() {
 VrmlCullingGroup::VrmlCullingGroup() : VrmlCullingGroup(0) {}
 
 VrmlCullingGroup::VrmlCullingGroup(int expectedChildren)
-    : NodeClass(expectedChildren), renderCaches(std::make_unique<SoGLCacheList>(numRenderCaches)) {
+    : NodeClass(expectedChildren) {
   children.setValue(childList.get());
   setUpFields();
   children.setDefault(FALSE);  // a group always writes its children
@@ -163,7 +162,6 @@ bool VrmlCullingGroup::cullTest(SoGLRenderAction* action) {
 
 void VrmlCullingGroup::GLRenderBelowPath(SoGLRenderAction* action) {
   SoState* state = action->getState();
-  const bool enclosed = SoCacheElement::anyOpen(state);
   const tessel::StateScope scope(state);
   wasCulled = false;
   if (!SoCullElement::completelyInside(state)) {
@@ -171,17 +169,15 @@ void VrmlCullingGroup::GLRenderBelowPath(SoGLRenderAction* action) {
     if (wasCulled) return;
   }
   // A display list stands for the whole group, so it is for groups wholly in view.
-  const bool cacheable = SoCullElement::completelyInside(state);
-  if (cacheable && renderCaches->call(action)) return;
-  const bool opened = cacheable && !enclosed && numRenderCaches > 0 && !keepsOutOfCaches;
-  const int around = SoGLCacheContextElement::resetAutoCacheBits(state);
-  if (opened) renderCaches->open(action, FALSE);
+  if (!SoCullElement::completelyInside(state)) {
+    reallyRenderBelowPath(action);
+    return;
+  }
+  if (!renderCache) renderCache = std::make_unique<tessel::RenderCache>(numRenderCaches);
+  if (renderCache->call(action)) return;
+  renderCache->open(action);
   reallyRenderBelowPath(action);
-  // A large mesh says that it is not to be captured in a list.
-  const int inside = SoGLCacheContextElement::resetAutoCacheBits(state);
-  keepsOutOfCaches = (inside & SoGLCacheContextElement::DONT_AUTO_CACHE) != 0;
-  if (opened) renderCaches->close(action);
-  SoGLCacheContextElement::setAutoCacheBits(state, around | inside);
+  renderCache->close(action);
 }
 
 void VrmlCullingGroup::reallyRenderBelowPath(SoGLRenderAction* action) { VrmlBaseGroup::GLRenderBelowPath(action); }
@@ -223,7 +219,7 @@ void VrmlCullingGroup::childrenChanged() { children.touch(); }
 
 void VrmlCullingGroup::notify(SoNotList* list) {
   bboxCache.reset();
-  renderCaches->invalidateAll();
+  if (renderCache) renderCache->invalidate();
   const SoField* field = list->getLastField();
   if (isNotifyEnabled() && list->getLastRec() && list->getLastRec()->getType() == SoNotRec::CONTAINER &&
       (field == &addChildren || field == &removeChildren))

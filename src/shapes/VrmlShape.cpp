@@ -2,9 +2,7 @@
 #include <tessel/shapes/VrmlShape.h>
 
 #include <Inventor/actions/SoActions.h>
-#include <Inventor/caches/SoGLCacheList.h>
 #include <Inventor/elements/SoCacheElement.h>
-#include <Inventor/elements/SoGLCacheContextElement.h>
 #include <Inventor/elements/SoGLLazyElement.h>
 #include <Inventor/misc/SoState.h>
 
@@ -17,6 +15,7 @@
 #include <tessel/toolkit/Scoped.h>
 #include <tessel/toolkit/VrmlContainerElement.h>
 
+#include "actions/RenderCache.h"
 #include "core/NodeClassImpl.h"
 #include "shapes/SyncedChildren.h"
 
@@ -64,7 +63,7 @@ void VrmlShape::copyContents(const SoFieldContainer* from, SbBool copyConnection
 void VrmlShape::notify(SoNotList* list) {
   if (children->isSyncing()) return;
   // What the change means for the next draw is found by going down again.
-  if (cacheList) cacheList->invalidateAll();
+  if (cache) cache->invalidate();
   isTransparent = false;
   if (children->notify(list)) NodeClass::notify(list);
 }
@@ -84,18 +83,19 @@ void VrmlShape::GLRender(SoGLRenderAction* action) {
   if (drawDelayed && VrmlRenderAction::drawDelayedHere(action)) return;
   if (!drawDelayed && isTransparent && VrmlRenderAction::mustDelay(action, true)) return;
 
-  const bool enclosed = SoCacheElement::anyOpen(state);
   const tessel::StateScope scope(state);
   VrmlContainerElement::enter(state, this, VrmlContainerElement::shape);
-  if (cacheList && cacheList->call(action)) return;
-  const bool open = !enclosed && VrmlCullingGroup::getNumRenderCaches() > 0;
-  if (open) {
-    if (!cacheList) cacheList = std::make_unique<SoGLCacheList>(VrmlCullingGroup::getNumRenderCaches());
-    cacheList->open(action, TRUE);
+  // A display list of more than this shape takes what it draws as its own: to look after a list of each shape in it
+  // would cost more than it saves.
+  if (SoCacheElement::anyOpen(state)) {
+    renderChildren(action);
+    return;
   }
+  if (!cache) cache = std::make_unique<tessel::RenderCache>(VrmlCullingGroup::getNumRenderCaches());
+  if (cache->call(action)) return;
+  cache->open(action);
   renderChildren(action);
-  isTransparent = VrmlRenderAction::isStateTransparent(state);
-  if (open) cacheList->close(action);
+  cache->close(action);
 }
 
 void VrmlShape::renderChildren(SoGLRenderAction* action) {
@@ -113,6 +113,7 @@ void VrmlShape::renderChildren(SoGLRenderAction* action) {
     child->GLRender(action);
   }
   action->popCurPath();
+  isTransparent = VrmlRenderAction::isStateTransparent(action->getState());
 }
 
 // Other actions

@@ -167,3 +167,23 @@ TEST(TransparencyGL, ShapesOfTheToolkitBesideTheWorldStayWhatTheyAre) {
   // Drawn after the world's own: the back and the front of the cube over green.
   EXPECT_TRUE(near(drawing.at(0, 0), {191, 32, 0}, 3)) << drawing.at(0, 0);
 }
+
+TEST(TransparencyGL, GlassDoesNotKeepItsWorldOutOfDisplayLists) {
+  // The opaque shapes of a still world come out of a list, and the panes again in their order: also when the world
+  // that the list stands for is moved, and when one of its parts stands in two places.
+  TestWorld world("DEF W Transform { children [ DEF PAIR Group { children [ " + pane(red, 0) + pane(green, 1) +
+                  opaqueWall + "] } Transform { translation 0 0 -10 children [ DirectionalLight {} USE PAIR ] } ] }");
+  ASSERT_TRUE(world.root()) << world.messages.text();
+  Drawing drawing(world.root());
+  drawing.frame(5);
+  const Colour seen = drawing.at(0, 0);
+  EXPECT_TRUE(near(seen, {114, 179, 51}, 3)) << seen;
+  drawing.frame(3);
+  EXPECT_EQ(drawing.at(0, 0), seen);
+  world.get<VrmlTransform>("W")->translation.setValue(1, 0, 0);
+  for (int i = 0; i < 4; ++i) {
+    drawing.frame();
+    EXPECT_EQ(drawing.at(1.5f, 0), seen) << "frame " << i;
+    EXPECT_EQ(drawing.at(-1.5f, 0), (Colour{0, 0, 0})) << "frame " << i;
+  }
+}

@@ -46,6 +46,8 @@ public:
   /// For a shape that is met while delayed ones are drawn: draws those that stand in its place, itself among
   /// them, and gives true. False: it has only to draw itself.
   static bool drawDelayedHere(SoGLRenderAction* action);
+  /// The list of delayed shapes, of the library's own use; null for an action of the toolkit.
+  static tessel::DelayedShapes* delayedShapesOf(SoGLRenderAction* action);
 
 protected:
   void beginTraversal(SoNode* node) override;

@@ -9,8 +9,11 @@
 
 class SbXfBox3f;
 class SoBoundingBoxCache;
-class SoGLCacheList;
 class SoSensor;
+
+namespace tessel {
+class RenderCache;
+}
 
 /// A group with a bounding box, view-frustum culling, display-list caches, and children that events change.
 class TESSEL_API VrmlCullingGroup : public tessel::NodeClass<VrmlCullingGroup, VrmlBaseGroup> {
@@ -62,7 +65,6 @@ private:
   static void childSensorCB(void* data, SoSensor* sensor);
 
   tessel::SoRef<SoBoundingBoxCache> bboxCache;
-  std::unique_ptr<SoGLCacheList> renderCaches;
-  bool keepsOutOfCaches = false;  // as something below asked when it was last drawn
+  std::unique_ptr<tessel::RenderCache> renderCache;  // made when the group is first drawn
   bool wasCulled = false;
 };

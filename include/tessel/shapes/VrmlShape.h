@@ -7,9 +7,8 @@
 
 #include <memory>
 
-class SoGLCacheList;
-
 namespace tessel {
+class RenderCache;
 class SyncedChildren;
 }
 
@@ -54,6 +53,6 @@ private:
   void renderChildren(SoGLRenderAction* action);
 
   std::unique_ptr<tessel::SyncedChildren> children;
-  std::unique_ptr<SoGLCacheList> cacheList;  // made when the shape is first drawn outside other caches
+  std::unique_ptr<tessel::RenderCache> cache;  // made when the shape is first drawn
   bool isTransparent = false;                // what the last draw found
 };

@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "actions/RenderCache.h"
+
+#include <algorithm>
+
+#include <Inventor/actions/SoGLRenderAction.h>
+#include <Inventor/caches/SoGLRenderCache.h>
+#include <Inventor/elements/SoCacheElement.h>
+#include <Inventor/elements/SoGLCacheContextElement.h>
+#include <Inventor/elements/SoGLLazyElement.h>
+#include <Inventor/misc/SoState.h>
+
+#include <tessel/actions/VrmlRenderAction.h>
+
+#include "actions/DelayedShapes.h"
+
+namespace tessel {
+
+namespace {
+
+constexpr int leastPatience = 1, mostPatience = 64;
+
+}  // namespace
+
+void RenderCache::Release::operator()(SoGLRenderCache* list) const { list->unref(); }
+
+RenderCache::RenderCache(int n) : capacity(n), patience(leastPatience) {}
+
+RenderCache::~RenderCache() = default;
+
+void RenderCache::invalidate() {
+  entries.clear();
+  unchanged = 0;
+  patience = leastPatience;
+}
+
+void RenderCache::drop(std::vector<Entry>::iterator entry) {
+  if (!entry->drawn) patience = std::min(2 * patience, mostPatience);
+  entries.erase(entry);
+}
+
+bool RenderCache::call(SoGLRenderAction* action) {
+  SoState* state = action->getState();
+  DelayedShapes* delayed = VrmlRenderAction::delayedShapesOf(action);
+  for (auto entry = entries.begin(); entry != entries.end(); ++entry) {
+    SoGLRenderCache* list = entry->list.get();
+    if (list->getCacheContext() != SoGLCacheContextElement::get(state) ||
+        entry->transparencyType != action->getTransparencyType() || (entry->delayed && !delayed) ||
+        !list->isValid(state) || !SoGLLazyElement::preCacheCall(state, list->getPreLazyState()))
+      continue;
+    std::rotate(entries.begin(), entry, entry + 1);
+    SoGLLazyElement::getInstance(state)->send(state, SoLazyElement::ALL_MASK);
+    list->call(state);
+    SoGLLazyElement::postCacheCall(state, list->getPostLazyState());
+    Entry& called = entries.front();
+    called.drawn = true;
+    patience = leastPatience;
+    if (called.delayed) delayed->replay(action, *called.delayed);
+    return true;
+  }
+  return false;
+}
+
+void RenderCache::open(SoGLRenderAction* action) {
+  SoState* state = action->getState();
+  autoCacheOutside = SoGLCacheContextElement::resetAutoCacheBits(state);
+  if (capacity <= 0 || SoCacheElement::anyOpen(state) || keptOut || unchanged++ < patience) return;
+  if (static_cast<int>(entries.size()) >= capacity) drop(entries.end() - 1);
+  invalidOutside = SoCacheElement::setInvalid(FALSE);
+  auto* list = new SoGLRenderCache(state);
+  list->ref();
+  making.list.reset(list);
+  making.transparencyType = action->getTransparencyType();
+  SoCacheElement::set(state, list);
+  SoGLLazyElement::beginCaching(state, list->getPreLazyState(), list->getPostLazyState());
+  list->open(state);
+  if (DelayedShapes* delayed = VrmlRenderAction::delayedShapesOf(action)) {
+    making.delayed = std::make_unique<DelayedRecording>();
+    delayed->beginRecording(action, *making.delayed, list);
+  }
+}
+
+void RenderCache::close(SoGLRenderAction* action) {
+  SoState* state = action->getState();
+  const int marks = SoGLCacheContextElement::resetAutoCacheBits(state);
+  keptOut = (marks & SoGLCacheContextElement::DONT_AUTO_CACHE) != 0;
+  SoGLCacheContextElement::setAutoCacheBits(state, autoCacheOutside | marks);
+  if (!making.list) return;
+  making.list->close();
+  SoGLLazyElement::endCaching(state);
+  if (making.delayed) {
+    VrmlRenderAction::delayedShapesOf(action)->endRecording();
+    if (making.delayed->empty()) making.delayed.reset();
+  }
+  const bool sound = !SoCacheElement::setInvalid(invalidOutside);
+  if (sound) {
+    entries.insert(entries.begin(), std::move(making));
+    unchanged = 0;
+  }
+  making = Entry();
+}
+
+}  // namespace tessel

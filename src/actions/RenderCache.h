@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <memory>
+#include <vector>
+
+class SoGLRenderAction;
+class SoGLRenderCache;
+
+namespace tessel {
+
+class DelayedRecording;
+
+/// Display lists that stand for a branch of the world, for as long as nothing in it changes.
+///
+/// What the branch delays (see VrmlRenderAction) is recorded beside the list and delayed again whenever the list
+/// is drawn. A list is made when a branch has been drawn unchanged once; a branch that keeps depending on what
+/// changes outside is left in peace for longer and longer. None is made of a branch in which something says by the
+/// toolkit's DONT_AUTO_CACHE that it draws better without; these marks are passed on.
+///
+///     StateScope scope(state);
+///     if (cache.call(action)) return;
+///     cache.open(action);
+///     ... draw the branch ...
+///     cache.close(action);
+class RenderCache {
+public:
+  /// `capacity`: how many lists may stand side by side, for several contexts or surroundings.
+  explicit RenderCache(int capacity);
+  ~RenderCache();
+  RenderCache(const RenderCache&) = delete;
+  RenderCache& operator=(const RenderCache&) = delete;
+
+  /// Draws a list that holds for the state, if there is one.
+  bool call(SoGLRenderAction* action);
+  /// Begins a list, if it is time for one. Does nothing inside another list that is being made.
+  void open(SoGLRenderAction* action);
+  void close(SoGLRenderAction* action);
+  /// The branch has changed.
+  void invalidate();
+
+private:
+  struct Release {
+    void operator()(SoGLRenderCache* list) const;
+  };
+  struct Entry {
+    std::unique_ptr<SoGLRenderCache, Release> list;
+    std::unique_ptr<DelayedRecording> delayed;  // null: the branch delays nothing
+    int transparencyType = 0;                   // of the action that made it
+    bool drawn = false;
+  };
+  void drop(std::vector<Entry>::iterator entry);
+
+  std::vector<Entry> entries;  // the one drawn last comes first
+  Entry making;                // between open and close
+  int invalidOutside = 0;      // what the toolkit's marks were before `open`
+  int autoCacheOutside = 0;
+  bool keptOut = false;  // by something in the branch
+  int capacity;
+  int unchanged = 0;  // how often the branch was drawn without a list since it changed
+  int patience;       // how often it must be before a list is made
+};
+
+}  // namespace tessel
