@@ -32,8 +32,9 @@ if(TESSEL_WARNINGS_AS_ERRORS)
   target_compile_options(tessel-build INTERFACE -Werror)
 endif()
 if(TESSEL_SANITIZE)
+  # The toolkit's way to see a whole path is to take it for a SoFullPath, which it never is.
   target_compile_options(tessel-build INTERFACE
-    -fsanitize=${TESSEL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    -fsanitize=${TESSEL_SANITIZE} -fno-sanitize=vptr -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(tessel-build INTERFACE -fsanitize=${TESSEL_SANITIZE})
 endif()
 if(TESSEL_LIBFUZZER)
