@@ -301,7 +301,7 @@ public:
 private:
   void add(int number) {
     const PartTree::Place& place = tree.places[static_cast<std::size_t>(number)];
-    if (place.form < 0) text.add("DEF A_%d ", number);
+    if (place.form < 0 && place.scaled) text.add("DEF A_%d ", number);
     text.add("Transform { ");
     if (place.moved)
       text.add("translation %.3f %.3f %.3f ", at(place.translation, 0), at(place.translation, 1),

@@ -34,7 +34,7 @@ struct PartTree {
     SbVec3f translation;
     SbVec4f turn;               ///< axis and angle
     bool moved = true;          ///< has a translation
-    bool scaled = false;        ///< has a centre and a scale of their own
+    bool scaled = false;        ///< has a centre and a scale too, and a name
     std::vector<int> children;  ///< places below, by number
     int form = -1;              ///< of a leaf: its form, shared by several
   };

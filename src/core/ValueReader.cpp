@@ -12,6 +12,7 @@
 
 #include <tessel/core/VrmlNULL.h>
 #include <tessel/core/VrmlNode.h>
+#include <tessel/toolkit/Scoped.h>
 
 #include "core/WorldReader.h"
 
@@ -176,14 +177,19 @@ std::size_t expectedValues(const Lexer& lexer) {
 }
 
 template <class Field, class Value>
+void setValues(Field& field, int count, const Value* values) {
+  if (field.getNum() > count || count == 0) field.setNum(count);
+  if (count > 0) field.setValues(0, count, values);
+}
+
+template <class Field, class Value>
 bool readMultiple(WorldReader& reader, SoField& f) {
   Field& field = static_cast<Field&>(f);
   Lexer& lexer = reader.lexer();
   if (!lexer.take('[')) {
     Value value;
     if (!readOne(reader, value)) return couldNotRead(reader, 1);
-    field.setNum(1);
-    field.setValues(0, 1, &value);
+    setValues(field, 1, &value);
     return true;
   }
 
@@ -207,9 +213,12 @@ bool readMultiple(WorldReader& reader, SoField& f) {
     if (!ok) break;
     ++count;
   }
-  if (values != gathered.data()) field.finishEditing();
-  if (field.getNum() != static_cast<int>(count) || count == 0) field.setNum(static_cast<int>(count));
-  if (values == gathered.data() && count > 0) field.setValues(0, static_cast<int>(count), values);
+  if (values == gathered.data()) {
+    setValues(field, static_cast<int>(count), values);
+  } else {
+    field.finishEditing();
+    if (field.getNum() != static_cast<int>(count)) field.setNum(static_cast<int>(count));
+  }
   return ok || couldNotRead(reader, static_cast<int>(count) + 1);
 }
 
@@ -247,6 +256,8 @@ bool readChildren(WorldReader& reader, SoField& f) {
   return readNodes(reader, false, [&](VrmlNode* node) { list->append(node ? node : new VrmlNULL); });
 }
 
+constexpr bool isMultiple(ValueType type) { return type >= ValueType::mfColor && type <= ValueType::mfVec3f; }
+
 constexpr auto readers = [] {
   using Reader = bool (*)(WorldReader&, SoField&);
   std::array<Reader, static_cast<std::size_t>(ValueType::count)> table{};
@@ -281,7 +292,15 @@ static_assert(std::ranges::find(readers, nullptr) == readers.end(), "one reader 
 }  // namespace
 
 bool readValue(WorldReader& reader, SoField& field, ValueType type) {
-  return type < ValueType::count && readers[static_cast<std::size_t>(type)](reader, field);
+  if (type >= ValueType::count) return false;
+  bool ok = false;
+  {
+    // A first value is no event. A list is set in several steps, of which nobody need hear.
+    const NotifyOff silence(field);
+    ok = readers[static_cast<std::size_t>(type)](reader, field);
+  }
+  if (isMultiple(type)) field.touch();  // for a node that keeps a copy
+  return ok;
 }
 
 }  // namespace tessel

@@ -60,7 +60,7 @@ PrototypeHooks& prototypeHooks() {
 }
 
 WorldReader::WorldReader(SourceText text, const ReadOptions& o)
-    : source(std::move(text)), readOptions(o),
+    : source(std::move(text)), sourceName(source.fileName.c_str()), readOptions(o),
       tokens((source.bytes.empty() ? source.text : std::string_view(source.bytes)).substr(source.bodyStart), source.bodyLine),
       scope(tokens, source.fileName) {}
 
@@ -228,9 +228,10 @@ SoRef<VrmlNode> WorldReader::readDefinition(std::string_view defName, std::strin
   }
   SoRef<VrmlNode> node = createNode(typeName);
   if (!node) return {};
+  Reference* own = nullptr;
   if (!defName.empty()) {
-    node->setDef({SbName(std::string(defName).c_str()), SbName(fileName().c_str()), defLine});
-    addReference(defName, node.get());
+    node->setDef({SbName(std::string(defName).c_str()), sourceName, defLine});
+    own = &addReference(defName, node.get());
   }
   if (!tokens.take('{')) {
     error("\"{\" was expected behind \"%s\"", node->getFileFormatName());
@@ -241,9 +242,7 @@ SoRef<VrmlNode> WorldReader::readDefinition(std::string_view defName, std::strin
   const std::uint64_t inside = open.back().expanded;
   open.pop_back();
   if (!ok || !addExpanded(inside)) return {};
-  if (!defName.empty())
-    if (const auto own = references->find(std::string(defName)); own != references->end() && own->second.node.get() == node.get())
-      own->second.expanded = inside;
+  if (own && own->node.get() == node.get()) own->expanded = inside;  // unless the name was given anew in there
   if (!tokens.take('}')) {
     if (const int c = tokens.peek(); c < 0)
       error("The file ends inside of \"%s\"", node->getFileFormatName());
@@ -310,13 +309,18 @@ bool WorldReader::readFieldValue(SoField& field, ValueType type, std::string_vie
 }
 
 VrmlNode* WorldReader::findReference(std::string_view name) const {
-  const auto found = references->find(std::string(name));
+  const auto found = references->find(name);
   return found == references->end() ? nullptr : found->second.node.get();
 }
 
-void WorldReader::addReference(std::string_view name, VrmlNode* node) {
-  references->insert_or_assign(std::string(name), Reference{SoRef<VrmlNode>(node)});
-  if (!isGenerated(name)) node->setName(SbName(std::string(withoutInstanceSuffix(name)).c_str()));
+WorldReader::Reference& WorldReader::addReference(std::string_view name, VrmlNode* node) {
+  Reference& entry = references->insert_or_assign(std::string(name), Reference{SoRef<VrmlNode>(node)}).first->second;
+  if (!isGenerated(name)) {
+    const std::string_view plain = withoutInstanceSuffix(name);
+    const SbName& def = node->getDefName();
+    node->setName(plain == def.getString() ? def : SbName(std::string(plain).c_str()));
+  }
+  return entry;
 }
 
 WorldReader::References* WorldReader::setReferences(References* other) { return std::exchange(references, other); }

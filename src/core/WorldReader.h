@@ -53,7 +53,11 @@ public:
     SoRef<VrmlNode> node;
     std::uint64_t expanded = 1;
   };
-  using References = std::unordered_map<std::string, Reference>;
+  struct NameHash {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view name) const noexcept { return std::hash<std::string_view>{}(name); }
+  };
+  using References = std::unordered_map<std::string, Reference, NameHash, std::equal_to<>>;
 
   WorldReader(SourceText text, const ReadOptions& options);
 
@@ -78,7 +82,7 @@ public:
   /// The node that a DEF of this text or prototype body has named, null if none.
   VrmlNode* findReference(std::string_view name) const;
   /// Names a node: enters it among the references and, less the instance suffix, with the toolkit.
-  void addReference(std::string_view name, VrmlNode* node);
+  Reference& addReference(std::string_view name, VrmlNode* node);
   /// Puts another set of references in place, for the body of a prototype; gives the old one.
   References* setReferences(References* references);
 
@@ -111,6 +115,7 @@ private:
   void warnOfRest();
 
   SourceText source;
+  SbName sourceName;
   ReadOptions readOptions;
   Lexer tokens;
   ReadScope scope;

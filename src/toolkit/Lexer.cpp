@@ -2,6 +2,7 @@
 #include "toolkit/Lexer.h"
 
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -25,29 +26,42 @@ struct Decimal {
   bool exact = true;
 };
 
+// Takes digits as far as they fit the mantissa. `exponentStep` is 1 behind the point.
+const char* takeDigits(const char* p, const char* end, int exponentStep, Decimal& d) {
+  for (; p != end && isDigit(*p); ++p) {
+    if (d.digits < 19) {
+      d.mantissa = d.mantissa * 10 + static_cast<unsigned>(*p - '0');
+      if (d.mantissa != 0) ++d.digits;
+      d.exponent -= exponentStep;
+    } else {
+      d.exact = d.exact && *p == '0';
+      d.exponent += 1 - exponentStep;
+    }
+  }
+  return p;
+}
+
 // Scans a decimal number; null if none stands at `p`, else the position behind it.
 const char* scanDecimal(const char* p, const char* end, Decimal& d) {
   if (p != end && (*p == '+' || *p == '-')) d.negative = *p++ == '-';
-  bool any = false;
-  auto takeDigits = [&](int exponentStep) {
-    for (; p != end && isDigit(*p); ++p) {
-      any = true;
-      if (d.digits < 19) {
-        d.mantissa = d.mantissa * 10 + static_cast<unsigned>(*p - '0');
-        if (d.mantissa != 0) ++d.digits;
-        d.exponent -= exponentStep;
-      } else {
-        d.exact = d.exact && *p == '0';
-        d.exponent += 1 - exponentStep;
-      }
-    }
-  };
-  takeDigits(0);
-  if (p != end && *p == '.') {
-    ++p;
-    takeDigits(1);
+  // Nearly every number has so few digits that none needs a look at how many there were.
+  const char* const first = p;
+  std::uint64_t mantissa = 0;
+  for (; p != end && isDigit(*p); ++p) mantissa = mantissa * 10 + static_cast<unsigned>(*p - '0');
+  const char* const point = p;
+  const bool hasPoint = p != end && *p == '.';
+  if (hasPoint)
+    for (++p; p != end && isDigit(*p); ++p) mantissa = mantissa * 10 + static_cast<unsigned>(*p - '0');
+  const auto digits = p - first - (hasPoint ? 1 : 0);
+  if (digits == 0) return nullptr;
+  if (digits <= 19) {
+    d.mantissa = mantissa;
+    d.digits = static_cast<int>(digits);
+    d.exponent = hasPoint ? static_cast<int>(point + 1 - p) : 0;
+  } else {
+    takeDigits(first, end, 0, d);
+    if (hasPoint) takeDigits(point + 1, end, 1, d);
   }
-  if (!any) return nullptr;
   if (p != end && (*p == 'e' || *p == 'E')) {
     const char* q = p + 1;
     bool negative = false;
@@ -62,23 +76,26 @@ const char* scanDecimal(const char* p, const char* end, Decimal& d) {
   return p;
 }
 
-constexpr float floatPowers[] = {1e0F, 1e1F, 1e2F, 1e3F, 1e4F, 1e5F, 1e6F, 1e7F, 1e8F, 1e9F, 1e10F};
-constexpr double doublePowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
-                                   1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+constexpr double powers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                             1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 
 // Both factors are exact in the type, so that one rounding gives the nearest value (Clinger, "How to read
 // floating point numbers accurately", 1990). False if they are not.
-bool fastValue(const Decimal& d, float& out) {
-  if (!d.exact || d.mantissa > (1U << 24) || d.exponent < -10 || d.exponent > 10) return false;
-  const float m = static_cast<float>(d.mantissa);
-  out = d.exponent < 0 ? m / floatPowers[-d.exponent] : m * floatPowers[d.exponent];
-  return true;
-}
-
 bool fastValue(const Decimal& d, double& out) {
   if (!d.exact || d.mantissa > (std::uint64_t{1} << 53) || d.exponent < -22 || d.exponent > 22) return false;
   const double m = static_cast<double>(d.mantissa);
-  out = d.exponent < 0 ? m / doublePowers[-d.exponent] : m * doublePowers[d.exponent];
+  out = d.exponent < 0 ? m / powers[-d.exponent] : m * powers[d.exponent];
+  return true;
+}
+
+// The nearest double rounds to the nearest float unless it lies half way between two, to its own precision.
+bool fastValue(const Decimal& d, float& out) {
+  double nearest = 0;
+  if (!fastValue(d, nearest)) return false;
+  constexpr std::uint64_t cutBits = 29, half = std::uint64_t{1} << (cutBits - 1);
+  const std::uint64_t rest = std::bit_cast<std::uint64_t>(nearest) & (2 * half - 1);
+  if (rest + 1 - half <= 2) return false;
+  out = static_cast<float>(nearest);
   return true;
 }
 
@@ -123,13 +140,11 @@ const char* Lexer::lineEnd(const char* from) const {
   return stop;
 }
 
-void Lexer::skipBlank() {
-  if (*cursor != '#') {
-    ++cursor;
-    return;
-  }
+// Goes to the end of the line; false if the text ends first.
+bool Lexer::skipRemark() {
   cursor = lineEnd(cursor);
   if (cursor == end) commentCut = true;
+  return cursor != end;
 }
 
 std::string_view Lexer::strictName() {

@@ -20,7 +20,8 @@ public:
 
   /// Skips white space and comments.
   void skipSpace() {
-    while (cursor != end && (classOf(*cursor) & blank)) skipBlank();
+    for (; cursor != end && (classOf(*cursor) & blank); ++cursor)
+      if (*cursor == '#' && !skipRemark()) break;
     tokenStart = cursor;
   }
   /// The next character that is no white space, -1 at the end. It is not taken.
@@ -88,7 +89,7 @@ private:
   static const std::array<std::uint8_t, 256> classes;
   static std::uint8_t classOf(char c) { return classes[static_cast<unsigned char>(c)]; }
 
-  void skipBlank();
+  bool skipRemark();
   const char* lineEnd(const char* from) const;
   template <class T> bool integer(T& out);
 
