@@ -43,6 +43,21 @@ TEST(Lexer, FractionsAreTheNearestValuesOfTheirText) {
   }
 }
 
+TEST(Lexer, FractionsBetweenTwoFloatsRoundOnce) {
+  std::mt19937 random(2);
+  char text[64];
+  for (int i = 0; i < 20000; ++i) {
+    const float below = std::ldexp(static_cast<float>((1U << 23) + random() % (1U << 23)), static_cast<int>(random() % 60) - 50);
+    const double between = (static_cast<double>(below) + static_cast<double>(std::nextafter(below, 2 * below))) / 2;
+    std::snprintf(text, sizeof text, "%.*g", 14 + i % 4, between);
+    float expected = 0;
+    std::from_chars(text, text + std::strlen(text), expected);
+    ASSERT_EQ(read<float>(text).second, expected) << text;
+  }
+  EXPECT_EQ(read<float>("16777217").second, 16777216.0F) << "half way goes to the even one";
+  EXPECT_EQ(read<float>("16777219").second, 16777220.0F);
+}
+
 TEST(Lexer, FractionsHaveManySpellings) {
   EXPECT_EQ(read<float>("+5").second, 5.0F);
   EXPECT_EQ(read<float>("1.").second, 1.0F);
