@@ -2,6 +2,7 @@
 #include "toolkit/ReadReport.h"
 
 #include <cstdio>
+#include <string_view>
 
 #include <Inventor/SbString.h>
 #include <Inventor/SoInput.h>
@@ -21,9 +22,13 @@ std::string occurredAt(const std::string& fileName, int line) {
 }
 
 // Carries our location into the toolkit's read errors, which ask an input for it and put it on a line of its own.
+// They ask for its version too: without a text of its own it would look for a header in standard input, and wait there.
 class LocatedInput : public SoInput {
 public:
-  explicit LocatedInput(const std::string& text) : location(text.starts_with('\n') ? text.c_str() + 1 : text.c_str()) {}
+  explicit LocatedInput(const std::string& text) : location(text.starts_with('\n') ? text.c_str() + 1 : text.c_str()) {
+    static constexpr std::string_view header = "#Inventor V2.1 ascii\n";
+    setBuffer(header.data(), header.size());
+  }
   void getLocationString(SbString& text) const override { text = location; }
 
 private:

@@ -7,6 +7,7 @@
 #include <Inventor/nodes/SoCone.h>
 #include <Inventor/nodes/SoSeparator.h>
 
+#include <unistd.h>
 #include <zlib.h>
 
 #include <tessel/core/VrmlGroup.h>
@@ -271,6 +272,23 @@ TEST(Read, StatementsAreTakenOneByOne) {
   ASSERT_TRUE(second);
   EXPECT_EQ(VrmlDB::readNode(&in, error), nullptr);
   EXPECT_EQ(error, 0);
+}
+
+TEST(Read, AFaultLeavesStandardInputAlone) {
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  ASSERT_EQ(write(ends[1], "mine", 4), 4);
+  close(ends[1]);
+  const int kept = dup(STDIN_FILENO);
+  dup2(ends[0], STDIN_FILENO);
+  const TestWorld world("Grop { }");
+  char text[4];
+  const auto left = read(STDIN_FILENO, text, sizeof text);
+  dup2(kept, STDIN_FILENO);
+  close(kept);
+  close(ends[0]);
+  EXPECT_EQ(world.status, ReadStatus::failed);
+  EXPECT_EQ(left, 4);
 }
 
 TEST(Read, IdentifiersAreWide) {
