@@ -104,9 +104,15 @@ SbRotation VrmlBillboard::calculateRotation(SoAction* action) {
 }
 
 void VrmlBillboard::doAction(SoAction* action) {
-  const tessel::StateScope scope(action->getState());
-  rotationAmount = calculateRotation(action);
-  SoModelMatrixElement::rotateBy(action->getState(), this, rotationAmount);
+  SoState* state = action->getState();
+  const tessel::StateScope scope(state);
+  // Some traversals have no place in space (a count), others no viewer (a collision): there the children are, or
+  // stay, as they were turned last.
+  const bool inSpace = state->isElementEnabled(SoModelMatrixElement::getClassStackIndex());
+  const bool seen = state->isElementEnabled(SoViewVolumeElement::getClassStackIndex()) &&
+                    state->isElementEnabled(SoViewingMatrixElement::getClassStackIndex());
+  if (inSpace && seen) rotationAmount = calculateRotation(action);
+  if (inSpace) SoModelMatrixElement::rotateBy(state, this, rotationAmount);
   VrmlBaseGroup::doAction(action);
 }
 

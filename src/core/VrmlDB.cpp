@@ -18,6 +18,7 @@
 #include <tessel/toolkit/Scoped.h>
 
 #include "Registration.h"
+#include "core/Loops.h"
 #include "core/WorldReader.h"
 
 using tessel::ReadOptions;
@@ -50,6 +51,7 @@ Attached& attached() {
 // A reader for a text with a V2 header. Null with the status that the read ends in.
 std::unique_ptr<WorldReader> makeReader(std::optional<tessel::SourceText> text, const std::string& fileName,
                                         const std::string& complaint, const ReadOptions& options, ReadStatus& status) {
+  tessel::releaseLoops();  // what the last world left, where no delay queue runs
   status = ReadStatus::failed;
   if (!text) {
     tessel::postReadError(fileName, 1, complaint);

@@ -13,6 +13,7 @@
 #include <tessel/toolkit/Scoped.h>
 
 #include "core/FieldSpec.h"
+#include "core/Loops.h"
 #include "core/WorldReader.h"
 #include "toolkit/TypeNames.h"
 
@@ -71,6 +72,19 @@ bool VrmlNode::isSensorEnabled() const { return false; }
 void VrmlNode::ignoreGrabRelease() {}
 bool VrmlNode::holdsNodesWeakly() const { return false; }
 const tessel::FieldSpec* VrmlNode::findField(std::string_view) const { return nullptr; }
+
+void VrmlNode::discountReference() {
+  ++discounted;
+  unrefNoDelete();
+}
+
+void VrmlNode::destroy() {
+  for (; discounted > 0; --discounted) ref();
+  if (getRefCount() > 0)
+    tessel::releaseLater(*this);
+  else
+    inherited::destroy();
+}
 
 bool VrmlNode::readBody(tessel::WorldReader& reader) {
   const tessel::NotifyOff silence(static_cast<SoNode&>(*this));

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "core/WorldReader.h"
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 
@@ -160,6 +161,7 @@ SoRef<VrmlNode> WorldReader::readUse() {
     return {};
   }
   if (!addExpanded(found->second.expanded)) return {};
+  if (isOpen(node)) node->discountReference();
   return SoRef<VrmlNode>(node);
 }
 
@@ -170,6 +172,10 @@ bool WorldReader::addExpanded(std::uint64_t nodes) {
   return sum <= readOptions.maxExpanded ||
          error("The world shows more than %llu nodes, each USE counted anew",
                static_cast<unsigned long long>(readOptions.maxExpanded));
+}
+
+bool WorldReader::isOpen(const VrmlNode* node) const {
+  return std::ranges::any_of(open, [node](const OpenNode& one) { return one.node == node; });
 }
 
 bool WorldReader::makesCycle(const VrmlNode* node) const {

@@ -110,6 +110,7 @@ private:
   SoRef<VrmlNode> readDefinition(std::string_view defName, std::string_view typeName);
   SoRef<VrmlNode> readUse();
   bool readEventForm(VrmlNode& node, std::string_view name);
+  bool isOpen(const VrmlNode* node) const;
   bool makesCycle(const VrmlNode* node) const;
   bool addExpanded(std::uint64_t nodes);
   void warnOfRest();

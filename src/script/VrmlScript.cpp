@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include <tessel/script/VrmlScript.h>
 
+#include <algorithm>
 #include <string>
 
 #include <tessel/toolkit/Scoped.h>
@@ -99,10 +100,27 @@ bool VrmlScript::readDeclaration(tessel::WorldReader& reader, const Keyword& key
   return !failed;
 }
 
+static void discountCopy(const SoNode* original, SoNode* copy) {
+  if (!original || !copy || copy == original || !original->isOfType(VrmlNode::getClassTypeId())) return;
+  if (static_cast<const VrmlNode*>(original)->getDiscounted() > 0) static_cast<VrmlNode*>(copy)->discountReference();
+}
+
 void VrmlScript::copyContents(const SoFieldContainer* from, SbBool copyConnections) {
   for (const Declared& one : static_cast<const VrmlScript*>(from)->declared)
     addField(one.kind, tessel::valueTypeOf(*one.field), one.name);
   NodeClass::copyContents(from, copyConnections);
+  // What the original knows above itself its copy knows too, as a copy.
+  for (const Declared& one : declared) {
+    const SoField* original = from->getField(one.name);
+    if (!original || one.kind == FieldKind::internal) continue;
+    if (tessel::valueTypeOf(*one.field) == ValueType::sfNode)
+      discountCopy(static_cast<const SoSFNode*>(original)->getValue(), static_cast<SoSFNode&>(*one.field).getValue());
+    if (tessel::valueTypeOf(*one.field) == ValueType::mfNode) {
+      const auto& originals = *static_cast<const SoMFNode*>(original);
+      const auto& copies = static_cast<SoMFNode&>(*one.field);
+      for (int i = 0; i < std::min(originals.getNum(), copies.getNum()); ++i) discountCopy(originals[i], copies[i]);
+    }
+  }
 }
 
 template class tessel::NodeClass<VrmlScript, VrmlNode>;

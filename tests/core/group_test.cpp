@@ -13,6 +13,7 @@
 #include <Inventor/nodes/SoPerspectiveCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
 
+#include <tessel/actions/VrmlCountAction.h>
 #include <tessel/core/VrmlBillboard.h>
 #include <tessel/core/VrmlGroup.h>
 #include <tessel/core/VrmlTransform.h>
@@ -257,6 +258,13 @@ TEST(Billboard, TurnsToTheViewer) {
 
   const TestWorld fixed("Billboard { axisOfRotation 0 0 1 children WorldInfo { } }");
   expectNear(turnedFor(static_cast<VrmlNode*>(fixed.root()), SbVec3f(5, 5, 5)).y, SbVec3f(0, 1, 0));
+}
+
+TEST(Billboard, IsCountedWithoutAPlaceInSpace) {
+  const TestWorld world("Billboard { children Shape { geometry Box { } } }");
+  VrmlCountAction count;
+  count.apply(world.root());
+  EXPECT_EQ(count.numTriangles, 12);
 }
 
 TEST(Billboard, ItsBoxHoldsTheChildrenInAllRotations) {

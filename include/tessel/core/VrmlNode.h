@@ -95,6 +95,12 @@ public:
   /// it (a Script).
   virtual bool holdsNodesWeakly() const;
 
+  /// Called when a node below this one, in a field that holds weakly, has taken or is about to take a reference to
+  /// it: that reference no longer keeps the node alive.
+  void discountReference();
+  /// How many references do not count.
+  int getDiscounted() const { return discounted; }
+
   /// Reads the body of the node, from behind its opening brace up to its closing one.
   /// False after a report if the body is wrong. Notification is off meanwhile.
   virtual bool readBody(tessel::WorldReader& reader);
@@ -118,7 +124,11 @@ protected:
 
   std::uint32_t kidType = 0;
 
+  /// Comes when the reference count falls to zero.
+  void destroy() override;
+
 private:
+  int discounted = 0;
   /// The toolkit's reader never reads our nodes: gives FALSE after a report.
   SbBool readInstance(SoInput* in, unsigned short flags) override;
 

@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "core/Loops.h"
+
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include <Inventor/fields/SoMFNode.h>
+#include <Inventor/fields/SoSFNode.h>
+#include <Inventor/lists/SoFieldList.h>
+#include <Inventor/misc/SoChildList.h>
+#include <Inventor/sensors/SoOneShotSensor.h>
+
+#include <tessel/core/VrmlNode.h>
+#include <tessel/toolkit/Scoped.h>
+#include <tessel/toolkit/SoRef.h>
+
+namespace tessel {
+
+namespace {
+
+// Nodes in doubt, and what looks at them if no read does. Never destroyed: nodes may outlive static objects.
+struct Waiting {
+  std::vector<SoRef<VrmlNode>> nodes;
+  SoOneShotSensor sensor{[](void*, SoSensor*) { releaseLoops(); }, nullptr};
+};
+Waiting& waiting() {
+  static auto* const all = new Waiting;
+  return *all;
+}
+
+// Gives each node that a field holds at this moment. To ask the field itself would run the connection that feeds
+// it, which changes what is held.
+struct SingleField : SoSFNode {
+  template <class Visit> static void visit(const SoField& field, Visit visit) {
+    constexpr auto held = &SingleField::value;
+    if (SoNode* node = static_cast<const SoSFNode&>(field).*held) visit(node);
+  }
+};
+struct MultipleField : SoMFNode {
+  template <class Visit> static void visit(const SoField& f, Visit visit) {
+    constexpr auto held = &MultipleField::values;
+    constexpr auto count = &MultipleField::num;
+    const auto& field = static_cast<const SoMFNode&>(f);
+    for (int i = 0; i < field.*count; ++i)
+      if (SoNode* node = (field.*held)[i]) visit(node);
+  }
+};
+
+bool isSingle(const SoField& field) { return field.isOfType(SoSFNode::getClassTypeId()); }
+bool isMultiple(const SoField& field) { return field.isOfType(SoMFNode::getClassTypeId()); }
+
+// Gives each node that a node holds, as often as it holds it.
+template <class Visit> void visitHeld(const SoNode& node, Visit visit) {
+  if (const SoChildList* children = node.getChildren())
+    for (int i = 0; i < children->getLength(); ++i)
+      if (SoNode* child = (*children)[i]) visit(child);
+  SoFieldList fields;
+  node.getFields(fields);
+  for (int i = 0; i < fields.getLength(); ++i) {
+    if (isSingle(*fields[i])) SingleField::visit(*fields[i], visit);
+    if (isMultiple(*fields[i])) MultipleField::visit(*fields[i], visit);
+  }
+}
+
+using Counts = std::unordered_map<SoNode*, int>;
+
+// All that can be reached from the nodes in doubt, and how often each is held by us and from in there.
+Counts reachable(const Counts& inDoubt) {
+  Counts held = inDoubt;
+  std::vector<const SoNode*> open;
+  for (const auto& [node, count] : inDoubt) open.push_back(node);
+  while (!open.empty()) {
+    const SoNode* node = open.back();
+    open.pop_back();
+    visitHeld(*node, [&](SoNode* inside) {
+      const auto [place, isNew] = held.try_emplace(inside);
+      ++place->second;
+      if (isNew) open.push_back(inside);
+    });
+  }
+  return held;
+}
+
+VrmlNode* asVrmlNode(SoNode* node) {
+  return node->isOfType(VrmlNode::getClassTypeId()) ? static_cast<VrmlNode*>(node) : nullptr;
+}
+
+int referencesOf(SoNode* node) {
+  const VrmlNode* ours = asVrmlNode(node);
+  return node->getRefCount() + (ours ? ours->getDiscounted() : 0);
+}
+
+// Takes away what is held from outside, directly or through others. Of the nodes in doubt that live on, each hangs
+// from such a one: from now on, that one's references from in there are discounted.
+void removeLiving(Counts& held, const Counts& inDoubt) {
+  std::vector<std::pair<SoNode*, int>> living;
+  for (const auto& [node, count] : held)
+    if (referencesOf(node) > count) living.emplace_back(node, count);
+  std::vector<const SoNode*> open;
+  for (const auto& [root, count] : living) {
+    bool loops = false;
+    const auto save = [&](SoNode* node) {
+      if (held.erase(node) == 0) return;
+      open.push_back(node);
+      loops = loops || inDoubt.contains(node);
+    };
+    save(root);
+    while (!open.empty()) {
+      const SoNode* node = open.back();
+      open.pop_back();
+      visitHeld(*node, save);
+    }
+    VrmlNode* ours = asVrmlNode(root);
+    if (!loops || !ours) continue;
+    const auto own = inDoubt.find(root);
+    const int inside = count - (own == inDoubt.end() ? 0 : own->second);
+    for (int i = ours->getDiscounted(); i < inside; ++i) ours->discountReference();
+  }
+}
+
+void clearNodeFields(SoNode& node) {
+  const NotifyOff silence(node);
+  SoFieldList fields;
+  node.getFields(fields);
+  for (int i = 0; i < fields.getLength(); ++i) {
+    SoField& field = *fields[i];
+    if (!isSingle(field) && !isMultiple(field)) continue;
+    field.disconnect();
+    if (isSingle(field))
+      static_cast<SoSFNode&>(field).setValue(nullptr);
+    else
+      static_cast<SoMFNode&>(field).setNum(0);
+  }
+}
+
+}  // namespace
+
+void releaseLater(VrmlNode& node) {
+  Waiting& all = waiting();
+  all.nodes.emplace_back(&node);
+  if (!all.sensor.isScheduled()) all.sensor.schedule();
+}
+
+void releaseLoops() {
+  // What one round frees may hold a node that waited for nothing else.
+  while (!waiting().nodes.empty()) {
+    const auto nodes = std::exchange(waiting().nodes, {});
+    Counts inDoubt;
+    for (const auto& node : nodes) ++inDoubt[node.get()];
+    Counts held = reachable(inDoubt);
+    removeLiving(held, inDoubt);
+    std::vector<SoRef<SoNode>> cut;
+    for (const auto& [node, count] : held)
+      if (VrmlNode* ours = asVrmlNode(node); ours && ours->holdsNodesWeakly()) cut.emplace_back(ours);
+    for (const auto& node : cut) clearNodeFields(*node);
+  }
+}
+
+}  // namespace tessel
