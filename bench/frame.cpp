@@ -194,12 +194,18 @@ std::string shape(int i, float transparency = 0, int geometry = 0) {
   return text;
 }
 
+std::string partName(int i) {
+  std::string name("T");
+  name += std::to_string(i);
+  return name;
+}
+
 /// Shapes under a tree of Transforms with eight branches each, or all in one group.
 std::string tree(int n, int& made, int arity) {
   std::string text = "Transform { " + place(made + 7, 10) + " children [ ";
   if (n <= arity)
     for (int i = 0; i < n; ++i, ++made)
-      text += "DEF T" + std::to_string(made) + " Transform { " + place(made, 10) + " children " + shape(made) + " }\n";
+      text += partName(made).insert(0, "DEF ") + " Transform { " + place(made, 10) + " children " + shape(made) + " }\n";
   else
     for (int i = 0; i < arity; ++i) text += tree(n / arity + (i < n % arity ? 1 : 0), made, arity);
   return text + "] }\n";
@@ -258,7 +264,7 @@ void moving(benchmark::State& state) {
   Frame frame(builds[state.range(0)](n));
   std::vector<VrmlTransform*> movers;
   for (int i = 0; i < 10; ++i)
-    movers.push_back(static_cast<VrmlTransform*>(SoNode::getByName(("T" + std::to_string(i * n / 10)).c_str())));
+    movers.push_back(static_cast<VrmlTransform*>(SoNode::getByName(partName(i * n / 10).c_str())));
   int step = 0;
   for (auto _ : state) {
     ++step;

@@ -129,6 +129,12 @@ const VrmlBaseGroup::Orders& VrmlBaseGroup::orders() const {
 }
 
 const std::vector<int>& VrmlBaseGroup::getRenderOrder() const { return orders().render; }
+std::span<const int> VrmlBaseGroup::getRenderOrder(bool actsOnSiblings) const {
+  const Orders& o = orders();
+  const std::span<const int> all(o.render);
+  return actsOnSiblings ? all.first(o.numRenderFirst) : all.subspan(o.numRenderFirst);
+}
+
 const std::vector<int>& VrmlBaseGroup::getEventOrder() const { return orders().event; }
 
 int VrmlBaseGroup::hasEnabledGeometricSensors() const {
@@ -189,19 +195,24 @@ void VrmlBaseGroup::doPreTraverse(VrmlPreTraverseAction* action) {
 void VrmlBaseGroup::getBoundingBox(SoGetBoundingBoxAction* action) {
   int numIndices = 0;
   const int* indices = nullptr;
-  const bool inPath = action->getPathCode(numIndices, indices) == SoAction::IN_PATH;
-  const int first = inPath ? indices[numIndices - 1] : 0;
-  const int last = inPath ? first : childList->getLength() - 1;
   SbVec3f sum(0, 0, 0);
+  const int centers = action->getPathCode(numIndices, indices) == SoAction::IN_PATH
+                          ? extendByChildren(action, {indices + numIndices - 1, 1}, sum)
+                          : extendByChildren(action, orders().render, sum);
+  if (centers > 0) action->setCenter(sum / static_cast<float>(centers), FALSE);
+}
+
+int VrmlBaseGroup::extendByChildren(SoGetBoundingBoxAction* action, std::span<const int> which,
+                                    SbVec3f& sumOfCenters) {
   int centers = 0;
-  for (int i = first; i <= last; ++i) {
+  for (const int i : which) {
     childList->traverse(action, i);
     if (!action->isCenterSet()) continue;
-    sum += action->getCenter();
+    sumOfCenters += action->getCenter();
     ++centers;
     action->resetCenter();
   }
-  if (centers > 0) action->setCenter(sum / static_cast<float>(centers), FALSE);
+  return centers;
 }
 
 // Rendering.
@@ -220,9 +231,11 @@ void VrmlBaseGroup::GLRender(SoGLRenderAction* action) {
   }
 }
 
-void VrmlBaseGroup::GLRenderBelowPath(SoGLRenderAction* action) {
+void VrmlBaseGroup::GLRenderBelowPath(SoGLRenderAction* action) { renderChildren(action, orders().render); }
+
+void VrmlBaseGroup::renderChildren(SoGLRenderAction* action, std::span<const int> which) {
   action->pushCurPath();
-  for (const int i : orders().render) {
+  for (const int i : which) {
     SoNode* child = (*childList)[i];
     action->popPushCurPath(i, child);
     if (action->abortNow()) {

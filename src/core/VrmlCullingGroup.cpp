@@ -9,7 +9,6 @@
 #include <Inventor/elements/SoBBoxModelMatrixElement.h>
 #include <Inventor/elements/SoCacheElement.h>
 #include <Inventor/elements/SoCullElement.h>
-#include <Inventor/elements/SoLocalBBoxMatrixElement.h>
 #include <Inventor/elements/SoViewportRegionElement.h>
 #include <Inventor/misc/SoState.h>
 #include <Inventor/sensors/SoOneShotSensor.h>
@@ -19,6 +18,8 @@
 #include <tessel/toolkit/Scoped.h>
 
 #include "actions/RenderCache.h"
+#include "core/BoxCache.h"
+#include "core/ChildRuns.h"
 #include "core/NodeClassImpl.h"
 
 using tessel::FieldKind;
@@ -42,6 +43,18 @@ WaitingGroups& waiting() {
 }
 
 }  // namespace
+
+/// What is found out about the group and holds until something in it changes.
+struct VrmlCullingGroup::Caches {
+  tessel::BoxCache box;
+  tessel::RenderCache drawing{numRenderCaches};
+  tessel::ChildRuns runs;
+};
+
+VrmlCullingGroup::Caches& VrmlCullingGroup::caches() {
+  if (!allCaches) allCaches = std::make_unique<Caches>();
+  return *allCaches;
+}
 
 std::span<const FieldSpec> VrmlCullingGroup::fields() {
   static constexpr FieldSpec table[] = {
@@ -84,15 +97,15 @@ bool VrmlCullingGroup::readBody(tessel::WorldReader& reader) {
 bool VrmlCullingGroup::hasDeclaredBox() const { return !bboxCenter.isDefault() || !bboxSize.isDefault(); }
 
 void VrmlCullingGroup::updateBoundingBox(SoAction* action) {
-  if (bboxCache) return;
+  if (caches().box.get()) return;
   if (!hasDeclaredBox()) {
     SoGetBoundingBoxAction fill(SoViewportRegionElement::get(action->getState()));
     fill.apply(this);
     return;
   }
   const SbVec3f half = bboxSize.getValue() / 2;
-  bboxCache.reset(new SoBoundingBoxCache(action->getState()));
-  bboxCache->set(SbXfBox3f(bboxCenter.getValue() - half, bboxCenter.getValue() + half), TRUE, SbVec3f(0, 0, 0));
+  caches().box.keep(action->getState(), SbXfBox3f(bboxCenter.getValue() - half, bboxCenter.getValue() + half), true,
+            SbVec3f(0, 0, 0));
 }
 
 void VrmlCullingGroup::getBoundingBox(SoGetBoundingBoxAction* action) {
@@ -102,62 +115,54 @@ void VrmlCullingGroup::getBoundingBox(SoGetBoundingBoxAction* action) {
     action->setCenter(bboxCenter.getValue(), FALSE);
     return;
   }
-
-  SoState* state = action->getState();
   const SoAction::PathCode code = action->getCurPathCode();
   if (code == SoAction::OFF_PATH) return;
-  const bool caching = code != SoAction::IN_PATH && !action->isInCameraSpace() && !action->getResetPath();
-
-  if (caching && bboxCache && bboxCache->isValid(state)) {
-    SoCacheElement::addCacheDependency(state, bboxCache.get());
-    if (bboxCache->hasLinesOrPoints()) SoBoundingBoxCache::setHasLinesOrPoints(state);
-    action->extendBy(bboxCache->getBox());
-    if (bboxCache->isCenterSet()) action->setCenter(bboxCache->getCenter(), TRUE);
-    return;
+  if (code == SoAction::IN_PATH || action->isInCameraSpace() || action->getResetPath()) {
+    const tessel::StateScope scope(action->getState());
+    VrmlBaseGroup::getBoundingBox(action);
+  } else if (!caches().box.extend(action)) {
+    caches().box.fill(action, [&] { extendByAllChildren(action); });
   }
-  if (!caching) {
-    const tessel::StateScope scope(state);
+}
+
+void VrmlCullingGroup::extendByAllChildren(SoGetBoundingBoxAction* action) {
+  if (getNumChildren() < tessel::ChildRuns::many) {
     VrmlBaseGroup::getBoundingBox(action);
     return;
   }
-
-  SbXfBox3f& box = action->getXfBoundingBox();
-  const SbXfBox3f before = box;
-  const SbBool stored = SoCacheElement::setInvalid(FALSE);
-  bool hasCenter = false;
-  SbVec3f center(0, 0, 0);
-  SbXfBox3f children;
-  {
-    const tessel::StateScope scope(state);
-    bboxCache.reset(new SoBoundingBoxCache(state));
-    SoCacheElement::set(state, bboxCache.get());
-    SoLocalBBoxMatrixElement::makeIdentity(state);
-    box.makeEmpty();
+  SbVec3f sum(0, 0, 0);
+  int centers = extendByChildren(action, getRenderOrder(true), sum);
+  for (const auto& run : caches().runs.update(*childList, getRenderOrder(false))) {
+    if (!run->box.extend(action))
+      run->box.fill(action, [&] {
+        // Each child's box as it lies in the group's space: joining turned boxes would make a loose one.
+        SbXfBox3f& box = action->getXfBoundingBox();
+        SbBox3f whole;
+        SbVec3f ofRun(0, 0, 0);
+        run->numCenters = 0;
+        for (const int& child : run->children) {
+          box.makeEmpty();
+          run->numCenters += extendByChildren(action, {&child, 1}, ofRun);
+          if (!box.isEmpty()) whole.extendBy(box.project());
+        }
+        box = SbXfBox3f(whole);
+        if (run->numCenters > 0) action->setCenter(ofRun / static_cast<float>(run->numCenters), FALSE);
+      });
+    if (!action->isCenterSet()) continue;
+    sum += action->getCenter() * static_cast<float>(run->numCenters);
+    centers += run->numCenters;
     action->resetCenter();
-    VrmlBaseGroup::getBoundingBox(action);
-    children = box;
-    hasCenter = action->isCenterSet();
-    if (hasCenter) {
-      center = action->getCenter();
-      action->resetCenter();
-    }
-    bboxCache->set(children, hasCenter, center);
   }
-  SoCacheElement::setInvalid(stored);
-  box = before;
-  if (!children.isEmpty()) {
-    action->extendBy(children);
-    if (hasCenter) action->setCenter(center, TRUE);
-  }
+  if (centers > 0) action->setCenter(sum / static_cast<float>(centers), FALSE);
 }
 
 // Rendering.
 
 bool VrmlCullingGroup::cullTest(SoGLRenderAction* action) {
   updateBoundingBox(action);
-  if (!bboxCache) return false;
-  const SbBox3f& box = bboxCache->getProjectedBox();
-  return box.isEmpty() || SoCullElement::cullBox(action->getState(), box, TRUE);
+  if (!caches().box.get()) return false;
+  const SbBox3f& bounds = caches().box.get()->getProjectedBox();
+  return bounds.isEmpty() || SoCullElement::cullBox(action->getState(), bounds, TRUE);
 }
 
 void VrmlCullingGroup::GLRenderBelowPath(SoGLRenderAction* action) {
@@ -173,14 +178,29 @@ void VrmlCullingGroup::GLRenderBelowPath(SoGLRenderAction* action) {
     reallyRenderBelowPath(action);
     return;
   }
-  if (!renderCache) renderCache = std::make_unique<tessel::RenderCache>(numRenderCaches);
-  if (renderCache->call(action)) return;
-  renderCache->open(action);
+  tessel::RenderCache& drawing = caches().drawing;
+  if (drawing.call(action)) return;
+  drawing.open(action);
   reallyRenderBelowPath(action);
-  renderCache->close(action);
+  drawing.close(action);
 }
 
-void VrmlCullingGroup::reallyRenderBelowPath(SoGLRenderAction* action) { VrmlBaseGroup::GLRenderBelowPath(action); }
+void VrmlCullingGroup::reallyRenderBelowPath(SoGLRenderAction* action) {
+  // A run is for children that need no test against the view.
+  if (getNumChildren() < tessel::ChildRuns::many || !SoCullElement::completelyInside(action->getState())) {
+    VrmlBaseGroup::GLRenderBelowPath(action);
+    return;
+  }
+  renderChildren(action, getRenderOrder(true));
+  for (const auto& run : caches().runs.update(*childList, getRenderOrder(false))) {
+    const tessel::StateScope scope(action->getState());
+    if (run->drawing.call(action)) continue;
+    run->drawing.open(action);
+    renderChildren(action, run->children);
+    run->drawing.close(action);
+    if (action->hasTerminated()) break;
+  }
+}
 
 // Other traversals.
 
@@ -188,11 +208,11 @@ void VrmlCullingGroup::rayPick(SoRayPickAction* action) {
   if (action->getCurPathCode() == SoAction::OFF_PATH) return;
   if (action->isCullingEnabled() && action->hasWorldSpaceRay()) {
     updateBoundingBox(action);
-    if (bboxCache) {
-      const SbBox3f& box = bboxCache->getProjectedBox();
+    if (const SoBoundingBoxCache* cache = caches().box.get()) {
+      const SbBox3f& box = cache->getProjectedBox();
       if (box.isEmpty()) return;
       action->setObjectSpace();
-      if (!action->intersect(box, bboxCache->hasLinesOrPoints())) return;
+      if (!action->intersect(box, cache->hasLinesOrPoints())) return;
     }
   }
   pick(action);
@@ -202,7 +222,8 @@ void VrmlCullingGroup::collisionDetect(VrmlCollideAction* action) {
   const SoAction::PathCode code = action->getCurPathCode();
   if (code == SoAction::BELOW_PATH || code == SoAction::OFF_PATH) return;
   updateBoundingBox(action);
-  if (bboxCache && (bboxCache->getProjectedBox().isEmpty() || !action->collideXfBox(bboxCache->getBox()))) return;
+  const SoBoundingBoxCache* cache = caches().box.get();
+  if (cache && (cache->getProjectedBox().isEmpty() || !action->collideXfBox(cache->getBox()))) return;
   const tessel::StateScope scope(action->getState());
   doAction(action);
 }
@@ -218,8 +239,10 @@ void VrmlCullingGroup::count(VrmlCountAction* action) {
 void VrmlCullingGroup::childrenChanged() { children.touch(); }
 
 void VrmlCullingGroup::notify(SoNotList* list) {
-  bboxCache.reset();
-  if (renderCache) renderCache->invalidate();
+  if (allCaches) {
+    allCaches->box.drop();
+    allCaches->drawing.invalidate();
+  }
   const SoField* field = list->getLastField();
   if (isNotifyEnabled() && list->getLastRec() && list->getLastRec()->getType() == SoNotRec::CONTAINER &&
       (field == &addChildren || field == &removeChildren))

@@ -5,6 +5,7 @@
 #include <tessel/core/VrmlNode.h>
 #include <tessel/toolkit/SoRef.h>
 
+#include <span>
 #include <vector>
 
 #include <Inventor/SbViewVolume.h>
@@ -77,6 +78,14 @@ protected:
   ~VrmlBaseGroup() override;
 
   std::unique_ptr<SoChildList> childList;
+
+  /// The part of the order of rendering that does not act on siblings, or that does.
+  std::span<const int> getRenderOrder(bool actsOnSiblings) const;
+  /// Draws the children with these indices.
+  void renderChildren(SoGLRenderAction* action, std::span<const int> which);
+  /// Extends the action's box by those of the children with these indices. Adds up their centers instead of
+  /// leaving one set, and gives the number of those that had one.
+  int extendByChildren(SoGetBoundingBoxAction* action, std::span<const int> which, SbVec3f& sumOfCenters);
 
   /// Reports a change of the child list, which was made in silence: through the `children` field where a
   /// class has one.

@@ -8,12 +8,7 @@
 #include <Inventor/fields/SoSFVec3f.h>
 
 class SbXfBox3f;
-class SoBoundingBoxCache;
 class SoSensor;
-
-namespace tessel {
-class RenderCache;
-}
 
 /// A group with a bounding box, view-frustum culling, display-list caches, and children that events change.
 class TESSEL_API VrmlCullingGroup : public tessel::NodeClass<VrmlCullingGroup, VrmlBaseGroup> {
@@ -64,7 +59,10 @@ private:
   static void scheduleSensor(VrmlCullingGroup* group);
   static void childSensorCB(void* data, SoSensor* sensor);
 
-  tessel::SoRef<SoBoundingBoxCache> bboxCache;
-  std::unique_ptr<tessel::RenderCache> renderCache;  // made when the group is first drawn
+  struct Caches;
+  Caches& caches();
+  void extendByAllChildren(SoGetBoundingBoxAction* action);
+
+  std::unique_ptr<Caches> allCaches;  // made when they are first needed
   bool wasCulled = false;
 };
