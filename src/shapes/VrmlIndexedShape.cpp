@@ -68,10 +68,10 @@ void VrmlIndexedShape::mirror(const SoNotList* list, SoMFInt32& indices, SoMFInt
   const SoField* changed = list->getLastField();
   if (inNotify || (changed != &indices && changed != &event)) return;
   inNotify = true;
-  if (changed == &indices)
-    event = indices;
-  else
+  if (changed == &event)
     indices = event;
+  else if (isNotifyEnabled())  // during a read nobody looks, and a second copy of a large list is dear
+    event = indices;
   inNotify = false;
 }
 
