@@ -6,77 +6,18 @@
 
 #include <cmath>
 #include <cstdio>
-#include <memory>
 #include <string>
 #include <vector>
 
-#include <Inventor/SoDB.h>
-#include <Inventor/SoInteraction.h>
 #include <Inventor/SoPrimitiveVertex.h>
 #include <Inventor/actions/SoCallbackAction.h>
-#include <Inventor/nodes/SoPerspectiveCamera.h>
-#include <Inventor/nodes/SoSeparator.h>
-#include <Inventor/system/gl.h>
 
-#include <tessel/actions/VrmlPreTraverseAction.h>
-#include <tessel/actions/VrmlRenderAction.h>
-#include <tessel/core/VrmlDB.h>
 #include <tessel/core/VrmlTransform.h>
 #include <tessel/shapes/VrmlGeometry.h>
-#include <tessel/toolkit/SoRef.h>
 
-#include "host/gl/OffscreenContext.h"
+#include "Frame.h"
 
 namespace {
-
-constexpr int width = 256, height = 256;
-
-/// A context, a camera that sees all of a world, and the action that draws it.
-class Frame {
-public:
-  explicit Frame(const std::string& text) : root(new SoSeparator), action(SbViewportRegion(width, height)) {
-    context().makeCurrent();
-    tessel::ReadStatus status;
-    world.reset(VrmlDB::read("#VRML V2.0 utf8\n" + text, "bench.wrl", status));
-    if (!world) std::abort();
-    camera = new SoPerspectiveCamera;
-    root->addChild(camera);
-    root->addChild(world.get());
-    root->renderCaching = SoSeparator::OFF;
-    camera->viewAll(world.get(), action.getViewportRegion(), 1);
-    action.setTransparencyType(SoGLRenderAction::SORTED_OBJECT_BLEND);
-    for (int i = 0; i < 8; ++i) draw();  // until every display list stands
-  }
-
-  void draw() {
-    clear();
-    preTraverse.apply(world.get());
-    action.apply(root.get());
-    glFinish();
-  }
-
-  void clear() {
-    context().makeCurrent();
-    glEnable(GL_DEPTH_TEST);
-    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-  }
-
-  SoNode* getWorld() const { return world.get(); }
-  const SoPerspectiveCamera* getCamera() const { return camera; }
-
-private:
-  static tessel::host::OffscreenContext& context() {
-    static std::string failure;
-    static const auto shared = tessel::host::OffscreenContext::create(width, height, failure);
-    return *shared;
-  }
-
-  tessel::SoRef<SoSeparator> root;
-  tessel::SoRef<SoNode> world;
-  SoPerspectiveCamera* camera;
-  VrmlRenderAction action;
-  VrmlPreTraverseAction preTraverse;
-};
 
 /// The rival: each shape's triangles in a display list of one glDrawElements, drawn in a loop that sets matrix
 /// and colour and nothing else.
@@ -100,7 +41,7 @@ public:
   }
 
   void draw(bool blended) const {
-    const SbViewVolume volume = camera->getViewVolume(static_cast<float>(width) / height);
+    const SbViewVolume volume = camera->getViewVolume(static_cast<float>(Frame::width) / Frame::height);
     SbMatrix viewing, projection;
     volume.getMatrices(viewing, projection);
     glMatrixMode(GL_PROJECTION);
@@ -229,16 +170,6 @@ std::string glass(int n) {
 
 using Build = std::string (*)(int);
 constexpr Build builds[] = {shapesTree, flat, glass};
-
-void start() {
-  static const bool once = [] {
-    SoDB::init();
-    SoInteraction::init();
-    VrmlDB::init();
-    return true;
-  }();
-  (void)once;
-}
 
 void bare(benchmark::State& state) {
   start();

@@ -9,17 +9,19 @@
 #include <span>
 
 #include <Inventor/SbColor.h>
+#include <Inventor/SbVec3f.h>
 
 namespace tessel {
 
 /// Where the values stand in a vertex, in bytes. A vertex begins with its position, three floats.
 struct VertexFormat {
-  bool normals = false;    ///< three floats
-  bool colors = false;     ///< four bytes: red, green, blue, alpha
-  bool texCoords = false;  ///< two floats
+  bool normals = false;       ///< three floats
+  bool shortNormals = false;  ///< not floats but three shorts, 32767 for 1, and two bytes of nothing
+  bool colors = false;        ///< four bytes: red, green, blue, alpha
+  bool texCoords = false;     ///< two floats
 
   std::size_t normalAt() const { return 12; }
-  std::size_t colorAt() const { return normals ? 24 : 12; }
+  std::size_t colorAt() const { return !normals ? 12 : shortNormals ? 20 : 24; }
   std::size_t texCoordAt() const { return colorAt() + (colors ? 4 : 0); }
   std::size_t stride() const { return texCoordAt() + (texCoords ? 8 : 0); }
 };
@@ -37,6 +39,14 @@ inline std::array<std::uint8_t, 4> colorBytes(const SbColor& color, std::uint8_t
   return {byteOf(color[0]), byteOf(color[1]), byteOf(color[2]), alpha};
 }
 
+/// A normal as a vertex holds it in shorts. Expects components from -1 to 1.
+inline std::array<std::int16_t, 4> normalShorts(const SbVec3f& normal) {
+  const auto shortOf = [](float value) {
+    return static_cast<std::int16_t>(value * 32767 + (value < 0 ? -0.5f : 0.5f));
+  };
+  return {shortOf(normal[0]), shortOf(normal[1]), shortOf(normal[2]), 0};
+}
+
 /// A mesh on its way into buffers.
 struct BufferContent {
   /// An index that ends a strip, so that the next vertex begins another.
@@ -46,6 +56,8 @@ struct BufferContent {
   std::size_t vertexCount = 0;
   /// Numbers of vertices in the order of drawing. Must live until the buffers are filled.
   std::span<const std::uint32_t> indices;
+  /// How many indices make a primitive, so that a large mesh may be cut into parts; 0 if it may not.
+  int primitiveSize = 0;
   bool isInOrder = false;     ///< no indices: all vertices in their order
   bool hasStripEnds = false;  ///< whether `indices` has ends of strips
   /// Writes `count` vertices from number `first` on. Called for large pieces.

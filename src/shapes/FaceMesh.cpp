@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstring>
 #include <unordered_map>
 
@@ -33,7 +34,12 @@ FaceMesh::Key FaceMesh::keyOf(const CornerIndices& attribute) const {
 void FaceMesh::build(const FaceMeshSource& from, Layout layout) {
   source = from;
   flat = layout == Layout::flat;
-  form = {!source.normals.empty(), !source.colors.empty(), !source.texCoords.empty()};
+  form.normals = !source.normals.empty();
+  form.shortNormals = form.normals && std::ranges::all_of(source.normals, [](const SbVec3f& n) {
+    return std::max({std::abs(n[0]), std::abs(n[1]), std::abs(n[2])}) <= 1;
+  });
+  form.colors = !source.colors.empty();
+  form.texCoords = !source.texCoords.empty();
   if (!form.normals) source.normal = {};
   if (!form.colors) source.color = {};
   if (!form.texCoords) source.texCoord = {};
@@ -281,7 +287,10 @@ void FaceMesh::writeVertices(std::size_t first, std::size_t count, std::byte* ou
   };
   const auto color = [&](std::int32_t i) { return colorBytes(source.colors[i], source.alpha); };
   each(0, [&](std::int32_t v) { return source.points[vertexPoint[v]]; });
-  if (form.normals)
+  if (form.shortNormals)
+    attribute(form.normalAt(), source.normal, vertexNormal,
+              [&](std::int32_t i) { return normalShorts(source.normals[i]); });
+  else if (form.normals)
     attribute(form.normalAt(), source.normal, vertexNormal,
               [&](std::int32_t i) { return source.normals[i]; });
   if (form.colors) attribute(form.colorAt(), source.color, vertexColor, color);
@@ -294,7 +303,12 @@ void FaceMesh::writeVertices(std::size_t first, std::size_t count, std::byte* ou
   for (; it != made.end() && it->vertex < end; ++it) {
     std::byte* at = out + static_cast<std::size_t>(it->vertex - begin) * stride;
     storeVertexPart(at, it->point);
-    if (form.normals && source.normal.by != By::face) storeVertexPart(at + form.normalAt(), it->normal);
+    if (form.normals && source.normal.by != By::face) {
+      if (form.shortNormals)
+        storeVertexPart(at + form.normalAt(), normalShorts(it->normal));
+      else
+        storeVertexPart(at + form.normalAt(), it->normal);
+    }
     if (form.colors && source.color.by != By::face) storeVertexPart(at + form.colorAt(), color(it->color));
     if (form.texCoords) storeVertexPart(at + form.texCoordAt(), it->texCoord);
   }
@@ -305,6 +319,7 @@ BufferContent FaceMesh::content() const {
   result.format = form;
   result.vertexCount = vertexCount();
   result.indices = triangles();
+  result.primitiveSize = 3;
   result.writeVertices = [this](std::size_t first, std::size_t count, std::byte* out) {
     writeVertices(first, count, out);
   };

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <utility>
 
 #include <Inventor/C/glue/gl.h>
 #include <Inventor/elements/SoGLCacheContextElement.h>
@@ -13,8 +14,10 @@ namespace tessel {
 
 namespace {
 
-constexpr std::size_t largestShortMesh =
-    65535;  // vertices that two-byte indices reach, beside an end of a strip
+// Vertices that two-byte indices reach, beside an end of a strip.
+constexpr std::size_t largestShortMesh = 65535;
+// A mesh that would fall into parts of fewer indices on average keeps four-byte indices.
+constexpr std::size_t smallestPart = 4096;
 
 const cc_glglue* glueOf(std::uint32_t context) { return cc_glglue_instance(static_cast<int>(context)); }
 
@@ -43,14 +46,23 @@ RestartFunction restartFunction(std::uint32_t context) {
   return function;
 }
 
+using PartsFunction = void (*)(GLenum, const GLsizei*, GLenum, const void* const*, GLsizei, const GLint*);
+
+// Null if there is none. It is the same for all contexts that have it.
+PartsFunction partsFunction(std::uint32_t context) {
+  static const auto function =
+      reinterpret_cast<PartsFunction>(cc_glglue_getprocaddress(glueOf(context), "glMultiDrawElementsBaseVertex"));
+  return cc_glglue_glversion_matches_at_least(glueOf(context), 3, 2, 0) ? function : nullptr;
+}
+
 // A place in the bound buffer, or in memory.
 const std::byte* place(const std::byte* base, std::size_t offset) {
   return reinterpret_cast<const std::byte*>(reinterpret_cast<std::uintptr_t>(base) + offset);
 }
 
-void copyShort(std::span<const std::uint32_t> from, std::byte* to) {
+void copyShort(std::span<const std::uint32_t> from, std::uint32_t base, std::byte* to) {
   for (const std::uint32_t index : from) {
-    const auto value = static_cast<std::uint16_t>(index);
+    const auto value = static_cast<std::uint16_t>(index - base);
     std::memcpy(to, &value, sizeof value);
     to += sizeof value;
   }
@@ -92,7 +104,8 @@ void MeshBuffers::fill(SoState* state, const BufferContent& mesh, bool large) {
   form = mesh.format;
   vertexCount = mesh.vertexCount;
   indexCount = mesh.indices.size();
-  shortIndices = vertexCount <= largestShortMesh;
+  const bool wereShort = std::exchange(shortIndices, vertexCount <= largestShortMesh);
+  parts = {};
   isInOrder = mesh.isInOrder;
   hasStripEnds = mesh.hasStripEnds;
   if (!large || SoGLCacheContextElement::getIsRemoteRendering(state) ||
@@ -102,6 +115,9 @@ void MeshBuffers::fill(SoState* state, const BufferContent& mesh, bool large) {
   releaseMemory();
   auto* in = const_cast<InContext*>(find(context));
   if (!in) in = &contexts.emplace_back(InContext{context});
+  if (!shortIndices && mesh.primitiveSize > 0 && partsFunction(context)) shortIndices = split(mesh);
+  if (shortIndices != wereShort)  // a context that can do less came in
+    for (InContext& other : contexts) other.current = false;
   fillBuffers(*in, mesh);
 }
 
@@ -117,10 +133,44 @@ void MeshBuffers::fillMemory(const BufferContent& mesh) {
   const auto indices = mesh.indices;
   indexMemory.resize(indices.size() * (shortIndices ? 2 : 4));
   if (shortIndices)
-    copyShort(indices, indexMemory.data());
+    copyShort(indices, 0, indexMemory.data());
   else if (!indices.empty())
     std::memcpy(indexMemory.data(), indices.data(), indexMemory.size());
   inMemory = true;
+}
+
+// Cuts a mesh into runs of primitives whose vertices lie within reach of each other, as neighbours mostly do.
+bool MeshBuffers::split(const BufferContent& mesh) {
+  const auto& indices = mesh.indices;
+  const auto size = static_cast<std::size_t>(mesh.primitiveSize);
+  const std::size_t mostParts = indices.size() / smallestPart;
+  std::size_t begin = 0;
+  std::uint32_t low = 0, high = 0;
+  const auto close = [&](std::size_t end) {
+    parts.counts.push_back(static_cast<int>(end - begin));
+    parts.offsets.push_back(place(nullptr, begin * 2));
+    parts.bases.push_back(static_cast<int>(low));
+    begin = end;
+  };
+  for (std::size_t i = 0; i + size <= indices.size(); i += size) {
+    const auto [least, most] = std::ranges::minmax(indices.subspan(i, size));
+    if (i > begin) {
+      if (std::max(high, most) - std::min(low, least) < largestShortMesh) {
+        low = std::min(low, least);
+        high = std::max(high, most);
+        continue;
+      }
+      close(i);
+    }
+    low = least;
+    high = most;
+    if (high - low >= largestShortMesh || parts.counts.size() >= mostParts) {
+      parts = {};
+      return false;
+    }
+  }
+  close(indices.size());
+  return true;
 }
 
 void MeshBuffers::fillBuffers(InContext& in, const BufferContent& mesh) const {
@@ -153,12 +203,21 @@ void MeshBuffers::fillBuffers(InContext& in, const BufferContent& mesh) const {
     cc_glglue_glBufferData(glue, GL_ELEMENT_ARRAY_BUFFER, static_cast<intptr_t>(indices.size() * 2), nullptr,
                            GL_STATIC_DRAW);
     const std::size_t half = piece.size() / 2;
-    for (std::size_t first = 0; first < indices.size(); first += half) {
-      const auto part = indices.subspan(first, std::min(half, indices.size() - first));
-      copyShort(part, piece.data());
-      cc_glglue_glBufferSubData(glue, GL_ELEMENT_ARRAY_BUFFER, static_cast<intptr_t>(first * 2),
-                                static_cast<intptr_t>(part.size() * 2), piece.data());
+    const auto copy = [&](std::size_t first, std::size_t end, std::uint32_t base) {
+      for (; first < end; first += half) {
+        const auto some = indices.subspan(first, std::min(half, end - first));
+        copyShort(some, base, piece.data());
+        cc_glglue_glBufferSubData(glue, GL_ELEMENT_ARRAY_BUFFER, static_cast<intptr_t>(first * 2),
+                                  static_cast<intptr_t>(some.size() * 2), piece.data());
+      }
+    };
+    std::size_t first = 0;
+    for (std::size_t part = 0; part < parts.counts.size(); ++part) {
+      const std::size_t end = first + static_cast<std::size_t>(parts.counts[part]);
+      copy(first, end, static_cast<std::uint32_t>(parts.bases[part]));
+      first = end;
     }
+    if (parts.counts.empty()) copy(0, indices.size(), 0);
   }
   cc_glglue_glBindBuffer(glue, GL_ELEMENT_ARRAY_BUFFER, 0);
   in.current = true;
@@ -184,7 +243,7 @@ void MeshBuffers::draw(SoState* state, unsigned primitive) const {
   glVertexPointer(3, GL_FLOAT, stride, vertices);
   if (form.normals) {
     glEnableClientState(GL_NORMAL_ARRAY);
-    glNormalPointer(GL_FLOAT, stride, place(vertices, form.normalAt()));
+    glNormalPointer(form.shortNormals ? GL_SHORT : GL_FLOAT, stride, place(vertices, form.normalAt()));
   }
   if (form.colors) {
     glEnableClientState(GL_COLOR_ARRAY);
@@ -201,6 +260,9 @@ void MeshBuffers::draw(SoState* state, unsigned primitive) const {
   }
   if (isInOrder)
     glDrawArrays(primitive, 0, static_cast<GLsizei>(vertexCount));
+  else if (!parts.counts.empty())
+    partsFunction(context)(primitive, parts.counts.data(), GL_UNSIGNED_SHORT, parts.offsets.data(),
+                           static_cast<GLsizei>(parts.counts.size()), parts.bases.data());
   else
     glDrawElements(primitive, static_cast<GLsizei>(indexCount),
                    shortIndices ? GL_UNSIGNED_SHORT : GL_UNSIGNED_INT, indices);

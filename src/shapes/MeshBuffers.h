@@ -47,6 +47,7 @@ private:
     bool current = false;
   };
   const InContext* find(std::uint32_t context) const;
+  bool split(const BufferContent& mesh);
   void fillBuffers(InContext& in, const BufferContent& mesh) const;
   void fillMemory(const BufferContent& mesh);
 
@@ -54,6 +55,12 @@ private:
   std::size_t vertexCount = 0;
   std::size_t indexCount = 0;
   bool shortIndices = false;  // two bytes each, not four
+  // The parts of a mesh of more vertices than short indices reach, each with a vertex of its own to count from.
+  struct Parts {
+    std::vector<int> counts;
+    std::vector<const void*> offsets;
+    std::vector<int> bases;
+  } parts;
   bool isInOrder = false, hasStripEnds = false;
   std::vector<InContext> contexts;
   bool inMemory = false;

@@ -28,8 +28,9 @@ SbVec3f normalized(double x, double y, double z) {
 // The direction of a sum of unit normals, zero if they cancel out.
 SbVec3f meanOf(const SbVec3f& sum) {
   constexpr float least = 1e-4f;  // rounding makes opposite normals differ by less
-  if (sum.sqrLength() < least * least) return {0, 0, 0};
-  return sum / sum.length();
+  const float square = sum.dot(sum);
+  if (square < least * least) return {0, 0, 0};
+  return sum * (1 / std::sqrt(square));
 }
 
 std::size_t hashOf(const SbVec3f& p) {
@@ -72,14 +73,19 @@ void NormalGenerator::computeFaceNormals(std::span<const SbVec3f> points,
     double x = 0, y = 0, z = 0;
     std::size_t end = i;
     while (end < count && coordIndex[end] >= 0) ++end;
-    if (end - i >= 3) {
-      const SbVec3f origin = points[coordIndex[i]];
-      SbVec3f a = points[coordIndex[i + 1]] - origin;
+    const auto addCross = [&](const SbVec3f& a, const SbVec3f& b) {
+      x += double(a[1]) * b[2] - double(a[2]) * b[1];
+      y += double(a[2]) * b[0] - double(a[0]) * b[2];
+      z += double(a[0]) * b[1] - double(a[1]) * b[0];
+    };
+    const auto corner = [&](std::size_t k) -> const SbVec3f& { return points[coordIndex[k]]; };
+    if (end - i == 4) {
+      addCross(corner(i + 2) - corner(i), corner(i + 3) - corner(i + 1));  // comes to the same
+    } else if (end - i >= 3) {
+      SbVec3f a = corner(i + 1) - corner(i);
       for (std::size_t k = i + 2; k < end; ++k) {
-        const SbVec3f b = points[coordIndex[k]] - origin;
-        x += double(a[1]) * b[2] - double(a[2]) * b[1];
-        y += double(a[2]) * b[0] - double(a[0]) * b[2];
-        z += double(a[0]) * b[1] - double(a[1]) * b[0];
+        const SbVec3f b = corner(k) - corner(i);
+        addCross(a, b);
         a = b;
       }
     }
@@ -145,7 +151,7 @@ void NormalGenerator::smooth(float creaseAngle) {
   shared = oneEach ? Sharing::perPoint : Sharing::perCorner;
 }
 
-// The two below replace the faces of corners at one place by the numbers of their normals.
+// The three below replace the faces of corners at one place by the numbers of their normals.
 
 void NormalGenerator::smoothAll(std::int32_t* first, std::int32_t* last) {
   SbVec3f sum(0, 0, 0);
@@ -159,7 +165,29 @@ void NormalGenerator::smoothAll(std::int32_t* first, std::int32_t* last) {
   }
 }
 
+// What most places of most meshes are: all faces within the crease angle of each other. False if it is not so.
+bool NormalGenerator::smoothTogether(std::int32_t* first, std::int32_t* last, float threshold) {
+  constexpr std::ptrdiff_t most = 8;
+  const std::ptrdiff_t count = last - first;
+  if (count > most) return false;
+  SbVec3f normals[most];
+  SbVec3f sum(0, 0, 0);
+  for (std::ptrdiff_t i = 0; i < count; ++i) {
+    normals[i] = faceNormals[first[i]];
+    if (isZero(normals[i])) return false;
+    for (std::ptrdiff_t k = 0; k < i; ++k)
+      if (first[i] == first[k] || !(normals[i].dot(normals[k]) > threshold)) return false;
+    sum += normals[i];
+  }
+  const SbVec3f normal = meanOf(sum);
+  if (isZero(normal)) return false;
+  std::fill(first, last, static_cast<std::int32_t>(values.size()));
+  values.push_back(normal);
+  return true;
+}
+
 void NormalGenerator::smoothGroup(std::int32_t* first, std::int32_t* last, float threshold) {
+  if (smoothTogether(first, last, threshold)) return;
   const auto count = static_cast<int>(last - first);
 
   // together[i]: the corners whose faces shape the normal of corner i.

@@ -58,6 +58,7 @@ private:
   void collectFaces(std::span<const std::int32_t> coordIndex);
   void smooth(float creaseAngle);
   void smoothAll(std::int32_t* first, std::int32_t* last);
+  bool smoothTogether(std::int32_t* first, std::int32_t* last, float threshold);
   void smoothGroup(std::int32_t* first, std::int32_t* last, float threshold);
   void indexPoints();
   void indexCorners(std::span<const std::int32_t> coordIndex);

@@ -240,7 +240,13 @@ std::vector<Vertex> verticesOf(const FaceMesh& mesh) {
   for (std::size_t i = 0; i < result.size(); ++i) {
     const std::byte* at = bytes.data() + i * form.stride();
     std::memcpy(&result[i].point, at, 12);
-    if (form.normals) std::memcpy(&result[i].normal, at + form.normalAt(), 12);
+    if (form.shortNormals) {
+      std::int16_t parts[3];
+      std::memcpy(parts, at + form.normalAt(), 6);
+      result[i].normal = SbVec3f(parts[0], parts[1], parts[2]) / 32767;
+    } else if (form.normals) {
+      std::memcpy(&result[i].normal, at + form.normalAt(), 12);
+    }
     if (form.colors) std::memcpy(&result[i].color, at + form.colorAt(), 4);
     if (form.texCoords) std::memcpy(&result[i].texCoord, at + form.texCoordAt(), 8);
   }

@@ -1,0 +1,335 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// What does a large mesh cost: a still frame beside a display list of the same triangles, the first picture, its
+// memory, and a mesh whose points move beside plain loops?
+//
+// Run it with GALLIUM_NOOP=1 too: then the software driver does nothing, and only the library's own work is left.
+#include <benchmark/benchmark.h>
+
+#include <malloc.h>
+
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <numbers>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include <Inventor/SoPrimitiveVertex.h>
+#include <Inventor/actions/SoCallbackAction.h>
+
+#include <tessel/shapes/VrmlCoordinate.h>
+#include <tessel/shapes/VrmlIndexedFaceSet.h>
+
+#include "Frame.h"
+
+namespace {
+
+template <class... N> void print(std::string& to, const char* format, N... numbers) {
+  char text[160];
+  to.append(text, static_cast<std::size_t>(std::snprintf(text, sizeof text, format, numbers...)));
+}
+
+std::string faceSet(const std::string& fields, const std::string& points, const std::string& index) {
+  return "Shape { appearance Appearance { material Material { } } geometry DEF MESH IndexedFaceSet { " +
+         fields + " coord DEF POINTS Coordinate { point [ " + points + " ] } coordIndex [ " + index +
+         " ] } }";
+}
+
+/// The points of an uneven torus in rings of half as many.
+std::string torusPoints(int rings) {
+  std::string points;
+  for (int i = 0; i < rings; ++i)
+    for (int j = 0; j < rings / 2; ++j) {
+      const double u = 2 * std::numbers::pi * i / rings, v = 4 * std::numbers::pi * j / rings;
+      const double r = 0.3 + 0.01 * std::sin(50 * u + 30 * v);
+      print(points, "%.5f %.5f %.5f\n", (0.7 + r * std::cos(v)) * std::cos(u),
+            (0.7 + r * std::cos(v)) * std::sin(u), r * std::sin(v));
+    }
+  return points;
+}
+
+template <class Cell> void eachCell(int rings, Cell cell) {
+  const int sides = rings / 2;
+  for (int i = 0; i < rings; ++i)
+    for (int j = 0; j < sides; ++j) {
+      const int a = i * sides, b = (i + 1) % rings * sides, k = (j + 1) % sides;
+      cell(a + j, b + j, b + k, a + k);
+    }
+}
+
+std::string torus(int triangles, const char* fields) {
+  const int rings = static_cast<int>(std::sqrt(triangles));
+  std::string index;
+  eachCell(rings,
+           [&](int a, int b, int c, int d) { print(index, "%d %d %d -1 %d %d %d -1\n", a, b, c, a, c, d); });
+  return faceSet(fields, torusPoints(rings), index);
+}
+
+/// Triangles, quads and hexagons, each face with a color of its own.
+std::string mixed(int triangles) {
+  const int rings = static_cast<int>(std::sqrt(triangles));
+  std::string index, colors;
+  int cell = 0;
+  const auto color = [&] {
+    print(colors, "%.2f %.2f %.2f\n", cell % 7 / 6.0, cell % 11 / 10.0, cell % 13 / 12.0);
+  };
+  int held[2] = {};
+  eachCell(rings, [&](int a, int b, int c, int d) {
+    switch (++cell % 5) {
+      case 0:
+        print(index, "%d %d %d -1 %d %d %d -1\n", a, b, c, a, c, d);
+        color();
+        break;
+      case 1:
+        print(index, "%d %d %d %d -1\n", a, b, c, d);
+        break;
+      case 2:
+        held[0] = a, held[1] = b;
+        return;
+      case 3:
+        print(index, "%d %d %d %d %d %d -1\n", held[0], held[1], b, c, d, a);
+        break;
+      default:
+        print(index, "%d %d %d %d -1\n", a, b, c, d);
+    }
+    color();
+  });
+  return faceSet("solid FALSE colorPerVertex FALSE color Color { color [ " + colors + " ] }",
+                 torusPoints(rings), index);
+}
+
+/// Stars of twelve corners.
+std::string concave(int triangles) {
+  std::string points, index;
+  const int stars = triangles / 10;
+  for (int i = 0; i < stars; ++i) {
+    const double x = std::fmod(i * 0.618034, 1) * 2, y = std::fmod(i * 0.754878, 1) * 2,
+                 z = std::fmod(i * 0.56984, 1) * 2;
+    for (int k = 0; k < 12; ++k) {
+      const double angle = 2 * std::numbers::pi * k / 12, r = k % 2 ? 0.02 : 0.008;
+      print(points, "%.5f %.5f %.5f\n", x + r * std::cos(angle), y + r * std::sin(angle),
+            z + r * 0.3 * std::cos(angle + i));
+      print(index, "%d ", 12 * i + k);
+    }
+    index += "-1\n";
+  }
+  return faceSet("convex FALSE solid FALSE", points, index);
+}
+
+struct Kind {
+  const char* name;
+  std::string (*build)(int triangles);
+};
+const Kind kinds[] = {{"flat", [](int n) { return torus(n, ""); }},
+                      {"creased", [](int n) { return torus(n, "creaseAngle 1"); }},
+                      {"smooth", [](int n) { return torus(n, "creaseAngle 4"); }},
+                      {"mixed", mixed},
+                      {"concave", concave}};
+
+/// The rival: the same triangles with the same values in a display list of one glDrawElements, vertices shared.
+class DisplayList {
+public:
+  explicit DisplayList(const Frame& frame) : camera(frame.getCamera()) {
+    SoCallbackAction collect;
+    collect.addTriangleCallback(
+        VrmlIndexedFaceSet::getClassTypeId(),
+        [](void* self, SoCallbackAction* action, const SoPrimitiveVertex* a, const SoPrimitiveVertex* b,
+           const SoPrimitiveVertex* c) {
+          static_cast<DisplayList*>(self)->add(action, {a, b, c});
+        },
+        this);
+    collect.apply(frame.getWorld());
+    numbers.clear();
+    for (const GLenum array : {GL_VERTEX_ARRAY, GL_NORMAL_ARRAY, GL_COLOR_ARRAY}) glEnableClientState(array);
+    glVertexPointer(3, GL_FLOAT, sizeof(Vertex), &vertices[0].point);
+    glNormalPointer(GL_FLOAT, sizeof(Vertex), &vertices[0].normal);
+    glColorPointer(4, GL_UNSIGNED_BYTE, sizeof(Vertex), &vertices[0].color);
+    list = glGenLists(1);
+    glNewList(list, GL_COMPILE);
+    glDrawElements(GL_TRIANGLES, static_cast<GLsizei>(index.size()), GL_UNSIGNED_INT, index.data());
+    glEndList();
+    for (const GLenum array : {GL_VERTEX_ARRAY, GL_NORMAL_ARRAY, GL_COLOR_ARRAY}) glDisableClientState(array);
+  }
+  ~DisplayList() { glDeleteLists(list, 1); }
+
+  void draw() const {
+    SbMatrix viewing, projection;
+    camera->getViewVolume(1).getMatrices(viewing, projection);
+    glMatrixMode(GL_PROJECTION);
+    glLoadMatrixf(projection[0]);
+    glMatrixMode(GL_MODELVIEW);
+    glLoadMatrixf(viewing[0]);
+    glEnable(GL_LIGHTING);
+    glEnable(GL_COLOR_MATERIAL);
+    glCallList(list);
+    glFinish();
+  }
+
+  std::size_t triangles() const { return index.size() / 3; }
+
+private:
+  struct Vertex {
+    SbVec3f point, normal;
+    std::uint32_t color;
+  };
+  struct SameBytes {
+    static std::string_view bytes(const Vertex& v) { return {reinterpret_cast<const char*>(&v), sizeof v}; }
+    std::size_t operator()(const Vertex& v) const { return std::hash<std::string_view>()(bytes(v)); }
+    bool operator()(const Vertex& a, const Vertex& b) const { return bytes(a) == bytes(b); }
+  };
+
+  void add(SoCallbackAction* action, std::array<const SoPrimitiveVertex*, 3> corners) {
+    for (const SoPrimitiveVertex* corner : corners) {
+      SbColor ambient, diffuse, specular, emission;
+      float shininess, transparency;
+      action->getMaterial(ambient, diffuse, specular, emission, shininess, transparency,
+                          corner->getMaterialIndex());
+      const Vertex vertex{corner->getPoint(), corner->getNormal(),
+                          __builtin_bswap32(diffuse.getPackedValue())};
+      const auto [at, isNew] = numbers.try_emplace(vertex, static_cast<GLuint>(vertices.size()));
+      if (isNew) vertices.push_back(vertex);
+      index.push_back(at->second);
+    }
+  }
+
+  const SoPerspectiveCamera* camera;
+  std::unordered_map<Vertex, GLuint, SameBytes, SameBytes> numbers;
+  std::vector<Vertex> vertices;
+  std::vector<GLuint> index;
+  GLuint list = 0;
+};
+
+double heap() {
+  malloc_trim(0);
+  const auto now = mallinfo2();
+  return static_cast<double>(now.uordblks + now.hblkhd);
+}
+
+std::string worldOf(benchmark::State& state) {
+  const Kind& kind = kinds[state.range(0)];
+  state.SetLabel(kind.name);
+  return kind.build(static_cast<int>(state.range(1)));
+}
+
+void list(benchmark::State& state) {
+  start();
+  Frame frame(worldOf(state), 0);
+  const DisplayList rival(frame);
+  for (auto _ : state) {
+    frame.clear();
+    rival.draw();
+  }
+  state.counters["triangles"] = static_cast<double>(rival.triangles());
+}
+
+void still(benchmark::State& state) {
+  start();
+  Frame frame(worldOf(state));
+  for (auto _ : state) frame.draw();
+}
+
+// To be held against four frames of the list. Memory is that after the first frame beside that after reading.
+void firstPicture(benchmark::State& state) {
+  start();
+  const std::string world = worldOf(state);
+  double memory = 0;
+  for (auto _ : state) {
+    state.PauseTiming();
+    Frame("Group { }", 1);  // frees the buffers of the iteration before
+    const double before = heap();
+    Frame frame(world, 0);
+    const double read = heap();
+    state.ResumeTiming();
+    frame.draw();
+    state.PauseTiming();
+    memory = (heap() - before) / (read - before);
+    state.ResumeTiming();
+  }
+  state.counters["memory"] = memory;
+}
+
+// Points in motion
+
+constexpr int movingRings = 64;  // about 2,000 points and as many quads
+
+std::string quads(const char* fields) {
+  std::string index;
+  eachCell(movingRings, [&](int a, int b, int c, int d) { print(index, "%d %d %d %d -1\n", a, b, c, d); });
+  return faceSet(fields, torusPoints(movingRings), index);
+}
+
+std::vector<SbVec3f> pointsOf() {
+  const auto* coordinates = static_cast<VrmlCoordinate*>(SoNode::getByName("POINTS"));
+  return {coordinates->point.getValues(0), coordinates->point.getValues(0) + coordinates->point.getNum()};
+}
+
+void blend(const std::vector<SbVec3f>& from, const std::vector<SbVec3f>& to, float at, SbVec3f* out) {
+  for (std::size_t i = 0; i < from.size(); ++i) out[i] = from[i] + (to[i] - from[i]) * at;
+}
+
+/// A mesh with normals of its own corners, whose points move in every frame.
+void moving(benchmark::State& state) {
+  start();
+  Frame frame(quads(state.range(0) ? "creaseAngle 1" : ""));
+  const auto from = pointsOf();
+  auto to = from;
+  for (SbVec3f& p : to) p *= 1.1f;
+  SoMFVec3f& point = static_cast<VrmlCoordinate*>(SoNode::getByName("POINTS"))->point;
+  int step = 0;
+  for (auto _ : state) {
+    blend(from, to, static_cast<float>(++step % 10) / 10, point.startEditing());
+    point.finishEditing();
+    frame.draw();
+  }
+  state.SetLabel(state.range(0) ? "creased" : "flat");
+}
+
+/// The same frame of a mesh that stands still.
+void standing(benchmark::State& state) {
+  start();
+  Frame frame(quads(state.range(0) ? "creaseAngle 1" : ""));
+  for (auto _ : state) frame.draw();
+}
+
+/// The least that has to be computed for the points in motion: blend, normals of faces, normals of points.
+void plainLoops(benchmark::State& state) {
+  start();
+  Frame frame(quads(""), 0);
+  const auto from = pointsOf();
+  auto to = from;
+  for (SbVec3f& p : to) p *= 1.1f;
+  const auto* mesh = static_cast<VrmlIndexedFaceSet*>(SoNode::getByName("MESH"));
+  const int* index = mesh->coordIndex.getValues(0);
+  std::vector<SbVec3f> points(from.size()), normals(from.size());
+  int step = 0;
+  for (auto _ : state) {
+    blend(from, to, static_cast<float>(++step % 10) / 10, points.data());
+    std::fill(normals.begin(), normals.end(), SbVec3f(0, 0, 0));
+    for (int i = 0; i < mesh->coordIndex.getNum(); i += 5) {
+      SbVec3f n =
+          (points[index[i + 2]] - points[index[i]]).cross(points[index[i + 3]] - points[index[i + 1]]);
+      n.normalize();
+      for (int k = 0; k < 4; ++k) normals[index[i + k]] += n;
+    }
+    for (SbVec3f& n : normals) n.normalize();
+    benchmark::DoNotOptimize(normals.data());
+  }
+}
+
+}  // namespace
+
+BENCHMARK(list)
+    ->ArgsProduct({benchmark::CreateDenseRange(0, 4, 1), {1000000}})
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(still)
+    ->ArgsProduct({benchmark::CreateDenseRange(0, 4, 1), {1000000}})
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(firstPicture)
+    ->ArgsProduct({benchmark::CreateDenseRange(0, 4, 1), {1000000}})
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(3);
+BENCHMARK(moving)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
+BENCHMARK(standing)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
+BENCHMARK(plainLoops)->Unit(benchmark::kMicrosecond);
