@@ -2,17 +2,26 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
+#include <memory>
 
-#include "shapes/FaceIndices.h"
+#include "shapes/FaceMesh.h"
 #include "shapes/MeshBuffers.h"
+#include "shapes/NormalGenerator.h"
 
 namespace tessel {
+
+/// What meshes are made with.
+struct FaceWorkshop {
+  FaceMesh mesh;
+  NormalGenerator normals;
+};
 
 /// What a face set keeps from one frame to the next in order to draw.
 struct FaceDrawing {
   /// A set with more indices keeps out of display lists: it has buffers of its own.
   static constexpr int autoCacheLimit = 1000;
+  /// A mesh that was made so often after changes counts as animated.
+  static constexpr int remadeOften = 2;
 
   /// What a mesh is made for. It serves as long as it has what the state needs.
   struct Needs {
@@ -30,17 +39,23 @@ struct FaceDrawing {
   enum class Status : std::uint8_t { changed, ready, failed };
 
   Status status = Status::changed;
-  std::optional<FaceRuns> runs;  ///< empty until counted
   Needs madeFor;
   bool isFlat = false;      ///< the mesh has the flat layout
   bool refuseFlat = false;  ///< it was met under lights for which that is not right
-  bool isAnimated = false;  ///< it was made again after a change
   MeshBuffers buffers;
 
-  void changed() {
-    if (status == Status::ready) isAnimated = true;
+  /// A set that is drawn again and again with other points keeps what it was made with.
+  std::unique_ptr<FaceWorkshop> workshop;
+  int timesRemade = 0;
+  bool facesChanged = true;  ///< since the mesh was made: not only its points
+
+  void changed(bool onlyPoints) {
+    if (status == Status::ready) ++timesRemade;
     status = Status::changed;
-    refuseFlat = false;
+    if (!onlyPoints) {
+      facesChanged = true;
+      refuseFlat = false;
+    }
     buffers.invalidate();
   }
 };

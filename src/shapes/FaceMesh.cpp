@@ -17,6 +17,12 @@ using By = CornerIndices::By;
 // normals would make the search quadratic, and there is nothing to share at it.
 constexpr int searchLimit = 8;
 
+bool fitShorts(std::span<const SbVec3f> normals) {
+  return std::ranges::all_of(normals, [](const SbVec3f& n) {
+    return std::max({std::abs(n[0]), std::abs(n[1]), std::abs(n[2])}) <= 1;
+  });
+}
+
 }  // namespace
 
 bool FaceMesh::canBeFlat(const FaceMeshSource& source) {
@@ -35,9 +41,7 @@ void FaceMesh::build(const FaceMeshSource& from, Layout layout) {
   source = from;
   flat = layout == Layout::flat;
   form.normals = !source.normals.empty();
-  form.shortNormals = form.normals && std::ranges::all_of(source.normals, [](const SbVec3f& n) {
-    return std::max({std::abs(n[0]), std::abs(n[1]), std::abs(n[2])}) <= 1;
-  });
+  form.shortNormals = form.normals && fitShorts(source.normals);
   form.colors = !source.colors.empty();
   form.texCoords = !source.texCoords.empty();
   if (!form.normals) source.normal = {};
@@ -64,6 +68,34 @@ void FaceMesh::build(const FaceMeshSource& from, Layout layout) {
   addRun<3>(0, 0, runs.triangles);
   addRun<4>(4 * runs.triangles, runs.triangles, runs.quads);
   addRun<0>(4 * runs.triangles + 5 * runs.quads, runs.triangles + runs.quads, runs.faces);
+}
+
+bool FaceMesh::refresh(const FaceMeshSource& from) {
+  const auto sameBinding = [](const CornerIndices& was, const CornerIndices& is) { return was.by == is.by; };
+  const bool cutByPosition = !from.convex && from.runs.quads + from.runs.faces > 0;
+  if (vertexPoint.empty() || cutByPosition || from.runs.total() != source.runs.total() ||
+      form.normals != !from.normals.empty() || form.colors != !from.colors.empty() ||
+      form.texCoords != !from.texCoords.empty() || !sameBinding(source.normal, from.normal) ||
+      !sameBinding(source.color, from.color) || !sameBinding(source.texCoord, from.texCoord))
+    return false;
+
+  const FaceMeshSource before = std::exchange(source, from);
+  const auto end = static_cast<std::int32_t>(vertexPoint.size());
+  const auto fit = [end](bool used, std::size_t count, auto&& indexOf) {
+    if (used)
+      for (std::int32_t v = 0; v < end; ++v)
+        if (static_cast<std::size_t>(indexOf(v)) >= count) return false;
+    return true;
+  };
+  if (!fit(true, source.points.size(), [this](std::int32_t v) { return vertexPoint[v]; }) ||
+      !fit(form.normals, source.normals.size(), [this](std::int32_t v) { return normalOf(v); }) ||
+      !fit(form.colors, source.colors.size(), [this](std::int32_t v) { return colorOf(v); }) ||
+      !fit(form.texCoords, source.texCoords.size(), [this](std::int32_t v) { return texCoordOf(v); })) {
+    source = before;
+    return false;
+  }
+  form.shortNormals = form.normals && fitShorts(source.normals);
+  return true;
 }
 
 // One function for each size of face (3, 4, any) and each way in which color, normal and texture coordinate are

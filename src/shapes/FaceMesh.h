@@ -51,6 +51,9 @@ public:
   /// color varies inside a face.
   static bool canBeFlat(const FaceMeshSource& source);
 
+  /// Takes other values for the faces and index lists that the mesh was built from, and keeps its triangles.
+  /// False, with nothing changed, if they don't fit or positions shape the triangles.
+  bool refresh(const FaceMeshSource& source);
   /// Makes the triangles. Faces of fewer than three corners have none.
   void build(const FaceMeshSource& source, Layout layout);
 

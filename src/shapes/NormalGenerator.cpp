@@ -13,7 +13,7 @@ namespace {
 
 // Corners at one position are compared with each other in groups of this size, in file order, so that a point
 // where a million faces meet stays linear. The bits of a word stand for the corners of a group.
-constexpr std::ptrdiff_t groupSize = 64;
+constexpr std::size_t groupSize = 64;
 
 bool isZero(const SbVec3f& v) { return v[0] == 0 && v[1] == 0 && v[2] == 0; }
 
@@ -46,7 +46,7 @@ std::size_t hashOf(const SbVec3f& p) {
 }  // namespace
 
 void NormalGenerator::generate(std::span<const SbVec3f> points, std::span<const std::int32_t> coordIndex,
-                               bool ccw, float creaseAngle) {
+                               bool ccw, float creaseAngle, bool keepFaces) {
   computeFaceNormals(points, coordIndex, ccw);
   if (!(creaseAngle > 0)) {
     shared = Sharing::perFace;
@@ -54,13 +54,18 @@ void NormalGenerator::generate(std::span<const SbVec3f> points, std::span<const 
     index.clear();
     return;
   }
+  const bool sameFaces = keepFaces && std::ranges::equal(coordIndex, keptFaces);
+  lastPlace.swap(place);
   weld(points, coordIndex);
-  collectFaces(coordIndex);
-  smooth(creaseAngle);
-  if (shared == Sharing::perPoint)
-    indexPoints();
-  else
-    indexCorners(coordIndex);
+  if (!sameFaces || place != lastPlace) {
+    collectFaces(coordIndex);
+    if (keepFaces) keptFaces.assign(coordIndex.begin(), coordIndex.end());
+  }
+  if (keepFaces) cornerNormals.resize(cornerFaces.size());
+  std::vector<std::int32_t>& numbers = keepFaces ? cornerNormals : cornerFaces;
+  if (!keepFaces) keptFaces.clear();
+  smooth(creaseAngle, numbers.data());
+  if (shared == Sharing::perCorner) indexCorners(coordIndex, numbers);
 }
 
 void NormalGenerator::computeFaceNormals(std::span<const SbVec3f> points,
@@ -113,94 +118,96 @@ void NormalGenerator::weld(std::span<const SbVec3f> points, std::span<const std:
       place[point] = place[table[slot]];
     }
   }
-  firstCorner.assign(static_cast<std::size_t>(places) + 1, 0);
+  numPlaces = static_cast<std::size_t>(places);
 }
 
-// Sorts the faces of all corners by place. Afterwards the corners of place p begin at firstCorner[p].
+// Sorts the faces of all corners by place. Those of place p begin at firstCorner[p].
 void NormalGenerator::collectFaces(std::span<const std::int32_t> coordIndex) {
+  firstCorner.assign(numPlaces + 1, 0);
   for (const std::int32_t point : coordIndex)
     if (point >= 0) ++firstCorner[place[point]];
   std::int32_t sum = 0;
   for (std::int32_t& first : firstCorner) sum += std::exchange(first, sum);
-  corners.resize(static_cast<std::size_t>(sum));
+  cornerFaces.resize(static_cast<std::size_t>(sum));
 
   std::int32_t face = 0;
   for (const std::int32_t point : coordIndex) {
     if (point < 0)
       ++face;
     else
-      corners[firstCorner[place[point]]++] = face;
+      cornerFaces[firstCorner[place[point]]++] = face;
   }
-  std::shift_right(firstCorner.begin(), firstCorner.end(), 1);  // each had moved on to its end
+  rewindPlaces();
+}
+
+// Puts the beginnings of places right after each has moved on to its end.
+void NormalGenerator::rewindPlaces() {
+  std::shift_right(firstCorner.begin(), firstCorner.end(), 1);
   firstCorner[0] = 0;
 }
 
-void NormalGenerator::smooth(float creaseAngle) {
+void NormalGenerator::smooth(float creaseAngle, std::int32_t* numbers) {
   const bool all = creaseAngle >= std::numbers::pi_v<float>;
-  const float threshold = std::cos(creaseAngle);
+  const float threshold = std::cos(creaseAngle), halfThreshold = std::cos(creaseAngle / 2);
   values.clear();
-  for (std::size_t p = 0; p + 1 < firstCorner.size(); ++p) {
-    std::int32_t* const end = corners.data() + firstCorner[p + 1];
-    std::int32_t* k = corners.data() + firstCorner[p];
+  for (std::size_t p = 0; p < numPlaces; ++p) {
+    const auto begin = static_cast<std::size_t>(firstCorner[p]),
+               end = static_cast<std::size_t>(firstCorner[p + 1]);
+    const std::span faces(cornerFaces.data() + begin, end - begin);
     if (all)
-      smoothAll(k, end);
-    else
-      for (std::ptrdiff_t n; (n = std::min(groupSize, end - k)) > 0; k += n) smoothGroup(k, k + n, threshold);
+      smoothAll(faces, numbers + begin);
+    else if (!smoothTogether(faces, numbers + begin, halfThreshold))
+      for (std::size_t at = 0; at < faces.size(); at += groupSize)
+        smoothGroup(faces.subspan(at, std::min(groupSize, faces.size() - at)), numbers + begin + at,
+                    threshold);
   }
-  const bool oneEach = values.size() + 1 == firstCorner.size();
-  shared = oneEach ? Sharing::perPoint : Sharing::perCorner;
+  shared = values.size() == numPlaces ? Sharing::perPoint : Sharing::perCorner;
 }
 
-// The three below replace the faces of corners at one place by the numbers of their normals.
+// The three below write the numbers of the normals that corners at one place get, perhaps over their faces.
 
-void NormalGenerator::smoothAll(std::int32_t* first, std::int32_t* last) {
+void NormalGenerator::smoothAll(Faces faces, std::int32_t* numbers) {
   SbVec3f sum(0, 0, 0);
-  for (const std::int32_t* k = first; k < last; ++k) sum += faceNormals[*k];
+  for (const std::int32_t face : faces) sum += faceNormals[face];
   const SbVec3f normal = meanOf(sum);
   const bool cancels = isZero(normal);
   if (!cancels) values.push_back(normal);
-  for (std::int32_t* k = first; k < last; ++k) {
-    if (cancels) values.push_back(faceNormals[*k]);
-    *k = static_cast<std::int32_t>(values.size() - 1);
+  for (std::size_t i = 0; i < faces.size(); ++i) {
+    if (cancels) values.push_back(faceNormals[faces[i]]);
+    numbers[i] = static_cast<std::int32_t>(values.size() - 1);
   }
 }
 
-// What most places of most meshes are: all faces within the crease angle of each other. False if it is not so.
-bool NormalGenerator::smoothTogether(std::int32_t* first, std::int32_t* last, float threshold) {
-  constexpr std::ptrdiff_t most = 8;
-  const std::ptrdiff_t count = last - first;
-  if (count > most) return false;
-  SbVec3f normals[most];
+// What most places of most meshes are: all faces within the crease angle of each other. That is so where they are
+// within half of it of their mean. False if it is not certain.
+bool NormalGenerator::smoothTogether(Faces faces, std::int32_t* numbers, float halfThreshold) {
   SbVec3f sum(0, 0, 0);
-  for (std::ptrdiff_t i = 0; i < count; ++i) {
-    normals[i] = faceNormals[first[i]];
-    if (isZero(normals[i])) return false;
-    for (std::ptrdiff_t k = 0; k < i; ++k)
-      if (first[i] == first[k] || !(normals[i].dot(normals[k]) > threshold)) return false;
-    sum += normals[i];
+  for (std::size_t i = 0; i < faces.size(); ++i) {
+    if (i > 0 && faces[i] == faces[i - 1]) return false;
+    sum += faceNormals[faces[i]];
   }
   const SbVec3f normal = meanOf(sum);
-  if (isZero(normal)) return false;
-  std::fill(first, last, static_cast<std::int32_t>(values.size()));
+  for (const std::int32_t face : faces)
+    if (!(normal.dot(faceNormals[face]) > halfThreshold)) return false;
+  std::fill_n(numbers, faces.size(), static_cast<std::int32_t>(values.size()));
   values.push_back(normal);
   return true;
 }
 
-void NormalGenerator::smoothGroup(std::int32_t* first, std::int32_t* last, float threshold) {
-  if (smoothTogether(first, last, threshold)) return;
-  const auto count = static_cast<int>(last - first);
+void NormalGenerator::smoothGroup(Faces faces, std::int32_t* numbers, float threshold) {
+  const std::size_t count = faces.size();
 
   // together[i]: the corners whose faces shape the normal of corner i.
   std::uint64_t together[groupSize];
   std::uint64_t solid = 0;  // the corners of faces that have a normal
-  for (int i = 0; i < count; ++i) {
+  for (std::size_t i = 0; i < count; ++i) {
     together[i] = std::uint64_t(1) << i;
-    if (!isZero(faceNormals[first[i]])) solid |= together[i];
+    if (!isZero(faceNormals[faces[i]])) solid |= together[i];
   }
-  for (int i = 0; i < count; ++i) {
-    const SbVec3f& normal = faceNormals[first[i]];
-    for (int k = i + 1; k < count; ++k) {
-      if (first[i] == first[k] || !(normal.dot(faceNormals[first[k]]) > threshold)) continue;
+  for (std::size_t i = 0; i < count; ++i) {
+    const SbVec3f& normal = faceNormals[faces[i]];
+    for (std::size_t k = i + 1; k < count; ++k) {
+      if (faces[i] == faces[k] || !(normal.dot(faceNormals[faces[k]]) > threshold)) continue;
       together[i] |= std::uint64_t(1) << k;
       together[k] |= std::uint64_t(1) << i;
     }
@@ -210,39 +217,43 @@ void NormalGenerator::smoothGroup(std::int32_t* first, std::int32_t* last, float
   std::uint64_t seen[groupSize];
   std::int32_t number[groupSize];
   std::int32_t result[groupSize];
-  int distinct = 0;
-  for (int i = 0; i < count; ++i) {
+  std::size_t distinct = 0;
+  for (std::size_t i = 0; i < count; ++i) {
     const bool hasNormal = (solid >> i & 1) != 0;
-    const std::uint64_t faces = hasNormal ? together[i] & solid : solid;
-    int k = 0;
-    while (k < distinct && seen[k] != faces) ++k;
+    const std::uint64_t set = hasNormal ? together[i] & solid : solid;
+    std::size_t k = 0;
+    while (k < distinct && seen[k] != set) ++k;
     if (k < distinct) {
       result[i] = number[k];
       continue;
     }
     SbVec3f sum(0, 0, 0);
-    for (std::uint64_t rest = faces; rest; rest &= rest - 1)
-      sum += faceNormals[first[std::countr_zero(rest)]];
+    for (std::uint64_t rest = set; rest; rest &= rest - 1) sum += faceNormals[faces[std::countr_zero(rest)]];
     const SbVec3f normal = meanOf(sum);
     result[i] = static_cast<std::int32_t>(values.size());
     if (isZero(normal)) {
-      values.push_back(faceNormals[first[i]]);
+      values.push_back(faceNormals[faces[i]]);
     } else {
       values.push_back(normal);
-      seen[distinct] = faces;
+      seen[distinct] = set;
       number[distinct++] = result[i];
     }
   }
-  std::copy_n(result, count, first);
+  std::copy_n(result, count, numbers);
 }
 
-void NormalGenerator::indexPoints() { index.assign(place.begin(), place.end()); }
-
 // The corners of a place are met again in the order in which they were collected.
-void NormalGenerator::indexCorners(std::span<const std::int32_t> coordIndex) {
+void NormalGenerator::indexCorners(std::span<const std::int32_t> coordIndex,
+                                   std::span<const std::int32_t> numbers) {
+  bool same = index.size() == coordIndex.size();
   index.resize(coordIndex.size());
-  for (std::size_t i = 0; i < coordIndex.size(); ++i)
-    index[i] = coordIndex[i] < 0 ? -1 : corners[firstCorner[place[coordIndex[i]]]++];
+  for (std::size_t i = 0; i < coordIndex.size(); ++i) {
+    const std::int32_t number = coordIndex[i] < 0 ? -1 : numbers[firstCorner[place[coordIndex[i]]]++];
+    same = same && number == index[i];
+    index[i] = number;
+  }
+  rewindPlaces();
+  sameCorners = same;
 }
 
 }  // namespace tessel

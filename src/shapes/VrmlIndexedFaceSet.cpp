@@ -24,6 +24,7 @@
 #include "core/NodeClassImpl.h"
 #include "shapes/EarClipper.h"
 #include "shapes/FaceDrawing.h"
+#include "shapes/FaceIndices.h"
 #include "shapes/FaceWalk.h"
 #include "shapes/NormalGenerator.h"
 #include "shapes/PolygonTessellator.h"
@@ -92,9 +93,7 @@ int VrmlIndexedFaceSet::getContainerFlags() const {
 }
 
 void VrmlIndexedFaceSet::notify(SoNotList* list) {
-  drawing->changed();
-  const SoField* changed = list->getLastField();
-  if (changed == &coordIndex) drawing->runs.reset();
+  drawing->changed(list->getLastField() == &coord);
   pickNormals.reset();
   mirror(list, normalIndex, set_normalIndex);
   mirror(list, texCoordIndex, set_texCoordIndex);
@@ -192,8 +191,7 @@ SoDetail* VrmlIndexedFaceSet::createTriangleDetail(SoRayPickAction*, const SoPri
 }
 
 void VrmlIndexedFaceSet::count(VrmlCountAction* action) {
-  if (!drawing->runs) drawing->runs = tessel::countRuns(indices());
-  const tessel::FaceRuns& runs = *drawing->runs;
+  const tessel::FaceRuns runs = tessel::countRuns(indices());
   if (runs.faces == 0) {
     action->numTriangles += runs.triangles + 2 * runs.quads;
     return;

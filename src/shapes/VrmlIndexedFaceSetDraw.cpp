@@ -26,7 +26,6 @@
 #include "shapes/BoxTexCoords.h"
 #include "shapes/FaceDrawing.h"
 #include "shapes/FaceMesh.h"
-#include "shapes/NormalGenerator.h"
 #include "shapes/RealNode.h"
 #include "shapes/VrmlVertexPropertyCache.h"
 
@@ -38,13 +37,9 @@ using tessel::FaceMesh;
 using Cache = VrmlVertexPropertyCache;
 using By = CornerIndices::By;
 
-/// What meshes are made with. One serves the library, since one traversal runs at a time.
-struct Workshop {
-  FaceMesh mesh;
-  tessel::NormalGenerator normals;
-};
-std::unique_ptr<Workshop>& workshop() {
-  static std::unique_ptr<Workshop> shop;
+/// The workshop of all sets that are not animated: one traversal runs at a time.
+std::unique_ptr<tessel::FaceWorkshop>& sharedWorkshop() {
+  static std::unique_ptr<tessel::FaceWorkshop> shop;
   return shop;
 }
 
@@ -117,8 +112,8 @@ bool VrmlIndexedFaceSet::prepare(SoGLRenderAction* action) {
     return true;
   if (d.isFlat && d.status == FaceDrawing::Status::ready && !mayBeFlat()) d.refuseFlat = true;
 
-  if (!d.runs) d.runs = tessel::countRuns(indices());
-  if (d.runs->total() == 0) return false;
+  const tessel::FaceRuns runs = tessel::countRuns(indices());
+  if (runs.total() == 0) return false;
   vpCache->fillInCache(tessel::realNode<VrmlCoordinate>(coord), tessel::realNode<VrmlColor>(color),
                        tessel::realNode<VrmlNormal>(normal),
                        tessel::realNode<VrmlTextureCoordinate>(texCoord), !colorPerVertex.getValue(),
@@ -131,7 +126,7 @@ bool VrmlIndexedFaceSet::prepare(SoGLRenderAction* action) {
   };
   source.coordIndex = indices();
   source.numPoints = cache.numVerts;
-  source.numFaces = d.runs->total();
+  source.numFaces = runs.total();
   source.color = {span(colorIndex), cache.numColors, !colorPerVertex.getValue(),
                   cache.materialBinding != Cache::overall};
   source.normal = {span(normalIndex), cache.numNormals, !normalPerVertex.getValue(), !cache.generateNormals};
@@ -149,11 +144,16 @@ bool VrmlIndexedFaceSet::prepare(SoGLRenderAction* action) {
     return false;
   }
 
-  if (!workshop()) workshop() = std::make_unique<Workshop>();
-  Workshop& shop = *workshop();
+  const bool animated = d.timesRemade >= FaceDrawing::remadeOften;
+  auto& workshop = animated ? d.workshop : sharedWorkshop();
+  if (!workshop) {
+    workshop = std::make_unique<tessel::FaceWorkshop>();
+    d.facesChanged = true;
+  }
+  tessel::FaceWorkshop& shop = *workshop;
   tessel::FaceMeshSource mesh;
   mesh.coordIndex = indices();
-  mesh.runs = *d.runs;
+  mesh.runs = runs;
   mesh.convex = convex.getValue();
   mesh.points = valuesAt<SbVec3f>(cache.vertexPtr, cache.numVerts);
   if (cache.colorIsInVP && cache.materialBinding != Cache::overall) {
@@ -162,7 +162,7 @@ bool VrmlIndexedFaceSet::prepare(SoGLRenderAction* action) {
     mesh.alpha = needs.alpha;
   }
   if (needs.normals && cache.generateNormals) {
-    shop.normals.generate(mesh.points, mesh.coordIndex, ccw.getValue(), creaseAngle.getValue());
+    shop.normals.generate(mesh.points, mesh.coordIndex, ccw.getValue(), creaseAngle.getValue(), animated);
     mesh.normals = shop.normals.normals();
     switch (shop.normals.sharing()) {
       case tessel::NormalGenerator::Sharing::perFace:
@@ -186,23 +186,30 @@ bool VrmlIndexedFaceSet::prepare(SoGLRenderAction* action) {
 
   // Small meshes end in display lists; there is nothing to be saved.
   const bool large = coordIndex.getNum() > FaceDrawing::autoCacheLimit;
-  d.isFlat = large && !d.refuseFlat && FaceMesh::canBeFlat(mesh) && mayBeFlat();
-  shop.mesh.build(mesh, d.isFlat ? FaceMesh::Layout::flat : FaceMesh::Layout::smooth);
+  const bool flat = large && !d.refuseFlat && FaceMesh::canBeFlat(mesh) && mayBeFlat();
+  const bool sameFaces =
+      animated && !d.facesChanged && flat == d.isFlat &&
+      (mesh.normal.by != By::corner || !cache.generateNormals || shop.normals.hasSameCorners());
+  if (!sameFaces || !shop.mesh.refresh(mesh))
+    shop.mesh.build(mesh, flat ? FaceMesh::Layout::flat : FaceMesh::Layout::smooth);
   d.buffers.fill(state, shop.mesh.content(), large);
+  d.isFlat = flat;
+  d.facesChanged = false;
   d.madeFor = needs;
   d.status = FaceDrawing::Status::ready;
-  if (large && !d.isAnimated) workshop().reset();
+  if (large) sharedWorkshop().reset();  // it has grown
   return true;
 }
 
 void VrmlIndexedFaceSet::draw(SoGLRenderAction* action) {
   SoState* state = action->getState();
-  const FaceDrawing& d = *drawing;
+  FaceDrawing& d = *drawing;
   const auto* lazy = SoGLLazyElement::getInstance(state);
   const auto drawMesh = [&] {
     lazy->send(state, SoLazyElement::ALL_MASK);
     if (d.isFlat) SoGLLazyElement::sendFlatshading(state, TRUE);
     d.buffers.draw(state, GL_TRIANGLES);
+    if (SoCacheElement::anyOpen(state)) d.buffers.releaseMemory();  // the display list has it now
   };
   if (!needsTexCoords(state)) {
     drawMesh();

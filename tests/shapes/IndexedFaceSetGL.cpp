@@ -5,9 +5,11 @@
 #include <GL/gl.h>
 #include <GL/glext.h>
 
+#include <cmath>
 #include <functional>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include <Inventor/elements/SoGLCacheContextElement.h>
 #include <Inventor/nodes/SoTexture2.h>
@@ -370,6 +372,54 @@ TEST(IndexedFaceSetGL, AChangeOfAnythingIsDrawn) {
   stage.redraw();
   EXPECT_EQ(stage.at(0, 0.7f), black);
   EXPECT_EQ(complaints(world), 0) << world.messages.text();
+}
+
+TEST(IndexedFaceSetGL, MovingPointsLookLikeAFreshMesh) {
+  FaceStage stage, fresh;
+  for (const char* const fields : {"colorPerVertex FALSE", "colorPerVertex FALSE creaseAngle 0.4",
+                                   "colorPerVertex FALSE creaseAngle 4", "colorPerVertex FALSE convex FALSE"})
+    for (const int side : {6, 20}) {
+      const std::string text = group(sunlight + faces(grid(side, fields), lit));
+      TestWorld world(text);
+      stage.draw(world);
+      auto* const moving =
+          static_cast<VrmlCoordinate*>(world.get<VrmlIndexedFaceSet>("FACES")->coord.getValue());
+      std::vector<SbVec3f> points(moving->point.getValues(0),
+                                  moving->point.getValues(0) + moving->point.getNum());
+      for (int frame = 0; frame < 6; ++frame) {
+        // Creases open and close, and points meet and part.
+        for (std::size_t i = 0; i < points.size(); ++i)
+          points[i][2] = 0.3f * static_cast<float>(frame % 3) * std::sin(static_cast<float>(i * (frame + 1)));
+        if (frame == 3) points[1] = points[0];
+        moving->point.setValues(0, static_cast<int>(points.size()), points.data());
+        const host::Image moved = stage.redraw();
+        TestWorld other(text);
+        static_cast<VrmlCoordinate*>(other.get<VrmlIndexedFaceSet>("FACES")->coord.getValue())->point =
+            moving->point;
+        EXPECT_TRUE(alike(moved, fresh.draw(other), 1)) << fields << ", side " << side << ", frame " << frame;
+      }
+    }
+}
+
+TEST(IndexedFaceSetGL, PointsThatGoInSilenceAreNotFollowed) {
+  // The indices change while nobody is told; then points go too, and that is told.
+  FaceStage stage;
+  for (const int side : {6, 20}) {
+    TestWorld world(group(sunlight + faces(grid(side, "colorPerVertex FALSE creaseAngle 0.4"), lit)));
+    stage.draw(world);
+    auto* const set = world.get<VrmlIndexedFaceSet>("FACES");
+    auto& point = static_cast<VrmlCoordinate*>(set->coord.getValue())->point;
+    for (int frame = 0; frame < 4; ++frame) {
+      point.set1Value(0, SbVec3f(-1.5f, -1.5f, static_cast<float>(frame)));
+      stage.redraw();
+    }
+    set->coordIndex.enableNotify(FALSE);
+    set->coordIndex.setNum(10);
+    set->coordIndex.enableNotify(TRUE);
+    point.setNum(side + 4);
+    EXPECT_LT(countLit(stage.redraw()), 600);
+    EXPECT_EQ(complaints(world), 0) << world.messages.text();
+  }
 }
 
 TEST(IndexedFaceSetGL, OneLargeMeshServesTwoContexts) {
