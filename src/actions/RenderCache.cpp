@@ -18,7 +18,9 @@ namespace tessel {
 
 namespace {
 
-constexpr int leastPatience = 1, mostPatience = 64;
+// In times that the branch is drawn.
+constexpr int leastPatience = 1, mostPatience = 256;
+constexpr int longLife = 64;
 
 }  // namespace
 
@@ -29,18 +31,18 @@ RenderCache::RenderCache(int n) : capacity(n), patience(leastPatience) {}
 RenderCache::~RenderCache() = default;
 
 void RenderCache::invalidate() {
+  if (!entries.empty()) learnFrom(entries.front());
   entries.clear();
   unchanged = 0;
-  patience = leastPatience;
 }
 
-void RenderCache::drop(std::vector<Entry>::iterator entry) {
-  if (!entry->drawn) patience = std::min(2 * patience, mostPatience);
-  entries.erase(entry);
+void RenderCache::learnFrom(const Entry& entry) {
+  patience = entry.timesDrawn >= longLife ? leastPatience : std::min(2 * patience, mostPatience);
 }
 
 bool RenderCache::call(SoGLRenderAction* action) {
   SoState* state = action->getState();
+  if (entries.empty() || SoCacheElement::anyOpen(state)) return false;
   DelayedShapes* delayed = VrmlRenderAction::delayedShapesOf(action);
   for (auto entry = entries.begin(); entry != entries.end(); ++entry) {
     SoGLRenderCache* list = entry->list.get();
@@ -53,8 +55,7 @@ bool RenderCache::call(SoGLRenderAction* action) {
     list->call(state);
     SoGLLazyElement::postCacheCall(state, list->getPostLazyState());
     Entry& called = entries.front();
-    called.drawn = true;
-    patience = leastPatience;
+    ++called.timesDrawn;
     if (called.delayed) delayed->replay(action, *called.delayed);
     return true;
   }
@@ -65,7 +66,10 @@ void RenderCache::open(SoGLRenderAction* action) {
   SoState* state = action->getState();
   autoCacheOutside = SoGLCacheContextElement::resetAutoCacheBits(state);
   if (capacity <= 0 || SoCacheElement::anyOpen(state) || keptOut || unchanged++ < patience) return;
-  if (static_cast<int>(entries.size()) >= capacity) drop(entries.end() - 1);
+  if (static_cast<int>(entries.size()) >= capacity) {
+    learnFrom(entries.back());
+    entries.pop_back();
+  }
   invalidOutside = SoCacheElement::setInvalid(FALSE);
   auto* list = new SoGLRenderCache(state);
   list->ref();

@@ -14,8 +14,8 @@ class DelayedRecording;
 /// Display lists that stand for a branch of the world, for as long as nothing in it changes.
 ///
 /// What the branch delays (see VrmlRenderAction) is recorded beside the list and delayed again whenever the list
-/// is drawn. A list is made when a branch has been drawn unchanged once; a branch that keeps depending on what
-/// changes outside is left in peace for longer and longer. None is made of a branch in which something says by the
+/// is drawn. At first a list is made when the branch has been drawn unchanged once; the shorter the lists of a branch
+/// live, the longer it must stay unchanged before the next. None is made of a branch in which something says by the
 /// toolkit's DONT_AUTO_CACHE that it draws better without; these marks are passed on.
 ///
 ///     StateScope scope(state);
@@ -31,7 +31,8 @@ public:
   RenderCache(const RenderCache&) = delete;
   RenderCache& operator=(const RenderCache&) = delete;
 
-  /// Draws a list that holds for the state, if there is one.
+  /// Draws a list that holds for the state, if there is one. Not inside another list that is being made: the toolkit
+  /// lets none stand that calls others.
   bool call(SoGLRenderAction* action);
   /// Begins a list, if it is time for one. Does nothing inside another list that is being made.
   void open(SoGLRenderAction* action);
@@ -47,9 +48,9 @@ private:
     std::unique_ptr<SoGLRenderCache, Release> list;
     std::unique_ptr<DelayedRecording> delayed;  // null: the branch delays nothing
     int transparencyType = 0;                   // of the action that made it
-    bool drawn = false;
+    int timesDrawn = 0;
   };
-  void drop(std::vector<Entry>::iterator entry);
+  void learnFrom(const Entry& entry);
 
   std::vector<Entry> entries;  // the one drawn last comes first
   Entry making;                // between open and close
