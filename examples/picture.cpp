@@ -32,14 +32,14 @@ bool openContext() {
   if (!getDisplay) return false;
   EGLDisplay display = getDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
   if (!eglInitialize(display, nullptr, nullptr) || !eglBindAPI(EGL_OPENGL_API)) return false;
-  const EGLint wanted[] = {EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_DEPTH_SIZE, 24, EGL_NONE};
+  const EGLint wanted[] = {EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RED_SIZE, 8, EGL_DEPTH_SIZE, 24, EGL_NONE};
   EGLConfig config;
   EGLint count = 0;
   if (!eglChooseConfig(display, wanted, &config, 1, &count) || count == 0) return false;
   const EGLint size[] = {EGL_WIDTH, width, EGL_HEIGHT, height, EGL_NONE};
   EGLSurface surface = eglCreatePbufferSurface(display, config, size);
-  return eglMakeCurrent(display, surface, surface,
-                        eglCreateContext(display, config, EGL_NO_CONTEXT, nullptr));
+  EGLContext context = eglCreateContext(display, config, EGL_NO_CONTEXT, nullptr);
+  return eglMakeCurrent(display, surface, surface, context);
 }
 
 /// The world's Viewpoint was bound, or moved: the camera goes there.
@@ -56,8 +56,7 @@ bool writePng(const char* file, const std::vector<unsigned char>& pixels) {
   png.version = PNG_IMAGE_VERSION;
   png.width = width, png.height = height;
   png.format = PNG_FORMAT_RGB;
-  return png_image_write_to_file(&png, file, 0, pixels.data(), -3 * width,
-                                 nullptr);  // from the bottom row up
+  return png_image_write_to_file(&png, file, 0, pixels.data(), -3 * width, nullptr);  // from the bottom up
 }
 
 int main(int argc, char** argv) {
