@@ -76,8 +76,69 @@ bool lightIsEvenOnFlatFaces() {
   return true;
 }
 
+bool isLarge(const VrmlIndexedFaceSet& set) { return set.coordIndex.getNum() > FaceDrawing::autoCacheLimit; }
+
 template <class T> std::span<const T> valuesAt(const void* values, int count) {
   return {static_cast<const T*>(values), static_cast<std::size_t>(count)};
+}
+
+std::span<const std::int32_t> valuesOf(const SoMFInt32& list) {
+  return valuesAt<std::int32_t>(list.getValues(0), list.getNum());
+}
+
+/// What has to be checked before anything is made of it.
+tessel::FaceSource faceSource(const VrmlIndexedFaceSet& set, const Cache& cache,
+                              const FaceDrawing::Needs& needs, const tessel::FaceRuns& runs) {
+  tessel::FaceSource source;
+  source.coordIndex = valuesOf(set.coordIndex);
+  source.numPoints = cache.numVerts;
+  source.numFaces = runs.total();
+  source.color = {valuesOf(set.colorIndex), cache.numColors, !set.colorPerVertex.getValue(),
+                  cache.materialBinding != Cache::overall};
+  source.normal = {valuesOf(set.normalIndex),
+                   cache.generateNormals ? set.coordIndex.getNum() : cache.numNormals,
+                   !set.normalPerVertex.getValue(), !cache.generateNormals};
+  source.texCoord = {valuesOf(set.texCoordIndex), cache.numTexCoords, false, !cache.generateTexCoords};
+  source.checkNormals = needs.normals;
+  source.checkTexCoords = needs.texCoords || !cache.generateTexCoords;
+  source.name = set.getName().getString();
+  return source;
+}
+
+/// All that a mesh is made of, but its runs and the normals that the node has not.
+tessel::FaceMeshSource meshSource(const VrmlIndexedFaceSet& set, const Cache& cache,
+                                  const FaceDrawing::Needs& needs, const tessel::FaceIndices& prepared) {
+  tessel::FaceMeshSource source;
+  source.coordIndex = valuesOf(set.coordIndex);
+  source.convex = set.convex.getValue();
+  source.points = valuesAt<SbVec3f>(cache.vertexPtr, cache.numVerts);
+  if (cache.colorIsInVP && cache.materialBinding != Cache::overall) {
+    source.colors = valuesAt<SbColor>(cache.colorPtr, cache.numColors);
+    source.color = prepared.color;
+    source.alpha = needs.alpha;
+  }
+  if (needs.normals && !cache.generateNormals) {
+    source.normals = valuesAt<SbVec3f>(cache.normalPtr, cache.numNormals);
+    source.normal = prepared.normal;
+  }
+  if (needs.texCoords && !cache.generateTexCoords) {
+    source.texCoords = valuesAt<SbVec2f>(cache.texCoordPtr, cache.numTexCoords);
+    source.texCoord = prepared.texCoord;
+  }
+  return source;
+}
+
+void generateNormals(const VrmlIndexedFaceSet& set, bool keepFaces, tessel::NormalGenerator& generator,
+                     tessel::FaceMeshSource& source) {
+  using Sharing = tessel::NormalGenerator::Sharing;
+  generator.generate(source.points, source.coordIndex, set.ccw.getValue(), set.creaseAngle.getValue(),
+                     keepFaces);
+  const Sharing sharing = generator.sharing();
+  source.normals = generator.normals();
+  source.normal.by = sharing == Sharing::perFace    ? By::face
+                     : sharing == Sharing::perPoint ? By::point
+                                                    : By::corner;
+  source.normal.array = sharing == Sharing::perFace ? nullptr : generator.indices().data();
 }
 
 }  // namespace
@@ -90,27 +151,25 @@ void VrmlIndexedFaceSet::GLRender(SoGLRenderAction* action) {
   if (!shouldGLRender(action) || !prepare(action)) return;
   draw(action);
 
-  const bool large = coordIndex.getNum() > FaceDrawing::autoCacheLimit;
-  SoGLCacheContextElement::shouldAutoCache(state,
-                                           large && !SoGLCacheContextElement::getIsRemoteRendering(state)
-                                               ? SoGLCacheContextElement::DONT_AUTO_CACHE
-                                               : SoGLCacheContextElement::DO_AUTO_CACHE);
+  // A large mesh has buffers of its own; small ones end in display lists.
+  const bool keepOut = isLarge(*this) && !SoGLCacheContextElement::getIsRemoteRendering(state);
+  SoGLCacheContextElement::shouldAutoCache(
+      state, keepOut ? SoGLCacheContextElement::DONT_AUTO_CACHE : SoGLCacheContextElement::DO_AUTO_CACHE);
 }
 
 // Makes the mesh if there is none that serves. False if there is nothing to draw.
 bool VrmlIndexedFaceSet::prepare(SoGLRenderAction* action) {
   SoState* state = action->getState();
   FaceDrawing& d = *drawing;
-  FaceDrawing::Needs needs = needsOf(state, tessel::realNode<VrmlColor>(color) != nullptr);
-
+  const FaceDrawing::Needs needs = needsOf(state, tessel::realNode<VrmlColor>(color) != nullptr);
   // In a display list the lights of a later frame are not known.
-  const auto mayBeFlat = [&] {
-    return !SoCacheElement::anyOpen(state) && (!needs.normals || lightIsEvenOnFlatFaces());
-  };
-  if (d.status == FaceDrawing::Status::ready && d.madeFor.serve(needs) && d.buffers.isReady(state) &&
-      (!d.isFlat || mayBeFlat()))
-    return true;
-  if (d.isFlat && d.status == FaceDrawing::Status::ready && !mayBeFlat()) d.refuseFlat = true;
+  const bool mayBeFlat =
+      isLarge(*this) && !SoCacheElement::anyOpen(state) && (!needs.normals || lightIsEvenOnFlatFaces());
+  if (d.status == FaceDrawing::Status::ready) {
+    const bool wrongLayout = d.isFlat && !mayBeFlat;
+    if (!wrongLayout && d.madeFor.serve(needs) && d.buffers.isReady(state)) return true;
+    if (wrongLayout) d.refuseFlat = true;
+  }
 
   const tessel::FaceRuns runs = tessel::countRuns(indices());
   if (runs.total() == 0) return false;
@@ -118,26 +177,8 @@ bool VrmlIndexedFaceSet::prepare(SoGLRenderAction* action) {
                        tessel::realNode<VrmlNormal>(normal),
                        tessel::realNode<VrmlTextureCoordinate>(texCoord), !colorPerVertex.getValue(),
                        !normalPerVertex.getValue(), state);
-  const Cache& cache = *vpCache;
-
-  tessel::FaceSource source;
-  const auto span = [](const SoMFInt32& list) {
-    return std::span(list.getValues(0), static_cast<std::size_t>(list.getNum()));
-  };
-  source.coordIndex = indices();
-  source.numPoints = cache.numVerts;
-  source.numFaces = runs.total();
-  source.color = {span(colorIndex), cache.numColors, !colorPerVertex.getValue(),
-                  cache.materialBinding != Cache::overall};
-  source.normal = {span(normalIndex), cache.numNormals, !normalPerVertex.getValue(), !cache.generateNormals};
-  if (cache.generateNormals) source.normal.count = coordIndex.getNum();
-  source.texCoord = {span(texCoordIndex), cache.numTexCoords, false, !cache.generateTexCoords};
-  source.checkNormals = needs.normals;
-  source.checkTexCoords = needs.texCoords || !cache.generateTexCoords;
-  const SbName name = getName();
-  source.name = name.getString();
-  tessel::FaceIndices of;
-  if (const auto fault = tessel::prepareIndices(source, of)) {
+  tessel::FaceIndices prepared;
+  if (const auto fault = tessel::prepareIndices(faceSource(*this, *vpCache, needs, runs), prepared)) {
     SoDebugError::post(fault->source, "%s", fault->text.c_str());
     d.status = FaceDrawing::Status::failed;
     SoGLCacheContextElement::shouldAutoCache(state, SoGLCacheContextElement::DO_AUTO_CACHE);
@@ -150,54 +191,22 @@ bool VrmlIndexedFaceSet::prepare(SoGLRenderAction* action) {
     workshop = std::make_unique<tessel::FaceWorkshop>();
     d.facesChanged = true;
   }
-  tessel::FaceWorkshop& shop = *workshop;
-  tessel::FaceMeshSource mesh;
-  mesh.coordIndex = indices();
-  mesh.runs = runs;
-  mesh.convex = convex.getValue();
-  mesh.points = valuesAt<SbVec3f>(cache.vertexPtr, cache.numVerts);
-  if (cache.colorIsInVP && cache.materialBinding != Cache::overall) {
-    mesh.colors = valuesAt<SbColor>(cache.colorPtr, cache.numColors);
-    mesh.color = of.color;
-    mesh.alpha = needs.alpha;
-  }
-  if (needs.normals && cache.generateNormals) {
-    shop.normals.generate(mesh.points, mesh.coordIndex, ccw.getValue(), creaseAngle.getValue(), animated);
-    mesh.normals = shop.normals.normals();
-    switch (shop.normals.sharing()) {
-      case tessel::NormalGenerator::Sharing::perFace:
-        mesh.normal = {By::face, nullptr};
-        break;
-      case tessel::NormalGenerator::Sharing::perPoint:
-        mesh.normal = {By::point, shop.normals.indices().data()};
-        break;
-      case tessel::NormalGenerator::Sharing::perCorner:
-        mesh.normal = {By::corner, shop.normals.indices().data()};
-        break;
-    }
-  } else if (needs.normals) {
-    mesh.normals = valuesAt<SbVec3f>(cache.normalPtr, cache.numNormals);
-    mesh.normal = of.normal;
-  }
-  if (needs.texCoords && !cache.generateTexCoords) {
-    mesh.texCoords = valuesAt<SbVec2f>(cache.texCoordPtr, cache.numTexCoords);
-    mesh.texCoord = of.texCoord;
-  }
+  tessel::FaceMeshSource source = meshSource(*this, *vpCache, needs, prepared);
+  source.runs = runs;
+  const bool generate = needs.normals && vpCache->generateNormals;
+  if (generate) generateNormals(*this, animated, workshop->normals, source);
 
-  // Small meshes end in display lists; there is nothing to be saved.
-  const bool large = coordIndex.getNum() > FaceDrawing::autoCacheLimit;
-  const bool flat = large && !d.refuseFlat && FaceMesh::canBeFlat(mesh) && mayBeFlat();
-  const bool sameFaces =
-      animated && !d.facesChanged && flat == d.isFlat &&
-      (mesh.normal.by != By::corner || !cache.generateNormals || shop.normals.hasSameCorners());
-  if (!sameFaces || !shop.mesh.refresh(mesh))
-    shop.mesh.build(mesh, flat ? FaceMesh::Layout::flat : FaceMesh::Layout::smooth);
-  d.buffers.fill(state, shop.mesh.content(), large);
+  const bool flat = mayBeFlat && !d.refuseFlat && FaceMesh::canBeFlat(source);
+  const bool sameFaces = animated && !d.facesChanged && flat == d.isFlat &&
+                         (!generate || source.normal.by != By::corner || workshop->normals.hasSameCorners());
+  if (!sameFaces || !workshop->mesh.refresh(source))
+    workshop->mesh.build(source, flat ? FaceMesh::Layout::flat : FaceMesh::Layout::smooth);
+  d.buffers.fill(state, workshop->mesh.content(), isLarge(*this));
   d.isFlat = flat;
   d.facesChanged = false;
   d.madeFor = needs;
   d.status = FaceDrawing::Status::ready;
-  if (large) sharedWorkshop().reset();  // it has grown
+  if (isLarge(*this)) sharedWorkshop().reset();  // it has grown
   return true;
 }
 

@@ -46,9 +46,10 @@ class FaceStage {
 public:
   FaceStage() : drawing(place.get()) {}
 
-  const host::Image& draw(const TestWorld& world) {
+  const host::Image& draw(const TestWorld& world) { return draw(world.root()); }
+  const host::Image& draw(SoNode* scene) {
     place->removeAllChildren();
-    place->addChild(world.root());
+    place->addChild(scene);
     return drawing.frame();
   }
   const host::Image& redraw(int frames = 1) { return drawing.frame(frames); }
@@ -224,6 +225,43 @@ TEST(IndexedFaceSetGL, ALargeMeshLooksLikeItsFacesAlone) {
                   y = (static_cast<float>(j) + 0.5f) * 0.15f - 1.5f;
       EXPECT_TRUE(near(stage.at(x, y), {byte(c[0]), byte(c[1]), byte(c[2])}, 2)) << i << ' ' << j;
     }
+}
+
+TEST(IndexedFaceSetGL, MeshesBeyondShortIndicesAreWhole) {
+  // Left half red, right half blue; once with neighbours side by side, once with the faces in no order.
+  constexpr int side = 300;
+  FaceStage stage;
+  for (const int stride : {1, 7919}) {
+    std::string points, index, colorIndex;
+    for (int i = 0; i <= side; ++i)
+      for (int j = 0; j <= side; ++j)
+        points += std::to_string(3.0 * i / side - 1.5) + ' ' + std::to_string(3.0 * j / side - 1.5) + " 0 ";
+    for (int k = 0; k < side * side; ++k) {
+      const int face = static_cast<int>(static_cast<long>(k) * stride % (side * side)), i = face / side;
+      const int a = i * (side + 1) + face % side, b = a + side + 1;
+      for (const int n : {a, b, b + 1, a + 1, -1}) index += std::to_string(n) + ' ';
+      colorIndex += i < side / 2 ? "0 " : "1 ";
+    }
+    TestWorld world(
+        faces("colorPerVertex FALSE color Color { color [ 1 0 0, 0 0 1 ] } coord Coordinate { point [ " +
+              points + " ] } coordIndex [ " + index + " ] colorIndex [ " + colorIndex + " ]"));
+    stage.draw(world);
+    for (float x = -1.4f; x < 1.45f; x += 0.2f)
+      for (const float y : {-1.4f, -0.3f, 0.8f, 1.4f})
+        EXPECT_EQ(stage.at(x, y), x < 0 ? red : blue) << stride << ": " << x << ' ' << y;
+    EXPECT_EQ(complaints(world), 0) << world.messages.text();
+  }
+}
+
+TEST(IndexedFaceSetGL, LargeMeshesDrawInsideDisplayListsOfTheToolkit) {
+  FaceStage stage;
+  TestWorld world(group(sunlight + faces(grid(20, "colorPerVertex FALSE"), lit)));
+  const host::Image picture = stage.draw(world);
+  const tessel::SoRef<SoSeparator> cached(new SoSeparator);
+  cached->renderCaching = SoSeparator::ON;
+  cached->addChild(world.root());
+  for (int frame = 0; frame < 5; ++frame) EXPECT_TRUE(alike(picture, stage.draw(cached.get()), 1)) << frame;
+  EXPECT_TRUE(alike(picture, stage.draw(world), 1)) << "and outside again";
 }
 
 TEST(IndexedFaceSetGL, ConcaveFacesKeepTheirNotches) {
