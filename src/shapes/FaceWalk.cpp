@@ -69,7 +69,7 @@ FaceWalk::FaceWalk(VrmlIndexedFaceSet& n, SoAction* a, std::unique_ptr<NormalGen
 
 bool FaceWalk::next() {
   const auto end = static_cast<int>(coordIndex.size());
-  if (corners >= 3) firstVert += corners;
+  firstVert += corners;
   while (nextEntry < end) {
     firstEntry = nextEntry;
     while (nextEntry < end && coordIndex[nextEntry] >= 0) ++nextEntry;

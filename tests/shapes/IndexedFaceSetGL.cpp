@@ -16,6 +16,7 @@
 
 #include <tessel/shapes/VrmlColor.h>
 #include <tessel/shapes/VrmlCoordinate.h>
+#include <tessel/shapes/VrmlDirectionalLight.h>
 #include <tessel/shapes/VrmlIndexedFaceSet.h>
 #include <tessel/shapes/VrmlMaterial.h>
 #include <tessel/shapes/VrmlPointLight.h>
@@ -192,23 +193,36 @@ TEST(IndexedFaceSetGL, ColorsOfCornersBlend) {
 }
 
 TEST(IndexedFaceSetGL, LargeMeshesLookTheSameInEveryLayout) {
-  // Under parallel light the color of a face can stand at one corner. With a point of light, be it off the
-  // picture, it can't.
+  // Under parallel light the color of a face can stand at one corner. With a point of light it can't, nor if it is
+  // given corner by corner.
   FaceStage stage;
-  for (const std::string& appearance : {plain, lit}) {
-    for (const char* const fields : {"colorPerVertex FALSE", "colorPerVertex FALSE convex FALSE"}) {
-      TestWorld world(group(sunlight + "DEF LAMP PointLight { on FALSE location 0 0 -100 } " +
-                            faces(grid(20, fields), appearance)));
-      ASSERT_TRUE(world.root()) << world.messages.text();
-      const host::Image flat = stage.draw(world);
-      EXPECT_GT(countLit(flat), 1000);
-      auto* const lamp = world.get<VrmlPointLight>("LAMP");
-      lamp->on = TRUE;
-      EXPECT_TRUE(alike(flat, stage.redraw(), 3)) << appearance << fields;
-      lamp->on = FALSE;
-      EXPECT_TRUE(alike(flat, stage.redraw(), 3)) << appearance << fields;
-    }
-  }
+  std::string perCorner = " colorIndex [ ";
+  for (int face = 0; face < 400; ++face)
+    for (const int corner : {face, face, face, face, -1}) perCorner += std::to_string(corner) + ' ';
+  for (const std::string& appearance : {plain, lit})
+    for (const char* const form : {"", "convex FALSE"})
+      for (const char* const lamp : {sunlight.c_str(), "PointLight { location 0.5 0 1 }"}) {
+        TestWorld perFace(
+            group(lamp + faces(grid(20, std::string(form) + " colorPerVertex FALSE"), appearance)));
+        TestWorld byCorners(group(lamp + faces(grid(20, form + perCorner + "]"), appearance)));
+        ASSERT_TRUE(perFace.root() && byCorners.root()) << byCorners.messages.text();
+        const host::Image picture = stage.draw(perFace);
+        EXPECT_GT(countLit(picture), 1000);
+        EXPECT_TRUE(alike(picture, stage.draw(byCorners), 3)) << lamp << appearance << form;
+      }
+}
+
+TEST(IndexedFaceSetGL, ALampThatIsSwitchedOnChangesTheLayout) {
+  FaceStage stage;
+  const std::string mesh = faces(grid(20, "colorPerVertex FALSE"), lit);
+  TestWorld lampOn(group("PointLight { location 0.5 0 1 } " + mesh));
+  const host::Image under = stage.draw(lampOn);
+  TestWorld world(
+      group("DEF SUN DirectionalLight { } DEF LAMP PointLight { on FALSE location 0.5 0 1 } " + mesh));
+  stage.draw(world);
+  world.get<VrmlDirectionalLight>("SUN")->on = FALSE;
+  world.get<VrmlPointLight>("LAMP")->on = TRUE;
+  EXPECT_TRUE(alike(under, stage.redraw(), 1));
 }
 
 TEST(IndexedFaceSetGL, ALargeMeshLooksLikeItsFacesAlone) {
@@ -334,19 +348,24 @@ TEST(IndexedFaceSetGL, TransparencyGoesWithTheColors) {
 }
 
 TEST(IndexedFaceSetGL, ColorsDoNotLeakIntoTheNextShape) {
+  // One material before and after the colors: the state has no reason of its own to send it again.
   FaceStage stage;
-  const auto triangle = [](float x, const std::string& fields) {
+  const auto triangle = [](float x, const std::string& fields, const std::string& appearance) {
     return "Transform { translation " + std::to_string(x) + " 0 0 children " +
            faces("coord Coordinate { point [ -.5 -.5 0, .5 -.5 0, 0 .5 0 ] } coordIndex [ 0 1 2 ] " + fields,
-                 "appearance Appearance { material Material { diffuseColor 0 0 1 ambientIntensity 0 } } ") +
+                 "appearance " + appearance) +
            " } ";
   };
-  TestWorld world(group(sunlight + triangle(-1.2f, "") +
-                        triangle(0, "color Color { color [ 1 0 0, 1 0 0, 1 0 0 ] }") + triangle(1.2f, "")));
+  TestWorld world(
+      group(sunlight +
+            triangle(-1.2f, "",
+                     "DEF BLUE Appearance { material Material { diffuseColor 0 0 1 ambientIntensity 0 } } ") +
+            triangle(0, "color Color { color [ 1 0 0, 1 0 0, 1 0 0 ] }", "USE BLUE ") +
+            triangle(1.2f, "", "USE BLUE ")));
   stage.draw(world);
-  for (int frame = 0; frame < 4; ++frame) {
-    EXPECT_TRUE(near(stage.at(0, 0), red)) << stage.at(0, 0);
-    for (const float x : {-1.2f, 1.2f}) EXPECT_TRUE(near(stage.at(x, 0), blue)) << stage.at(x, 0);
+  for (int frame = 0; frame < 6; ++frame) {
+    EXPECT_TRUE(near(stage.at(0, 0), red)) << frame << stage.at(0, 0);
+    for (const float x : {-1.2f, 1.2f}) EXPECT_TRUE(near(stage.at(x, 0), blue)) << frame << stage.at(x, 0);
     stage.redraw();
   }
 }
