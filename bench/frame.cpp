@@ -25,18 +25,28 @@ class BareLoop {
 public:
   explicit BareLoop(const Frame& frame) : camera(frame.getCamera()) {
     SoCallbackAction collect;
-    collect.addPreCallback(VrmlGeometry::getClassTypeId(), [](void* self, SoCallbackAction* action, const SoNode*) {
-      static_cast<BareLoop*>(self)->begin(action);
-      return SoCallbackAction::CONTINUE;
-    }, this);
-    collect.addTriangleCallback(VrmlGeometry::getClassTypeId(), [](void* self, SoCallbackAction*, const SoPrimitiveVertex* a,
-                                                       const SoPrimitiveVertex* b, const SoPrimitiveVertex* c) {
-      for (const SoPrimitiveVertex* v : {a, b, c}) static_cast<BareLoop*>(self)->corners.push_back({v->getNormal(), v->getPoint()});
-    }, this);
-    collect.addPostCallback(VrmlGeometry::getClassTypeId(), [](void* self, SoCallbackAction*, const SoNode*) {
-      static_cast<BareLoop*>(self)->end();
-      return SoCallbackAction::CONTINUE;
-    }, this);
+    collect.addPreCallback(
+        VrmlGeometry::getClassTypeId(),
+        [](void* self, SoCallbackAction* action, const SoNode*) {
+          static_cast<BareLoop*>(self)->begin(action);
+          return SoCallbackAction::CONTINUE;
+        },
+        this);
+    collect.addTriangleCallback(
+        VrmlGeometry::getClassTypeId(),
+        [](void* self, SoCallbackAction*, const SoPrimitiveVertex* a, const SoPrimitiveVertex* b,
+           const SoPrimitiveVertex* c) {
+          for (const SoPrimitiveVertex* v : {a, b, c})
+            static_cast<BareLoop*>(self)->corners.push_back({v->getNormal(), v->getPoint()});
+        },
+        this);
+    collect.addPostCallback(
+        VrmlGeometry::getClassTypeId(),
+        [](void* self, SoCallbackAction*, const SoNode*) {
+          static_cast<BareLoop*>(self)->end();
+          return SoCallbackAction::CONTINUE;
+        },
+        this);
     collect.apply(frame.getWorld());
   }
 
@@ -128,10 +138,12 @@ std::string place(int i, float reach) {
 std::string shape(int i, float transparency = 0, int geometry = 0) {
   char text[300];
   const char* const forms[] = {"Cylinder {}", "Box {}"};
-  std::snprintf(text, sizeof text,
-                "Shape { appearance Appearance { material Material { diffuseColor %.2f %.2f %.2f transparency %.2f } } "
-                "geometry %s }",
-                std::fabs(scatter(i, 4)), std::fabs(scatter(i, 5)), std::fabs(scatter(i, 6)), transparency, forms[geometry]);
+  std::snprintf(
+      text, sizeof text,
+      "Shape { appearance Appearance { material Material { diffuseColor %.2f %.2f %.2f transparency %.2f } } "
+      "geometry %s }",
+      std::fabs(scatter(i, 4)), std::fabs(scatter(i, 5)), std::fabs(scatter(i, 6)), transparency,
+      forms[geometry]);
   return text;
 }
 
@@ -146,7 +158,8 @@ std::string tree(int n, int& made, int arity) {
   std::string text = "Transform { " + place(made + 7, 10) + " children [ ";
   if (n <= arity)
     for (int i = 0; i < n; ++i, ++made)
-      text += partName(made).insert(0, "DEF ") + " Transform { " + place(made, 10) + " children " + shape(made) + " }\n";
+      text += partName(made).insert(0, "DEF ") + " Transform { " + place(made, 10) + " children " +
+              shape(made) + " }\n";
   else
     for (int i = 0; i < arity; ++i) text += tree(n / arity + (i < n % arity ? 1 : 0), made, arity);
   return text + "] }\n";
@@ -164,7 +177,8 @@ std::string flat(int n) {
 
 std::string glass(int n) {
   std::string text = "Group { children [ ";
-  for (int i = 0; i < n; ++i) text += "Transform { " + place(i, 20) + " children " + shape(i, 0.5f, 1) + " }\n";
+  for (int i = 0; i < n; ++i)
+    text += "Transform { " + place(i, 20) + " children " + shape(i, 0.5f, 1) + " }\n";
   return text + "] }\n";
 }
 

@@ -97,7 +97,8 @@ bool DelayedShapes::add(SoGLRenderAction* action) {
   const std::size_t place = placeOf(path, length, {}, DrawScopeElement::get(state));
   addShape(state, node, matrix, box, place);
   if (recorded)
-    recording->shapes.push_back({SoRef<VrmlShape>(node), matrix, box, recordedPlace(path, length, {}, place)});
+    recording->shapes.push_back(
+        {SoRef<VrmlShape>(node), matrix, box, recordedPlace(path, length, {}, place)});
   return true;
 }
 
@@ -114,7 +115,8 @@ SbBox3f DelayedShapes::boxOf(VrmlShape* shape, const SbViewportRegion& region) {
 }
 
 /// `below` leads on from the first `length` nodes of the path to a shape.
-std::size_t DelayedShapes::placeOf(const SoFullPath& path, int length, std::span<const int> below, int scope) {
+std::size_t DelayedShapes::placeOf(const SoFullPath& path, int length, std::span<const int> below,
+                                   int scope) {
   // The newest first: neighbours in the tree mostly share a place.
   for (std::size_t i = places.size(); i-- > 0;) {
     const Place& place = places[i];
@@ -124,8 +126,8 @@ std::size_t DelayedShapes::placeOf(const SoFullPath& path, int length, std::span
   }
   const int rootDepth = indexOfWorld(path, length);
   // Nodes of the toolkit below may change anything.
-  const bool shared = (static_cast<VrmlNode*>(path.getNode(rootDepth))->getKidType() & KidType::foreign) !=
-                      KidType::foreign;
+  const bool shared =
+      (static_cast<VrmlNode*>(path.getNode(rootDepth))->getKidType() & KidType::foreign) != KidType::foreign;
   SoRef<SoPath> whole(path.copy(0, length));
   for (const int child : below) whole->append(child);
   places.push_back({std::move(whole), rootDepth, scope, shared});
@@ -133,7 +135,8 @@ std::size_t DelayedShapes::placeOf(const SoFullPath& path, int length, std::span
 }
 
 void DelayedShapes::sort() {
-  std::stable_sort(shapes.begin(), shapes.end(), [](const Shape& a, const Shape& b) { return a.depth < b.depth; });
+  std::stable_sort(shapes.begin(), shapes.end(),
+                   [](const Shape& a, const Shape& b) { return a.depth < b.depth; });
 }
 
 void DelayedShapes::clear() {

@@ -77,9 +77,11 @@ private:
     std::unique_ptr<RenderCache> cache;
   };
 
-  void addShape(SoState* state, VrmlShape* node, const SbMatrix& matrix, const SbBox3f& box, std::size_t place);
+  void addShape(SoState* state, VrmlShape* node, const SbMatrix& matrix, const SbBox3f& box,
+                std::size_t place);
   std::size_t placeOf(const SoFullPath& path, int length, std::span<const int> below, int scope);
-  std::size_t recordedPlace(const SoFullPath& path, int length, std::span<const int> below, std::size_t place);
+  std::size_t recordedPlace(const SoFullPath& path, int length, std::span<const int> below,
+                            std::size_t place);
   SbBox3f boxOf(VrmlShape* shape, const SbViewportRegion& region);
   void drawShapes(SoGLRenderAction* action);
 

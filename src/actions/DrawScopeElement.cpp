@@ -14,9 +14,7 @@ void DrawScopeElement::initClass() {
 
 DrawScopeElement::~DrawScopeElement() = default;
 
-void DrawScopeElement::begin(SoState* state, SoNode* node) {
-  set(classStackIndex, state, node, unused());
-}
+void DrawScopeElement::begin(SoState* state, SoNode* node) { set(classStackIndex, state, node, unused()); }
 
 int DrawScopeElement::unused() {
   static int last = 0;

@@ -32,7 +32,8 @@ bool VrmlCallbackAction::shouldGeneratePrimitives(SoType type) const {
 }
 
 void VrmlCallbackAction::invokeTriangleCallbacks(SoType type, const SoPrimitiveVertex* v1,
-                                                 const SoPrimitiveVertex* v2, const SoPrimitiveVertex* v3) const {
+                                                 const SoPrimitiveVertex* v2,
+                                                 const SoPrimitiveVertex* v3) const {
   action->invokeTriangleCallbacks(StandIn::as(type), v1, v2, v3);
 }
 

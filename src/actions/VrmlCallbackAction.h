@@ -14,7 +14,8 @@ public:
   bool shouldGeneratePrimitives(SoType type) const;
   void invokeTriangleCallbacks(SoType type, const SoPrimitiveVertex* v1, const SoPrimitiveVertex* v2,
                                const SoPrimitiveVertex* v3) const;
-  void invokeLineSegmentCallbacks(SoType type, const SoPrimitiveVertex* v1, const SoPrimitiveVertex* v2) const;
+  void invokeLineSegmentCallbacks(SoType type, const SoPrimitiveVertex* v1,
+                                  const SoPrimitiveVertex* v2) const;
   void invokePointCallbacks(SoType type, const SoPrimitiveVertex* v) const;
 
 private:

@@ -29,16 +29,22 @@ struct Delay {
 
 Delay delayOf(SoGLRenderAction::TransparencyType type) {
   switch (type) {
-    case SoGLRenderAction::DELAYED_ADD: return {true, false, true};
-    case SoGLRenderAction::SORTED_OBJECT_ADD: return {true, true, true};
-    case SoGLRenderAction::DELAYED_BLEND: return {true, false, false};
-    case SoGLRenderAction::SORTED_OBJECT_BLEND: return {true, true, false};
-    default: return {};
+    case SoGLRenderAction::DELAYED_ADD:
+      return {true, false, true};
+    case SoGLRenderAction::SORTED_OBJECT_ADD:
+      return {true, true, true};
+    case SoGLRenderAction::DELAYED_BLEND:
+      return {true, false, false};
+    case SoGLRenderAction::SORTED_OBJECT_BLEND:
+      return {true, true, false};
+    default:
+      return {};
   }
 }
 
 VrmlRenderAction* asOurs(SoGLRenderAction* action) {
-  return action->isOfType(VrmlRenderAction::getClassTypeId()) ? static_cast<VrmlRenderAction*>(action) : nullptr;
+  return action->isOfType(VrmlRenderAction::getClassTypeId()) ? static_cast<VrmlRenderAction*>(action)
+                                                              : nullptr;
 }
 
 }  // namespace

@@ -48,8 +48,10 @@ void BoxTexCoords::generate(SoState* state, SoNode* node) const {
 void BoxTexCoords::sendPlanes(void* self) {
   const auto& box = *static_cast<const BoxTexCoords*>(self);
   const SbVec4f planeR(0, 0, 0, 0), planeQ(0, 0, 0, 1);
-  const struct { GLenum coordinate; const SbVec4f& plane; } rows[] = {
-      {GL_S, box.planeS}, {GL_T, box.planeT}, {GL_R, planeR}, {GL_Q, planeQ}};
+  const struct {
+    GLenum coordinate;
+    const SbVec4f& plane;
+  } rows[] = {{GL_S, box.planeS}, {GL_T, box.planeT}, {GL_R, planeR}, {GL_Q, planeQ}};
   for (const auto& row : rows) {
     glTexGeni(row.coordinate, GL_TEXTURE_GEN_MODE, GL_OBJECT_LINEAR);
     glTexGenfv(row.coordinate, GL_OBJECT_PLANE, row.plane.getValue());

@@ -11,9 +11,7 @@ namespace {
 
 using Callback = void (*)();
 
-bool isFinite(const SbVec3f& p) {
-  return std::isfinite(p[0]) && std::isfinite(p[1]) && std::isfinite(p[2]);
-}
+bool isFinite(const SbVec3f& p) { return std::isfinite(p[0]) && std::isfinite(p[1]) && std::isfinite(p[2]); }
 
 }  // namespace
 
@@ -83,8 +81,12 @@ void PolygonTessellator::vertexCB(void* vertex, void* self) {
   if (t.count >= 2) t.deliver(t.deliverTo, t.held[0], t.held[1], v);
   // Which of the two held corners gives way to this one; a strip changes sides, which keeps the winding.
   switch (t.primitive) {
-    case GL_TRIANGLE_STRIP: t.held[t.count++ & 1] = v; break;
-    case GL_TRIANGLE_FAN: t.held[t.count++ == 0 ? 0 : 1] = v; break;
+    case GL_TRIANGLE_STRIP:
+      t.held[t.count++ & 1] = v;
+      break;
+    case GL_TRIANGLE_FAN:
+      t.held[t.count++ == 0 ? 0 : 1] = v;
+      break;
     default:
       if (t.count < 2) t.held[t.count] = v;
       t.count = (t.count + 1) % 3;

@@ -25,7 +25,8 @@ SyncedChildren::~SyncedChildren() {
 bool SyncedChildren::accepts(const Slot& slot) {
   SoNode* node = slot.field->getValue();
   if (!node || node->isOfType(slot.type)) return true;
-  return node->isOfType(VrmlNode::getClassTypeId()) && static_cast<VrmlNode*>(node)->isProtoOfType(slot.type, 0);
+  return node->isOfType(VrmlNode::getClassTypeId()) &&
+         static_cast<VrmlNode*>(node)->isProtoOfType(slot.type, 0);
 }
 
 bool SyncedChildren::fieldsAreSound() const { return std::all_of(slots, slots + numSlots, accepts); }

@@ -5,7 +5,8 @@
 
 std::span<const tessel::FieldSpec> VrmlDirectionalLight::fields() {
   static constexpr tessel::FieldSpec table[] = {
-      tessel::fieldSpec<&VrmlDirectionalLight::direction>("direction", tessel::FieldKind::exposedField, {0, 0, -1}),
+      tessel::fieldSpec<&VrmlDirectionalLight::direction>("direction", tessel::FieldKind::exposedField,
+                                                          {0, 0, -1}),
   };
   return table;
 }

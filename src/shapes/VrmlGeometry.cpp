@@ -58,8 +58,9 @@ VrmlGeometry::~VrmlGeometry() = default;
 
 int VrmlGeometry::getContainerFlags() const { return 0; }
 
-SoDetail* VrmlGeometry::createTriangleDetail(SoRayPickAction*, const SoPrimitiveVertex*, const SoPrimitiveVertex*,
-                                             const SoPrimitiveVertex*, SoPickedPoint*) {
+SoDetail* VrmlGeometry::createTriangleDetail(SoRayPickAction*, const SoPrimitiveVertex*,
+                                             const SoPrimitiveVertex*, const SoPrimitiveVertex*,
+                                             SoPickedPoint*) {
   return nullptr;
 }
 
@@ -179,7 +180,8 @@ void VrmlGeometry::generateGuarded(SoAction* action) {
 }
 
 void VrmlGeometry::callback(SoCallbackAction* action) {
-  if (isInShape(action) && VrmlCallbackAction(action).shouldGeneratePrimitives(getTypeId())) generateGuarded(action);
+  if (isInShape(action) && VrmlCallbackAction(action).shouldGeneratePrimitives(getTypeId()))
+    generateGuarded(action);
 }
 
 void VrmlGeometry::collisionDetect(VrmlCollideAction* action) {
@@ -197,9 +199,13 @@ void VrmlGeometry::rayPick(SoRayPickAction* action) {
 bool VrmlGeometry::shouldRayPick(SoRayPickAction* action) {
   if (!isInShape(action)) return false;
   switch (SoPickStyleElement::get(action->getState())) {
-    case SoPickStyleElement::SHAPE: return true;
-    case SoPickStyleElement::BOUNDING_BOX: rayPickBoundingBox(action); return false;
-    default: return false;
+    case SoPickStyleElement::SHAPE:
+      return true;
+    case SoPickStyleElement::BOUNDING_BOX:
+      rayPickBoundingBox(action);
+      return false;
+    default:
+      return false;
   }
 }
 

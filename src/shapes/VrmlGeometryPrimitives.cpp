@@ -22,8 +22,7 @@ using tessel::PrimitiveState;
 
 namespace {
 
-template <class A>
-A* asAction(SoAction* action) {
+template <class A> A* asAction(SoAction* action) {
   return action->isOfType(A::getClassTypeId()) ? static_cast<A*>(action) : nullptr;
 }
 
@@ -89,13 +88,19 @@ void VrmlGeometry::shapeVertex(const SoPrimitiveVertex* v) {
     state.shape->invokeTriangleCallbacks(state.action, &state.verts[0], &state.verts[1], &third);
   };
   switch (s.type) {
-    case TRIANGLE_STRIP: triangleVertex(*v, s.vertNum & 1, make); break;
-    case TRIANGLE_FAN: triangleVertex(*v, s.vertNum == 0 ? 0 : 1, make); break;
+    case TRIANGLE_STRIP:
+      triangleVertex(*v, s.vertNum & 1, make);
+      break;
+    case TRIANGLE_FAN:
+      triangleVertex(*v, s.vertNum == 0 ? 0 : 1, make);
+      break;
     case TRIANGLES:
       triangleVertex(*v, s.vertNum < 2 ? s.vertNum : -1, make);
       if (s.vertNum == 3) s.vertNum = 0;
       break;
-    case POLYGON: s.polygon.add(*v); break;
+    case POLYGON:
+      s.polygon.add(*v);
+      break;
   }
 }
 

@@ -54,7 +54,8 @@ void VrmlMaterial::doAction(SoAction* action) {
        SoLazyElement::SPECULAR_MASK},
       {emissiveColor, Override::getEmissiveColorOverride, Override::setEmissiveColorOverride,
        SoLazyElement::EMISSIVE_MASK},
-      {shininess, Override::getShininessOverride, Override::setShininessOverride, SoLazyElement::SHININESS_MASK},
+      {shininess, Override::getShininessOverride, Override::setShininessOverride,
+       SoLazyElement::SHININESS_MASK},
   };
   // All tests come before all overrides: in the toolkit one for the diffuse color is one for transparency.
   std::uint32_t mask = 0;

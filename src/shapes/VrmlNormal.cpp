@@ -4,8 +4,8 @@
 #include <Inventor/actions/SoCallbackAction.h>
 #include <Inventor/actions/SoGLRenderAction.h>
 #include <Inventor/actions/SoPickAction.h>
-#include <Inventor/elements/SoNormalElement.h>
 #include <Inventor/elements/SoGLNormalElement.h>
+#include <Inventor/elements/SoNormalElement.h>
 
 #include <tessel/toolkit/VrmlContainerElement.h>
 

@@ -35,8 +35,9 @@ void VrmlShape::initClass() {
 VrmlShape::VrmlShape() {
   setUpFields();
   children = std::make_unique<tessel::SyncedChildren>(
-      this, std::initializer_list<tessel::SyncedChildren::Slot>{{&appearance, VrmlAppearance::getClassTypeId()},
-                                                                {&geometry, VrmlGeometry::getClassTypeId()}});
+      this,
+      std::initializer_list<tessel::SyncedChildren::Slot>{{&appearance, VrmlAppearance::getClassTypeId()},
+                                                          {&geometry, VrmlGeometry::getClassTypeId()}});
 }
 
 VrmlShape::~VrmlShape() = default;

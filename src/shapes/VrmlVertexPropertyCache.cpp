@@ -15,17 +15,13 @@
 namespace {
 
 /// Array, stride and count of a property from the values of its node's field.
-template <class Field>
-void take(const Field& field, const void*& values, int& stride, int& count) {
+template <class Field> void take(const Field& field, const void*& values, int& stride, int& count) {
   values = field.getValues(0);
   stride = sizeof(*field.getValues(0));
   count = field.getNum();
 }
 
-template <class Field>
-bool hasValues(const Field& field) {
-  return field.getNum() > 0;
-}
+template <class Field> bool hasValues(const Field& field) { return field.getNum() > 0; }
 
 void sendIndexColor(const GLfloat* index) { glIndexiv(reinterpret_cast<const GLint*>(index)); }
 
@@ -33,7 +29,9 @@ void sendIndexColor(const GLfloat* index) { glIndexiv(reinterpret_cast<const GLi
 
 float VrmlVertexPropertyCache::colorAlpha = 1;
 
-void VrmlVertexPropertyCache::colorAndAlpha(const GLfloat* rgb) { glColor4f(rgb[0], rgb[1], rgb[2], colorAlpha); }
+void VrmlVertexPropertyCache::colorAndAlpha(const GLfloat* rgb) {
+  glColor4f(rgb[0], rgb[1], rgb[2], colorAlpha);
+}
 
 int VrmlVertexPropertyCache::renderCaseMask(SoState* state) {
   const SoShapeStyleElement* style = SoShapeStyleElement::get(state);
@@ -42,8 +40,8 @@ int VrmlVertexPropertyCache::renderCaseMask(SoState* state) {
 }
 
 void VrmlVertexPropertyCache::fillInCache(VrmlCoordinate* coord, VrmlColor* color, VrmlNormal* normal,
-                                          VrmlTextureCoordinate* texCoord, bool colorPerFace, bool normalPerFace,
-                                          SoState* state) {
+                                          VrmlTextureCoordinate* texCoord, bool colorPerFace,
+                                          bool normalPerFace, SoState* state) {
   *this = VrmlVertexPropertyCache();
 
   if (coord && hasValues(coord->point)) {
@@ -55,7 +53,8 @@ void VrmlVertexPropertyCache::fillInCache(VrmlCoordinate* coord, VrmlColor* colo
   }
 
   // An override of the diffuse color stands for a Color that is not there.
-  const bool useColors = color && hasValues(color->color) && !SoOverrideElement::getDiffuseColorOverride(state);
+  const bool useColors =
+      color && hasValues(color->color) && !SoOverrideElement::getDiffuseColorOverride(state);
   materialBinding = overall;
   numColors = 1;
   if (SoGLLazyElement::isColorIndex(state)) {

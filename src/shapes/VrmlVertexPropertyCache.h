@@ -50,8 +50,8 @@ public:
 
   /// Takes the values of the nodes, any of which may be null. Without coordinates a report, and
   /// `vertexPtr` is null.
-  void fillInCache(VrmlCoordinate* coord, VrmlColor* color, VrmlNormal* normal, VrmlTextureCoordinate* texCoord,
-                   bool colorPerFace, bool normalPerFace, SoState* state);
+  void fillInCache(VrmlCoordinate* coord, VrmlColor* color, VrmlNormal* normal,
+                   VrmlTextureCoordinate* texCoord, bool colorPerFace, bool normalPerFace, SoState* state);
 
   /// The render cases that the state asks for, as bits of Need: colors always, the others by lighting and
   /// texturing. To be met with `needFromState` and `renderCase`; the toolkit's mask has other bits.

@@ -53,9 +53,11 @@ TEST(PreTraverse, GoesThroughTheToolkitsGroupsAndTransformations) {
 
 TEST(Count, AddsUpWhatIsInTheWorldAndStartsAnew) {
   TestWorld world(
-      "Group { children [ Shape { geometry DEF B Box {} } Transform { children Shape { geometry Sphere {} } } "
+      "Group { children [ Shape { geometry DEF B Box {} } Transform { children Shape { geometry Sphere {} } "
+      "} "
       "Shape { geometry USE B } Shape { geometry PointSet { coord Coordinate { point [ 0 0 0, 1 1 1 ] } } } "
-      "Shape { geometry IndexedLineSet { coord Coordinate { point [ 0 0 0, 1 1 1 ] } coordIndex [ 0 1 0 -1 ] } } ] }");
+      "Shape { geometry IndexedLineSet { coord Coordinate { point [ 0 0 0, 1 1 1 ] } coordIndex [ 0 1 0 -1 ] "
+      "} } ] }");
   ASSERT_TRUE(world.root()) << world.messages.text();
   const tessel::SoRef<SoSeparator> root(new SoSeparator);
   root->addChild(world.root());

@@ -31,19 +31,23 @@ std::string named(const char* letter, int number) {
 /// Many small shapes in one group, so many that it keeps them in runs; panes among them, lights, a switch, and parts
 /// that stand in two places.
 std::string crowd() {
-  std::string text = "DEF W Transform { children [ DEF L PointLight { location 0 0 6 } DEF CROWD Group { children [ "
-                     "DEF D DirectionalLight { intensity 0.3 color 1 0.5 0 } ";
+  std::string text =
+      "DEF W Transform { children [ DEF L PointLight { location 0 0 6 } DEF CROWD Group { children [ "
+      "DEF D DirectionalLight { intensity 0.3 color 1 0.5 0 } ";
   for (int i = 0; i < 300; ++i) {
     const auto at = [i](int k) { return std::to_string((i * k % 61) / 30.0 - 1); };
     const bool pane = i % 29 == 3;
     text += named("DEF T", i) + " Transform { translation " + at(7) + " " + at(11) + " " + at(13) +
-            named(" children DEF S", i) + named(" Shape { appearance Appearance { material DEF M", i) + " Material { diffuseColor " + std::to_string(i % 5 / 4.0) + " " +
-            std::to_string(i % 3 / 2.0) + " 0.5 transparency " + (pane ? "0.5" : "0") + " } } geometry Box { size " +
+            named(" children DEF S", i) + named(" Shape { appearance Appearance { material DEF M", i) +
+            " Material { diffuseColor " + std::to_string(i % 5 / 4.0) + " " + std::to_string(i % 3 / 2.0) +
+            " 0.5 transparency " + (pane ? "0.5" : "0") + " } } geometry Box { size " +
             (pane ? "0.6 0.6 0.1" : "0.1 0.1 0.1") + " } } } ";
   }
-  return text + "] } DEF SW Switch { whichChoice 0 choice [ Transform { translation 0.4 0.4 1 children [ "
-                "DirectionalLight { color 0 0 1 } USE T3 USE T4 ] } Transform { translation -1 0 2 rotation 0 1 0 0.5 "
-                "children USE S32 } ] } ] }";
+  return text +
+         "] } DEF SW Switch { whichChoice 0 choice [ Transform { translation 0.4 0.4 1 children [ "
+         "DirectionalLight { color 0 0 1 } USE T3 USE T4 ] } Transform { translation -1 0 2 rotation 0 1 0 "
+         "0.5 "
+         "children USE S32 } ] } ] }";
 }
 
 /// The world and its own way to its nodes: both worlds have the same names.
@@ -87,12 +91,14 @@ struct Change {
 const Change changes[] = {
     {"nothing", [](Stage&) {}},
     {"a part moves", [](Stage& s) { s.parts[70]->translation.setValue(0.3f, 0.3f, 4); }},
-    {"a part that stands in two places moves", [](Stage& s) { s.parts[4]->translation.setValue(0, 0.5f, 0); }},
+    {"a part that stands in two places moves",
+     [](Stage& s) { s.parts[4]->translation.setValue(0, 0.5f, 0); }},
     {"a pane moves behind the others", [](Stage& s) { s.parts[32]->translation.setValue(0, 0, -5); }},
     {"a colour changes", [](Stage& s) { s.materials[150]->diffuseColor.setValue(1, 1, 1); }},
     {"an opaque part becomes glass", [](Stage& s) { s.materials[151]->transparency = 0.7f; }},
     {"glass becomes opaque", [](Stage& s) { s.materials[61]->transparency = 0; }},
-    {"a material goes", [](Stage& s) { static_cast<VrmlAppearance*>(s.shapes[10]->appearance.getValue())->material = nullptr; }},
+    {"a material goes",
+     [](Stage& s) { static_cast<VrmlAppearance*>(s.shapes[10]->appearance.getValue())->material = nullptr; }},
     {"a geometry is replaced", [](Stage& s) { s.shapes[90]->geometry = new VrmlSphere; }},
     {"everything moves", [](Stage& s) { s.all->translation.setValue(0.3f, -0.25f, 0); }},
     {"everything turns", [](Stage& s) { s.all->rotation.setValue(SbVec3f(0, 1, 0), 0.4f); }},
@@ -102,8 +108,10 @@ const Change changes[] = {
     {"a child goes", [](Stage& s) { s.group->removeChild(20); }},
     {"a child comes first", [](Stage& s) { s.group->insertChild(s.shapes[3], 0); }},
     {"the camera moves", [](Stage& s) { s.drawing->camera->position.setValue(0.2f, 0.1f, 12); }},
-    {"nothing transparent is delayed", [](Stage& s) { s.drawing->action.setTransparencyType(SoGLRenderAction::BLEND); }},
-    {"it is delayed again", [](Stage& s) { s.drawing->action.setTransparencyType(SoGLRenderAction::DELAYED_BLEND); }},
+    {"nothing transparent is delayed",
+     [](Stage& s) { s.drawing->action.setTransparencyType(SoGLRenderAction::BLEND); }},
+    {"it is delayed again",
+     [](Stage& s) { s.drawing->action.setTransparencyType(SoGLRenderAction::DELAYED_BLEND); }},
 };
 
 int differing(const tessel::host::Image& a, const tessel::host::Image& b) {
@@ -135,7 +143,8 @@ TEST(DisplayListsGL, PartsThatAlwaysMoveAreDrawnWhereTheyAre) {
     for (Stage* stage : {&listed, &plain})
       for (const int part : {5, 32, 64, 250})
         stage->parts[static_cast<std::size_t>(part)]->translation.setValue(
-            static_cast<float>(frame * (part + 3) % 17) / 10 - 0.8f, static_cast<float>(frame % 7) / 4 - 0.8f, 2);
+            static_cast<float>(frame * (part + 3) % 17) / 10 - 0.8f, static_cast<float>(frame % 7) / 4 - 0.8f,
+            2);
     const auto expected = plain.drawing->frame();
     EXPECT_LE(differing(listed.drawing->frame(), expected), 4) << "frame " << frame;
   }

@@ -186,11 +186,10 @@ TEST(PrimitivePipeline, AConvexPolygonIsAFan) {
 }
 
 TEST(PrimitivePipeline, ACrossingTakesTheMaterialOfACornerAroundIt) {
-  const tessel::SoRef<SoNode> shape(
-      inShape([](Sketch& s, SoAction* a) {
-        anyForm(s, a);
-        s.polygon(a, polygon, {{0, 0}, {2, 2}, {2, 0}, {0, 2}});
-      }));
+  const tessel::SoRef<SoNode> shape(inShape([](Sketch& s, SoAction* a) {
+    anyForm(s, a);
+    s.polygon(a, polygon, {{0, 0}, {2, 2}, {2, 0}, {0, 2}});
+  }));
   int crossings = 0;
   for (const Triangle& t : trianglesOf(shape.get()))
     for (int i = 0; i < 3; ++i)
@@ -237,8 +236,9 @@ TEST(PrimitivePipeline, CallbacksGoByTypeAndPrimitivesAreMadeOnlyForThem) {
 }
 
 TEST(PrimitivePipeline, APickHitsTheNearTriangleWithNormalCoordinatesAndDetail) {
-  const tessel::SoRef<SoNode> shape(
-      inShape([](Sketch& s, SoAction* a) { s.polygon(a, fan, {{-1, -1}, {1, -1}, {1, 1}, {-1, 1}}); }));
+  const tessel::SoRef<SoNode> shape(inShape([](Sketch& s, SoAction* a) {
+    s.polygon(a, fan, {{-1, -1}, {1, -1}, {1, 1}, {-1, 1}});
+  }));
   SoRayPickAction pick(SbViewportRegion(10, 10));
   pick.setRay(SbVec3f(0.5f, -0.75f, 5), SbVec3f(0, 0, -1));
   pick.apply(shape.get());
@@ -279,8 +279,9 @@ TEST(PrimitivePipelineGL, IsDrawnAndAsABoxWhereTheComplexityAsksForIt) {
   const tessel::SoRef<SoSeparator> root(new SoSeparator);
   auto* complexity = new SoComplexity;
   root->addChild(complexity);
-  SoNode* shape =
-      inShape([](Sketch& s, SoAction* a) { s.polygon(a, fan, {{-1, -1}, {1, -1}, {-1, 1}}, nullptr, 0); });
+  SoNode* shape = inShape([](Sketch& s, SoAction* a) {
+    s.polygon(a, fan, {{-1, -1}, {1, -1}, {-1, 1}}, nullptr, 0);
+  });
   root->addChild(shape);
   Drawing drawing(root.get());
   drawing.frame();

@@ -46,10 +46,12 @@ INSTANTIATE_TEST_SUITE_P(
         Look{"NoMaterialIsUnlitGrey", "Shape { appearance Appearance {} geometry Box {} }", {204, 204, 204}},
         // The toolkit's own ambient light of 0.2 is left: 0.2 x 0.2 x 0.8.
         Look{"MaterialInTheDarkIsAlmostBlack",
-             "Shape { appearance Appearance { material Material {} } geometry Box {} }", {8, 8, 8}},
+             "Shape { appearance Appearance { material Material {} } geometry Box {} }",
+             {8, 8, 8}},
         Look{"MaterialInFullLight",
              "Group { children [" + std::string(sunlight) +
-                 "Shape { appearance Appearance { material Material { diffuseColor 0 1 0 } } geometry Box {} } ] }",
+                 "Shape { appearance Appearance { material Material { diffuseColor 0 1 0 } } geometry Box {} "
+                 "} ] }",
              {0, 255, 0}},
         Look{"EmissiveOnlyNeedsNoLight",
              "Shape { appearance Appearance { material Material { diffuseColor 0 0 0 ambientIntensity 0 "
@@ -65,19 +67,22 @@ INSTANTIATE_TEST_SUITE_P(
              "Shape { appearance Appearance { material Material { diffuseColor 1 1 1 ambientIntensity 0 } } "
              "geometry Box {} } ] }",
              {128, 128, 0}},
-        Look{"AmbientOfALight",
-             "Group { children [ DirectionalLight { direction 0 0 1 ambientIntensity 0.5 } "
-             "Shape { appearance Appearance { material Material { diffuseColor 1 1 1 ambientIntensity 0.8 } } "
-             "geometry Box {} } ] }",
-             {143, 143, 143}},
+        Look{
+            "AmbientOfALight",
+            "Group { children [ DirectionalLight { direction 0 0 1 ambientIntensity 0.5 } "
+            "Shape { appearance Appearance { material Material { diffuseColor 1 1 1 ambientIntensity 0.8 } } "
+            "geometry Box {} } ] }",
+            {143, 143, 143}},
         Look{"OutsideAShapeGeometryIsInert", "Group { children [ Box {} ] }", {0, 0, 0}},
         Look{"GeometryOutsideLeavesItsShapeAlone",
-             "Group { children [ DEF B Box {} Shape { geometry USE B } ] }", {204, 204, 204}}),
+             "Group { children [ DEF B Box {} Shape { geometry USE B } ] }",
+             {204, 204, 204}}),
     [](const auto& info) { return std::string(info.param.name); });
 
 TEST(ShapeGL_Scope, DirectionalLightBehindAShapeInItsGroupLightsItAndNothingOutside) {
-  const std::string white = "Shape { appearance Appearance { material Material { diffuseColor 1 1 1 } } "
-                            "geometry Box { size 1 1 1 } } ";
+  const std::string white =
+      "Shape { appearance Appearance { material Material { diffuseColor 1 1 1 } } "
+      "geometry Box { size 1 1 1 } } ";
   TestWorld world("Group { children [ Transform { translation -1 0 0 children [ " + white +
                   "Transform { translation 0 1.2 0 children " + white + "} " + sunlight +
                   "] } Transform { translation 1 0 0 children " + white + "} ] }");
@@ -93,12 +98,15 @@ TEST(ShapeGL_Scope, DirectionalLightBehindAShapeInItsGroupLightsItAndNothingOuts
 }
 
 TEST(ShapeGL_Scope, PointAndSpotLightsReachTheWholeWorldFromWhereTheyStand) {
-  const std::string white = "Shape { appearance Appearance { material Material { diffuseColor 1 1 1 "
-                            "ambientIntensity 0 } } geometry Box { size 0.5 0.5 0.1 } } ";
+  const std::string white =
+      "Shape { appearance Appearance { material Material { diffuseColor 1 1 1 "
+      "ambientIntensity 0 } } geometry Box { size 0.5 0.5 0.1 } } ";
   const auto row = [&](const std::string& light) {
     return "Group { children [ Transform { translation -1 0 0 children " + white + "} " + white +
-           "Transform { translation 1 0 0 children [ " + white + "] } Transform { translation 1 0 0 rotation 0 1 0 3.14159265 "
-           "children [ " + light + "] } ] }";
+           "Transform { translation 1 0 0 children [ " + white +
+           "] } Transform { translation 1 0 0 rotation 0 1 0 3.14159265 "
+           "children [ " +
+           light + "] } ] }";
   };
   // Turned round: what points to +z in its own space shines down at the third box.
   TestWorld spot(row("SpotLight { location 0 0 -3 direction 0 0 1 cutOffAngle 0.15 beamWidth 1.6 }"));
@@ -111,7 +119,10 @@ TEST(ShapeGL_Scope, PointAndSpotLightsReachTheWholeWorldFromWhereTheyStand) {
   }
   // GL lights the corners of a face: what a corner `dx` beside the light, 0.95 below it and 0.25 aside shows.
   const auto corner = [](double dx) { return 0.95 / std::sqrt(dx * dx + 0.95 * 0.95 + 0.25 * 0.25); };
-  const auto grey = [](double share) { const int level = static_cast<int>(255 * share); return Colour{level, level, level}; };
+  const auto grey = [](double share) {
+    const int level = static_cast<int>(255 * share);
+    return Colour{level, level, level};
+  };
   TestWorld point(row("PointLight { location 0 0 -1 }"));
   Drawing wide(point.root());
   wide.frame();
@@ -126,16 +137,19 @@ TEST(ShapeGL_Scope, PointAndSpotLightsReachTheWholeWorldFromWhereTheyStand) {
 
 TEST(ShapeGL_Scope, LightsThatAreOffOrTooManyDoNotShine) {
   std::string lights;
-  for (int i = 0; i < 12; ++i) lights += "DirectionalLight { on " + std::string(i < 4 ? "FALSE" : "TRUE") + " intensity 0.05 } ";
-  const Colour seen = middleOf("Group { children [ " + lights + "Shape { appearance Appearance { material Material { "
+  for (int i = 0; i < 12; ++i)
+    lights += "DirectionalLight { on " + std::string(i < 4 ? "FALSE" : "TRUE") + " intensity 0.05 } ";
+  const Colour seen = middleOf("Group { children [ " + lights +
+                               "Shape { appearance Appearance { material Material { "
                                "diffuseColor 1 1 1 ambientIntensity 0 } } geometry Box {} } ] }");
   EXPECT_TRUE(near(seen, {102, 102, 102})) << seen;  // eight of them
 }
 
 TEST(ShapeGL_Events, AChangeShowsInTheNextFrameThroughDisplayLists) {
-  TestWorld world("Group { children [ " + std::string(sunlight) +
-                  "Group { children Shape { appearance Appearance { material DEF M Material { diffuseColor 1 0 0 } } "
-                  "geometry Box {} } } ] }");
+  TestWorld world(
+      "Group { children [ " + std::string(sunlight) +
+      "Group { children Shape { appearance Appearance { material DEF M Material { diffuseColor 1 0 0 } } "
+      "geometry Box {} } } ] }");
   ASSERT_TRUE(world.root()) << world.messages.text();
   auto* material = world.get<VrmlMaterial>("M");
   Drawing drawing(world.root());

@@ -83,14 +83,18 @@ TEST(ShapeSync, ANodeOfTheWrongTypeFailsTheReadAndBecomesNullByAnEvent) {
 }
 
 TEST(ShapeSync, AChangeFarBelowIsToldAboveOnce) {
-  TestWorld world("Group { children Shape { appearance Appearance { material DEF M Material {} } geometry Box {} } }");
+  TestWorld world(
+      "Group { children Shape { appearance Appearance { material DEF M Material {} } geometry Box {} } }");
   int told = 0;
   SoNodeSensor sensor([](void* count, SoSensor*) { ++*static_cast<int*>(count); }, &told);
   sensor.setPriority(0);
   sensor.attach(world.root());
   struct Counting : VrmlGroup {
     int notified = 0;
-    void notify(SoNotList* list) override { ++notified; VrmlGroup::notify(list); }
+    void notify(SoNotList* list) override {
+      ++notified;
+      VrmlGroup::notify(list);
+    }
     ~Counting() override = default;
   };
   const tessel::SoRef<Counting> group(new Counting);
@@ -119,7 +123,8 @@ TEST(ShapeSync, ASearchFindsTheMaterialOfAnAppearance) {
   search.apply(world.root());
   ASSERT_TRUE(search.getPath());
   EXPECT_TRUE(search.getPath()->containsNode(
-      static_cast<VrmlAppearance*>(static_cast<VrmlShape*>(world.root())->appearance.getValue())->material.getValue()));
+      static_cast<VrmlAppearance*>(static_cast<VrmlShape*>(world.root())->appearance.getValue())
+          ->material.getValue()));
 }
 
 TEST(ShapeSync, OnlyAGeometryInAShapeHasABox) {
@@ -128,7 +133,8 @@ TEST(ShapeSync, OnlyAGeometryInAShapeHasABox) {
   ASSERT_TRUE(bare.root()) << bare.messages.text();
   action.apply(bare.root());
   EXPECT_TRUE(action.getBoundingBox().isEmpty());
-  TestWorld shaped("Group { children [ Box {} Transform { translation 5 0 0 children Shape { geometry Box {} } } ] }");
+  TestWorld shaped(
+      "Group { children [ Box {} Transform { translation 5 0 0 children Shape { geometry Box {} } } ] }");
   action.apply(shaped.root());
   EXPECT_EQ(action.getBoundingBox(), SbBox3f(4, -1, -1, 6, 1, 1));
 }

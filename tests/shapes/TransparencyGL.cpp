@@ -18,14 +18,17 @@ namespace {
 /// A half transparent pane of unlit colour at a depth.
 std::string pane(const char* colour, float z, const char* more = "") {
   return "Transform { translation 0 0 " + std::to_string(z) +
-         " children Shape { appearance Appearance { material Material { diffuseColor 0 0 0 ambientIntensity 0 "
-         "emissiveColor " + colour + " transparency 0.5 } } geometry Box { size 2 2 0.1 } } " + more + " } ";
+         " children Shape { appearance Appearance { material Material { diffuseColor 0 0 0 ambientIntensity "
+         "0 "
+         "emissiveColor " +
+         colour + " transparency 0.5 } } geometry Box { size 2 2 0.1 } } " + more + " } ";
 }
 
 const char* const red = "1 0 0";
 const char* const green = "0 1 0";
 const char* const blue = "0 0 1";
-const char* const opaqueWall = "Transform { translation 0 0 -3 children Shape { geometry Box { size 4 4 0.1 } } } ";
+const char* const opaqueWall =
+    "Transform { translation 0 0 -3 children Shape { geometry Box { size 4 4 0.1 } } } ";
 
 /// Half of the nearest, a quarter of the second, an eighth of the third, an eighth of what is behind.
 Colour over(const Colour& nearest, const Colour& second) {
@@ -40,10 +43,11 @@ TEST(TransparencyGL, PanesAreDrawnFromFarToNearWhateverTheirOrderInTheFile) {
   for (const std::string& children : {pane(red, 0) + pane(green, 1), pane(green, 1) + pane(red, 0)}) {
     TestWorld world("Group { children [ " + children + "] }");
     ASSERT_TRUE(world.root()) << world.messages.text();
-  Drawing drawing(world.root());
+    Drawing drawing(world.root());
     for (int i = 0; i < 4; ++i) {
       drawing.frame();
-      EXPECT_TRUE(near(drawing.at(0, 0), over(greenSeen, redSeen), 3)) << drawing.at(0, 0) << " in frame " << i;
+      EXPECT_TRUE(near(drawing.at(0, 0), over(greenSeen, redSeen), 3))
+          << drawing.at(0, 0) << " in frame " << i;
     }
   }
 }
@@ -60,7 +64,8 @@ TEST(TransparencyGL, EqualDepthsKeepTheOrderInWhichTheyWereMet) {
 TEST(TransparencyGL, DepthIsThatOfTheFarthestPoint) {
   // The red one reaches farther back and also nearer: it is drawn first, the flat green one over it.
   const std::string deepRed =
-      "Transform { rotation 1 0 0 -0.025 children Shape { appearance Appearance { material Material { diffuseColor "
+      "Transform { rotation 1 0 0 -0.025 children Shape { appearance Appearance { material Material { "
+      "diffuseColor "
       "0 0 0 ambientIntensity 0 emissiveColor 1 0 0 transparency 0.5 } } geometry Box { size 2 0.1 8 } } }";
   TestWorld world("Group { children [ " + pane(green, 0) + deepRed + " ] }");
   ASSERT_TRUE(world.root()) << world.messages.text();
@@ -108,8 +113,9 @@ TEST(TransparencyGL, EachShapeIsDrawnOnceAlsoWithoutABoxOrInSeveralPlaces) {
 }
 
 TEST(TransparencyGL, ShapesKeepTheLightsOfTheirGroup) {
-  const std::string lit = "Shape { appearance Appearance { material Material { diffuseColor 1 1 1 ambientIntensity 0 "
-                          "transparency 0.5 } } geometry Box { size 0.8 0.8 0.1 } } ";
+  const std::string lit =
+      "Shape { appearance Appearance { material Material { diffuseColor 1 1 1 ambientIntensity 0 "
+      "transparency 0.5 } } geometry Box { size 0.8 0.8 0.1 } } ";
   const auto in = [&](const char* place, const char* light) {
     return "Transform { translation " + std::string(place) + " children [ " + lit + light + " ] } ";
   };
@@ -171,8 +177,9 @@ TEST(TransparencyGL, ShapesOfTheToolkitBesideTheWorldStayWhatTheyAre) {
 TEST(TransparencyGL, GlassDoesNotKeepItsWorldOutOfDisplayLists) {
   // The opaque shapes of a still world come out of a list, and the panes again in their order: also when the world
   // that the list stands for is moved, and when one of its parts stands in two places.
-  TestWorld world("DEF W Transform { children [ DEF PAIR Group { children [ " + pane(red, 0) + pane(green, 1) +
-                  opaqueWall + "] } Transform { translation 0 0 -10 children [ DirectionalLight {} USE PAIR ] } ] }");
+  TestWorld world("DEF W Transform { children [ DEF PAIR Group { children [ " + pane(red, 0) +
+                  pane(green, 1) + opaqueWall +
+                  "] } Transform { translation 0 0 -10 children [ DirectionalLight {} USE PAIR ] } ] }");
   ASSERT_TRUE(world.root()) << world.messages.text();
   Drawing drawing(world.root());
   drawing.frame(5);

@@ -24,7 +24,10 @@ constexpr float reach = 2;  // half of what the picture spans
 }  // namespace
 
 Drawing::Drawing(SoNode* drawn)
-    : root(new SoSeparator), camera(new SoOrthographicCamera), action(SbViewportRegion(size, size)), world(drawn) {
+    : root(new SoSeparator),
+      camera(new SoOrthographicCamera),
+      action(SbViewportRegion(size, size)),
+      world(drawn) {
   camera->position.setValue(0, 0, 10);
   camera->nearDistance = 1;
   camera->farDistance = 100;

@@ -16,12 +16,12 @@ public:
   ~VrmlCountAction() override;
   static void initClass();
 
-  int lodMode = 0;      ///< which child of an LOD counts: 0 the current, 1 the first, 2 the last
-  int skipCulled = 0;   ///< whether groups that the last frame culled are left out
+  int lodMode = 0;     ///< which child of an LOD counts: 0 the current, 1 the first, 2 the last
+  int skipCulled = 0;  ///< whether groups that the last frame culled are left out
 
-  int numTriangles = 0;  ///< result
+  int numTriangles = 0;     ///< result
   int numLineSegments = 0;  ///< result
-  int numPoints = 0;  ///< result
+  int numPoints = 0;        ///< result
 
 protected:
   void beginTraversal(SoNode* node) override;

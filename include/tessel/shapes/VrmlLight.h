@@ -39,7 +39,8 @@ protected:
   /// The angle of GL for a light that shines in all directions.
   static constexpr float noCutoff = 180;
   /// Sends position (or, with w 0, direction) and spot values in GL's terms.
-  static void sendPlace(unsigned light, const SbVec4f& place, float spotExponent = 0, float spotCutoff = noCutoff);
+  static void sendPlace(unsigned light, const SbVec4f& place, float spotExponent = 0,
+                        float spotCutoff = noCutoff);
   static void sendAttenuation(unsigned light, const SbVec3f& attenuation);
 
 private:

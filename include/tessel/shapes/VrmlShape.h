@@ -10,7 +10,7 @@
 namespace tessel {
 class RenderCache;
 class SyncedChildren;
-}
+}  // namespace tessel
 
 /// Joins an appearance to a geometry: the only place from which a geometry draws, is picked or has a box.
 class TESSEL_API VrmlShape : public tessel::NodeClass<VrmlShape, VrmlNode> {
@@ -54,5 +54,5 @@ private:
 
   std::unique_ptr<tessel::SyncedChildren> children;
   std::unique_ptr<tessel::RenderCache> cache;  // made when the shape is first drawn
-  bool isTransparent = false;                // what the last draw found
+  bool isTransparent = false;                  // what the last draw found
 };

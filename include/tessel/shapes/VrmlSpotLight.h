@@ -12,12 +12,12 @@ public:
   static constexpr const char* fileFormatName = "SpotLight";
   static std::span<const tessel::FieldSpec> fields();
 
-  SoSFVec3f location;      ///< exposedField: metres, 0 0 1
-  SoSFVec3f direction;     ///< exposedField: axis of the cone, 0 0 -1
-  SoSFFloat beamWidth;     ///< exposedField: half the angle of even light, radians, pi / 4
-  SoSFFloat cutOffAngle;   ///< exposedField: half the angle of the cone, radians, pi / 2
-  SoSFFloat radius;        ///< exposedField: metres, without effect, 100
-  SoSFVec3f attenuation;   ///< exposedField: constant, linear and quadratic term of the distance, 1 0 0
+  SoSFVec3f location;     ///< exposedField: metres, 0 0 1
+  SoSFVec3f direction;    ///< exposedField: axis of the cone, 0 0 -1
+  SoSFFloat beamWidth;    ///< exposedField: half the angle of even light, radians, pi / 4
+  SoSFFloat cutOffAngle;  ///< exposedField: half the angle of the cone, radians, pi / 2
+  SoSFFloat radius;       ///< exposedField: metres, without effect, 100
+  SoSFVec3f attenuation;  ///< exposedField: constant, linear and quadratic term of the distance, 1 0 0
 
   VrmlSpotLight();
 
