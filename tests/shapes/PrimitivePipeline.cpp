@@ -144,6 +144,7 @@ struct Outline {
   std::size_t count;
   double area;
 };
+void PrintTo(const Outline& outline, std::ostream* out) { *out << outline.name; }
 class PrimitiveRuns : public testing::TestWithParam<Outline> {};
 
 }  // namespace

@@ -30,6 +30,7 @@ struct Look {
   std::string world;
   Colour middle;
 };
+void PrintTo(const Look& look, std::ostream* out) { *out << look.name; }
 class ShapeGL : public testing::TestWithParam<Look> {};
 
 }  // namespace
