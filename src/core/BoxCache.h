@@ -42,22 +42,25 @@ public:
     SbXfBox3f& box = action->getXfBoundingBox();
     const SbXfBox3f before = box;
     const SbBool stored = SoCacheElement::setInvalid(FALSE);
+    // What is notified meanwhile drops the member: the cache is held here until it is whole.
+    SoRef<SoBoundingBoxCache> filling;
     {
       const StateScope scope(state);
-      cache.reset(new SoBoundingBoxCache(state));
-      SoCacheElement::set(state, cache.get());
+      filling.reset(new SoBoundingBoxCache(state));
+      cache = filling;
+      SoCacheElement::set(state, filling.get());
       SoLocalBBoxMatrixElement::makeIdentity(state);
       box.makeEmpty();
       action->resetCenter();
       traverse();
-      cache->set(box, action->isCenterSet(), action->getCenter());
+      filling->set(box, action->isCenterSet(), action->getCenter());
       action->resetCenter();
     }
     SoCacheElement::setInvalid(stored);
     box = before;
-    if (cache->getBox().isEmpty()) return;
-    action->extendBy(cache->getBox());
-    if (cache->isCenterSet()) action->setCenter(cache->getCenter(), TRUE);
+    if (filling->getBox().isEmpty()) return;
+    action->extendBy(filling->getBox());
+    if (filling->isCenterSet()) action->setCenter(filling->getCenter(), TRUE);
   }
 
 private:

@@ -230,7 +230,7 @@ bool readNodes(WorldReader& reader, bool numbered, Take take) {
   if (!lexer.take('[')) {
     const SoRef<VrmlNode> node = reader.readNode(ok);
     if (ok) take(node.get());
-    return ok;
+    return ok || (numbered && couldNotRead(reader, 1));
   }
   for (int count = 0; !lexer.take(']'); ++count) {
     const SoRef<VrmlNode> node = reader.readNode(ok);

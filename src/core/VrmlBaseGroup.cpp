@@ -2,11 +2,13 @@
 #include <tessel/core/VrmlBaseGroup.h>
 
 #include <algorithm>
+#include <unordered_set>
 
 #include <Inventor/SoFullPath.h>
 #include <Inventor/actions/SoActions.h>
 #include <Inventor/elements/SoCacheElement.h>
 #include <Inventor/elements/SoViewVolumeElement.h>
+#include <Inventor/errors/SoDebugError.h>
 #include <Inventor/misc/SoState.h>
 
 #include <tessel/actions/VrmlCollideAction.h>
@@ -103,6 +105,28 @@ void VrmlBaseGroup::replaceChild(int index, VrmlNode* child) {
 }
 
 void VrmlBaseGroup::replaceChild(VrmlNode* oldChild, VrmlNode* newChild) { replaceChild(findChild(oldChild), newChild); }
+
+namespace {
+
+bool standsBelow(const SoNode* wanted, const SoNode* node, std::unordered_set<const SoNode*>& seen) {
+  if (node == wanted) return true;
+  if (!seen.insert(node).second) return false;
+  const SoChildList* children = node->getChildren();
+  for (int i = 0; children && i < children->getLength(); ++i)
+    if (standsBelow(wanted, (*children)[i], seen)) return true;
+  return false;
+}
+
+}  // namespace
+
+VrmlNode* VrmlBaseGroup::acceptableChild(SoNode* node) {
+  auto* child = dynamic_cast<VrmlNode*>(node);
+  if (!child || !child->holdsChildren()) return child;
+  std::unordered_set<const SoNode*> seen;
+  if (!standsBelow(this, child, seen)) return child;
+  SoDebugError::postWarning("VrmlBaseGroup::acceptableChild", "A node was not added to a group that stands below it");
+  return nullptr;
+}
 
 // Orders.
 
@@ -290,6 +314,7 @@ void VrmlBaseGroup::handleEvent(SoHandleEventAction* action) {
       break;
   }
   sensorHandled = 0;
+  const tessel::SoRef<VrmlBaseGroup> alive(this);  // an event may take the group out of the world
   if (action->getGrabber() == this && grabPath)
     dispatchToGrabbingSensors(action);
   else
@@ -331,8 +356,15 @@ void VrmlBaseGroup::dispatchToChildren(SoHandleEventAction* action) {
 }
 
 void VrmlBaseGroup::dispatchToGrabbingSensors(SoHandleEventAction* action) {
-  // The path may be the root alone: follow the one of the press down to this group.
-  const auto* whole = static_cast<const SoFullPath*>(grabPath.get());
+  // The path may be the root alone: follow the one of the press down to this group. A change of the world may
+  // have cut it since.
+  const tessel::SoRef<SoPath> pathOfPress = grabPath;
+  const auto* whole = static_cast<const SoFullPath*>(pathOfPress.get());
+  if (whole->getTail() != this) {
+    action->setGrabber(nullptr);
+    action->setHandled();
+    return;
+  }
   const int depth = static_cast<const SoFullPath*>(action->getCurPath())->getLength();
   int pushed = 0;
   for (int i = depth; i < whole->getLength(); ++i, ++pushed) action->pushCurPath(whole->getIndex(i), whole->getNode(i));
@@ -382,8 +414,8 @@ void VrmlBaseGroup::grabEventsCleanup() {
   if (!dispatchingGrab) {
     grabbing = false;
     grabPath.reset();
-    const Orders& o = orders();
-    for (std::size_t n = o.event.size() - o.numSensors; n < o.event.size(); ++n)
+    const Orders o = orders();  // what the sensors send may change the children
+    for (std::size_t n = o.event.size() - o.numSensors; n < o.event.size() && o.event[n] < childList->getLength(); ++n)
       (*childList)[o.event[n]]->grabEventsCleanup();
   }
   unref();

@@ -118,6 +118,12 @@ void VrmlBillboard::doAction(SoAction* action) {
 
 void VrmlBillboard::callback(SoCallbackAction* action) { doAction(action); }
 void VrmlBillboard::pick(SoPickAction* action) { doAction(action); }
+
+// The group's own test would ask the box of the children as they are before they turn.
+void VrmlBillboard::rayPick(SoRayPickAction* action) {
+  if (action->getCurPathCode() != SoAction::OFF_PATH) pick(action);
+}
+
 void VrmlBillboard::getMatrix(SoGetMatrixAction* action) { doAction(action); }
 void VrmlBillboard::GLRender(SoGLRenderAction* action) { doAction(action); }
 void VrmlBillboard::GLRenderBelowPath(SoGLRenderAction* action) { doAction(action); }

@@ -94,7 +94,11 @@ bool VrmlCullingGroup::readBody(tessel::WorldReader& reader) {
 
 // Boxes.
 
-bool VrmlCullingGroup::hasDeclaredBox() const { return !bboxCenter.isDefault() || !bboxSize.isDefault(); }
+// Many files write the defaults out: a size below zero is none, whoever gave it.
+bool VrmlCullingGroup::hasDeclaredBox() const {
+  const SbVec3f& size = bboxSize.getValue();
+  return size[0] >= 0 && size[1] >= 0 && size[2] >= 0;
+}
 
 void VrmlCullingGroup::updateBoundingBox(SoAction* action) {
   if (caches().box.get()) return;
@@ -271,7 +275,7 @@ void VrmlCullingGroup::childSensorCB(void*, SoSensor*) {
 void VrmlCullingGroup::serviceAddChildren() {
   if (doChildEvents)
     for (int i = 0; i < addChildren.getNum(); ++i)
-      if (auto* child = static_cast<VrmlNode*>(addChildren[i]); child && findChild(child) < 0) addChild(child);
+      if (VrmlNode* child = acceptableChild(addChildren[i]); child && findChild(child) < 0) addChild(child);
   const tessel::NotifyOff silence(static_cast<SoNode&>(*this));
   addChildren.setNum(0);
 }
@@ -279,7 +283,7 @@ void VrmlCullingGroup::serviceAddChildren() {
 void VrmlCullingGroup::serviceRemoveChildren() {
   if (doChildEvents)
     for (int i = 0; i < removeChildren.getNum(); ++i)
-      if (auto* child = static_cast<VrmlNode*>(removeChildren[i]); child && findChild(child) >= 0)
+      if (auto* child = dynamic_cast<VrmlNode*>(removeChildren[i]); child && findChild(child) >= 0)
         removeChild(findChild(child));
   const tessel::NotifyOff silence(static_cast<SoNode&>(*this));
   removeChildren.setNum(0);

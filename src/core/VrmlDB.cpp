@@ -15,6 +15,7 @@
 #include <Inventor/fields/SoSFTime.h>
 
 #include <tessel/core/VrmlGroup.h>
+#include <tessel/core/VrmlNULL.h>
 #include <tessel/toolkit/Scoped.h>
 
 #include "Registration.h"
@@ -41,11 +42,43 @@ constexpr const char* convertFromV1 = "File is VRML V1.0 - it should be converte
 
 SoSFTime* realTime = nullptr;
 
+// Marks in the dictionary of an input, which lives as long as the input does: an input may die without a word,
+// and another may come to its place.
+constexpr const char* attachedMark = " attached";
+constexpr const char* takenMark = " taken";
+
+void mark(SoInput* in, const char* name) {
+  static const SoRef<VrmlNode> entry(new VrmlNULL);
+  in->addReference(name, entry.get(), FALSE);
+}
+
+bool isMarked(const SoInput* in, const char* name) { return in->findReference(name) != nullptr; }
+
 // The readers of inputs of which not all statements have been taken yet.
-using Attached = std::map<const SoInput*, std::unique_ptr<WorldReader>>;
-Attached& attached() {
-  static Attached readers;
+std::map<const SoInput*, std::unique_ptr<WorldReader>>& attached() {
+  static std::map<const SoInput*, std::unique_ptr<WorldReader>> readers;
   return readers;
+}
+
+WorldReader* attachedReader(const SoInput* in) {
+  const auto found = attached().find(in);
+  if (found == attached().end()) return nullptr;
+  if (isMarked(in, attachedMark)) return found->second.get();
+  attached().erase(found);
+  return nullptr;
+}
+
+std::string nameOf(const SoInput* in) {
+  const char* name = in->getCurFileName();
+  return name ? name : "";
+}
+
+// The text of an input, which is then at its end: a second call gives none.
+std::optional<tessel::SourceText> takeTextOnce(SoInput* in, std::string& complaint) {
+  if (isMarked(in, takenMark)) return tessel::SourceText{};
+  std::optional<tessel::SourceText> text = tessel::takeText(*in, complaint);
+  mark(in, takenMark);
+  return text;
 }
 
 // A reader for a text with a V2 header. Null with the status that the read ends in.
@@ -165,16 +198,15 @@ SoNode* VrmlDB::read(SoInput* in) {
 }
 
 SoNode* VrmlDB::read(SoInput* in, ReadStatus& status, const ReadOptions& options) {
-  if (beginsAsToolkitFile(in)) return readForeign(in, status);
-  if (const auto found = attached().find(in); found != attached().end()) {
-    std::unique_ptr<WorldReader> reader = std::move(found->second);
-    attached().erase(found);
+  if (attachedReader(in)) {
+    std::unique_ptr<WorldReader> reader = std::move(attached().at(in));
+    attached().erase(in);
     return readAll(std::move(reader), status);
   }
+  if (beginsAsToolkitFile(in)) return readForeign(in, status);
   std::string complaint;
-  auto text = tessel::takeText(*in, complaint);
-  const char* name = in->getCurFileName();
-  auto reader = makeReader(std::move(text), name ? name : "", complaint, options, status);
+  auto text = takeTextOnce(in, complaint);
+  auto reader = makeReader(std::move(text), nameOf(in), complaint, options, status);
   return reader ? readAll(std::move(reader), status) : nullptr;
 }
 
@@ -187,24 +219,25 @@ SoNode* VrmlDB::read(std::string_view bytes, const char* fileName, ReadStatus& s
 
 SoNode* VrmlDB::readNode(SoInput* in, int& error) {
   error = 1;
-  auto found = attached().find(in);
-  if (found == attached().end()) {
+  WorldReader* reader = attachedReader(in);
+  if (!reader) {
     std::string complaint;
     ReadStatus status;
-    auto text = tessel::takeText(*in, complaint);
-    const char* name = in->getCurFileName();
-    auto reader = makeReader(std::move(text), name ? name : "", complaint, {}, status);
-    if (!reader) {
+    auto text = takeTextOnce(in, complaint);
+    auto made = makeReader(std::move(text), nameOf(in), complaint, {}, status);
+    if (!made) {
       error = status == ReadStatus::failed;
       return nullptr;
     }
-    found = attached().emplace(in, std::move(reader)).first;
+    reader = made.get();
+    attached().insert_or_assign(in, std::move(made));
+    mark(in, attachedMark);
   }
   const tessel::ScopedValue<int> ours(usingVrmlTypeIds, 1);
   bool failed = false;
-  SoRef<VrmlNode> node = found->second->readTopNode(failed);
+  SoRef<VrmlNode> node = reader->readTopNode(failed);
   error = failed;
-  if (!node) attached().erase(found);
+  if (!node) attached().erase(in);
   return node.release();
 }
 
@@ -216,16 +249,18 @@ int VrmlDB::isIdentifier(const SbString& text) {
 }
 
 int VrmlDB::readIdentifier(SoInput* in, SbName& name) {
-  if (const auto found = attached().find(in); found != attached().end()) {
-    const std::string_view text = found->second->lexer().identifier();
+  if (WorldReader* reader = attachedReader(in)) {
+    const std::string_view text = reader->lexer().identifier();
     if (!text.empty()) name = SbName(std::string(text).c_str());
     return !text.empty();
   }
   constexpr std::size_t maxLength = 1023;
   char c = 0;
+  bool inRemark = false;
   do {
     if (!in->get(c)) return 0;
-  } while (c == ',' || std::isspace(static_cast<unsigned char>(c)));
+    inRemark = inRemark ? c != '\n' && c != '\r' : c == '#';
+  } while (inRemark || c == ',' || std::isspace(static_cast<unsigned char>(c)));
   std::string text;
   bool more = true;
   for (; more && isIdentifierChar(c); more = in->get(c))

@@ -79,11 +79,12 @@ void VrmlMFChildren::setChildren(std::span<SoNode* const> nodes) {
   if (!holds(nodes)) {
     std::vector<tessel::SoRef<VrmlNode>> wanted;
     wanted.reserve(nodes.size());
+    VrmlBaseGroup* const group = groupOf(*this);
     for (SoNode* node : nodes)
-      if (VrmlNode* child = asChild(node)) wanted.emplace_back(child);
+      if (VrmlNode* child = node && group ? group->acceptableChild(node) : asChild(node)) wanted.emplace_back(child);
 
     const tessel::NotifyOff silence(*this);
-    if (VrmlBaseGroup* group = groupOf(*this)) {
+    if (group) {
       group->removeAllChildren();
       for (const auto& child : wanted) group->addChild(child.get());
     } else {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include <tessel/core/VrmlNode.h>
 
+#include <cstdlib>
+
 #include <Inventor/actions/SoRayPickAction.h>
 #include <Inventor/errors/SoReadError.h>
 #include <Inventor/fields/SoMField.h>
@@ -89,6 +91,12 @@ void VrmlNode::destroy() {
 bool VrmlNode::readBody(tessel::WorldReader& reader) {
   const tessel::NotifyOff silence(static_cast<SoNode&>(*this));
   return reader.readFields(*this);
+}
+
+void VrmlNode::notify(SoNotList* list) {
+  static const bool optimized = std::getenv("TV_OPTIMIZE_NOTIFICATION") != nullptr;
+  if (optimized && list->getTimeStamp() <= getNodeId()) return;
+  inherited::notify(list);
 }
 
 SbBool VrmlNode::readInstance(SoInput* in, unsigned short) {

@@ -62,8 +62,7 @@ PrototypeHooks& prototypeHooks() {
 
 WorldReader::WorldReader(SourceText text, const ReadOptions& o)
     : source(std::move(text)), sourceName(source.fileName.c_str()), readOptions(o),
-      tokens((source.bytes.empty() ? source.text : std::string_view(source.bytes)).substr(source.bodyStart), source.bodyLine),
-      scope(tokens, source.fileName) {}
+      tokens((source.bytes.empty() ? source.text : std::string_view(source.bytes)).substr(source.bodyStart), source.bodyLine) {}
 
 bool WorldReader::error(const char* format, ...) {
   va_list arguments;
@@ -91,6 +90,7 @@ bool WorldReader::readStatement(std::string_view word, bool& ok) {
 }
 
 SoRef<VrmlNode> WorldReader::readTopNode(bool& error) {
+  const ReadScope scope(tokens, source.fileName);
   error = true;
   for (;;) {
     const std::string_view word = tokens.name();
@@ -106,6 +106,7 @@ SoRef<VrmlNode> WorldReader::readTopNode(bool& error) {
     }
     tokens.putBack();
     SoRef<VrmlNode> node = readNode(ok);
+    if (ok && !node) this->error("NULL is no node for the top level of a world");
     if (!ok || !node) return {};
     error = false;
     return node;

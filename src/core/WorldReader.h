@@ -119,7 +119,6 @@ private:
   SbName sourceName;
   ReadOptions readOptions;
   Lexer tokens;
-  ReadScope scope;
   References fileReferences;
   References* references = &fileReferences;
   std::vector<OpenNode> open;

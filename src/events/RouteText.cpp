@@ -61,7 +61,7 @@ int VrmlRoute::read(tessel::WorldReader& reader) {
 
 SoField* VrmlRoute::readEnd(tessel::WorldReader& reader, int isEventIn) {
   tessel::Lexer& lexer = reader.lexer();
-  const std::string nodeName(lexer.identifier());
+  const std::string nodeName(lexer.peek() == '"' ? std::string_view() : lexer.referenceName());
   if (nodeName.empty() || !lexer.take('.')) return nullptr;
   const std::string fieldName(lexer.identifier());
   if (fieldName.empty()) return nullptr;

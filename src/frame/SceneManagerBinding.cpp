@@ -1,8 +1,13 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The part of the scene manager that keeps the binding stacks.
 #include <algorithm>
+#include <unordered_set>
+#include <utility>
+#include <vector>
 
-#include <Inventor/actions/SoSearchAction.h>
+#include <Inventor/SoPath.h>
+#include <Inventor/lists/SoPathList.h>
+#include <Inventor/misc/SoChildList.h>
 
 #include <tessel/frame/VrmlBackground.h>
 #include <tessel/frame/VrmlNavigationInfo.h>
@@ -18,20 +23,39 @@ using tessel::SoRef;
 
 namespace {
 
-// Everywhere in a scene, also in branches that are not shown.
-SoPathList searchAll(SoNode* root, SoSearchAction& action) {
-  if (!root) return {};
-  action.setInterest(SoSearchAction::ALL);
-  action.setSearchingAll(TRUE);
-  action.apply(root);
-  return action.getPaths();
-}
+// Walks a scene, also branches that are not shown, and keeps the first path to each binding node. What stands
+// in several places is entered once: a few lines of groups can hold one viewpoint a million times.
+class BindingNodeSearch {
+public:
+  explicit BindingNodeSearch(SoNode* root) : root(root) {
+    if (root) walk(root);
+  }
+  const SoPathList& getPaths() const { return paths; }
 
-SoPathList pathsToBindingNodes(SoNode* root) {
-  SoSearchAction action;
-  action.setType(VrmlBindingNode::getClassTypeId());
-  return searchAll(root, action);
-}
+private:
+  void walk(SoNode* node) {
+    if (!seen.insert(node).second) return;
+    if (node->isOfType(VrmlBindingNode::getClassTypeId())) {
+      auto* path = new SoPath(root);
+      for (const int index : indices) path->append(index);
+      paths.append(path);
+      return;
+    }
+    const SoChildList* children = node->getChildren();
+    for (int i = 0; children && i < children->getLength(); ++i) {
+      indices.push_back(i);
+      walk((*children)[i]);
+      indices.pop_back();
+    }
+  }
+
+  SoNode* root;
+  std::unordered_set<const SoNode*> seen;
+  std::vector<int> indices;
+  SoPathList paths;
+};
+
+SoPathList pathsToBindingNodes(SoNode* root) { return BindingNodeSearch(root).getPaths(); }
 
 SoPath* pathEndingAt(const SoPathList& paths, const SoNode* node) {
   for (int i = 0; i < paths.getLength(); ++i)
@@ -187,6 +211,7 @@ void VrmlSceneManager::viewpointSceneChanged(const SoPathList& paths, int isNewW
   }
 
   stack.updateStack(paths);
+  viewpointManager->takeMatrix(boundViewpoint());
   if (oldTop && !wasDefault && oldTop.get() != stack.getTopNode()) sayUnbound(stack, oldTop.get());
   if (!isNewWorld || (!wasDefault && stack.getTopNode() != stack.getDefaultNode())) return;
   const SoRef<VrmlViewpoint> start(first ? first.get() : boundViewpoint());

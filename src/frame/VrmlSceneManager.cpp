@@ -398,7 +398,7 @@ void VrmlSceneManager::fieldChanged(SoNode* node, SoField* field) {
 void VrmlSceneManager::bindingFieldChanged(VrmlBindingNode* node, SoField* field) {
   if (field == &node->set_bind) {
     // A node that has just come into the scene must be known by its path first.
-    if (bindingsDirty && this != activeSceneManager) updateBindingNodes();
+    if (bindingsDirty && !pathsOfUpdate && this != activeSceneManager) updateBindingNodes();
     if (node->set_bind.getValue())
       bindNode(node);
     else

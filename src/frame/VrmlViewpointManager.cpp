@@ -101,16 +101,20 @@ void VrmlViewpointManager::checkCurrViewpoint(VrmlViewpoint* viewpoint) {
   if (!viewpoint || getViewpoint(currentIndex) != viewpoint) currentIndex = indexOf(viewpoint);
 }
 
-void VrmlViewpointManager::updateSceneCamera(VrmlViewpoint* viewpoint, int changeOfBinding, int jump) {
-  if (!viewpoint) return;
-  checkCurrViewpoint(viewpoint);
-  if (const SoPath* path = viewpoint->getPath()) {
+void VrmlViewpointManager::takeMatrix(const VrmlViewpoint* viewpoint) {
+  if (const SoPath* path = viewpoint ? viewpoint->getPath() : nullptr) {
     const SoRef<SoPath> alive(const_cast<SoPath*>(path));
     getMatrixAction->apply(alive.get());
     matrix = getMatrixAction->getMatrix();
   } else {
     matrix.makeIdentity();
   }
+}
+
+void VrmlViewpointManager::updateSceneCamera(VrmlViewpoint* viewpoint, int changeOfBinding, int jump) {
+  if (!viewpoint) return;
+  checkCurrViewpoint(viewpoint);
+  takeMatrix(viewpoint);
   if (cameraCB)
     cameraCB(cameraData, matrix, jump ? jumpThere : changeOfBinding ? moved : keepPlace, viewpoint);
 }

@@ -75,7 +75,7 @@ SoDetail* VrmlGeometry::createPointDetail(SoRayPickAction*, const SoPrimitiveVer
 
 void VrmlGeometry::notify(SoNotList* list) {
   bboxCache.reset();
-  SoNode::notify(list);
+  VrmlNode::notify(list);
 }
 
 // Bounding boxes

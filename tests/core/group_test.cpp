@@ -132,6 +132,22 @@ TEST(Group, ADeclaredBoxHidesTheChildren) {
   expectNear(boxOf(world.root()).getMax(), SbVec3f(2, 3, 4));
 }
 
+TEST(Group, DefaultsOfABoxThatAreWrittenOutAreNoBox) {
+  for (const char* fields : {"bboxSize -1 -1 -1", "bboxCenter 0 0 0", "bboxCenter 5 5 5 bboxSize -1 -1 -1"}) {
+    const TestWorld world(std::string("Group { ") + fields + " children " + unitBox + " }");
+    expectNear(boxOf(world.root()).getMax(), SbVec3f(1, 1, 1));
+  }
+}
+
+TEST(Group, NoEventMakesAGroupItsOwnDescendant) {
+  const TestWorld world("DEF A Group { children DEF M Transform { children DEF B Group { } } }");
+  auto* inner = world.get<VrmlGroup>("B");
+  inner->addChildren.setValue(world.get<VrmlGroup>("A"));
+  inner->addChildren.setValue(inner);
+  EXPECT_EQ(inner->getNumChildren(), 0);
+  EXPECT_EQ(world.messages.count("was not added to a group that stands below it"), 2);
+}
+
 TEST(Group, CopiesKeepSharing) {
   const TestWorld world("Group { children [ Group { children DEF W WorldInfo { title \"x\" } } Group { children USE W } ] }");
   const auto* original = world.get<VrmlWorldInfo>("W");

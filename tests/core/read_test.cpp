@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <fstream>
 
 #include <Inventor/SoInput.h>
@@ -15,6 +16,7 @@
 #include <tessel/core/VrmlTransform.h>
 #include <tessel/core/VrmlWorldInfo.h>
 
+#include "support/Paths.h"
 #include "support/TestWorld.h"
 
 using tessel::ReadStatus;
@@ -67,6 +69,7 @@ INSTANTIATE_TEST_SUITE_P(
         Fault{"Group { children [\n Group { }", "The file ends where a node was expected", 3},
         Fault{"Group {\n", "The file ends inside of \"Group\"", 3},
         Fault{"Group [ ]", "\"{\" was expected behind \"Group\""},
+        Fault{"NULL", "NULL is no node for the top level of a world"},
         Fault{"DEF { }", "A name was expected behind DEF"},
         Fault{"Shape { geometry IndexedLineSet { coordIndex [ 0 1 2147483648 ] } }", "Couldn't read value 3 of field"}));
 
@@ -270,8 +273,32 @@ TEST(Read, StatementsAreTakenOneByOne) {
   EXPECT_EQ(name, "B");
   tessel::SoRef<SoNode> second(VrmlDB::readNode(&in, error));
   ASSERT_TRUE(second);
-  EXPECT_EQ(VrmlDB::readNode(&in, error), nullptr);
-  EXPECT_EQ(error, 0);
+  for (int again = 0; again < 2; ++again) {
+    EXPECT_EQ(VrmlDB::readNode(&in, error), nullptr);
+    EXPECT_EQ(error, 0);
+  }
+}
+
+TEST(Read, AnInputInThePlaceOfAnotherIsReadFromItsStart) {
+  tessel::test::startLibrary();
+  const auto firstNode = [](const char* text) {
+    SoInput in;  // at the same place on the stack each time
+    in.setBuffer(text, std::strlen(text));
+    int error = 1;
+    const tessel::SoRef<SoNode> node(VrmlDB::readNode(&in, error));
+    return std::string(node ? static_cast<VrmlNode*>(node.get())->getDefName().getString() : "none");
+  };
+  EXPECT_EQ(firstNode("#VRML V2.0 utf8\nDEF A Group { } DEF B Group { }"), "A");
+  EXPECT_EQ(firstNode("#VRML V2.0 utf8\nDEF CCC Group { } DEF D Group { }"), "CCC");
+
+  const std::string file = tessel::test::scratchDir() / "two.wrl";
+  std::ofstream(file) << "#VRML V2.0 utf8\nGroup { } Group { }";
+  SoInput in;
+  ASSERT_TRUE(in.openFile(file.c_str()));
+  int error = 1, nodes = 0;
+  for (int i = 0; i < 6; ++i)
+    if (tessel::SoRef<SoNode> node(VrmlDB::readNode(&in, error)); node) ++nodes;
+  EXPECT_EQ(nodes, 2);
 }
 
 TEST(Read, AFaultLeavesStandardInputAlone) {

@@ -66,6 +66,10 @@ public:
   SoNode* addToCopyDict() const override;
   void copyContents(const SoFieldContainer* from, SbBool copyConnections) override;
 
+  /// What an event may make a child: a VrmlNode under which this group does not stand. Null for anything else; a node
+  /// that would make the group its own descendant is warned of.
+  VrmlNode* acceptableChild(SoNode* node);
+
   /// The children are as a change behind the group's back left them: find the orders anew.
   void recalcTraverseOrder();
   void incrementGrabs() { ++numGrabs; }

@@ -28,6 +28,7 @@ public:
   void doAction(SoAction* action) override;
   void callback(SoCallbackAction* action) override;
   void pick(SoPickAction* action) override;
+  void rayPick(SoRayPickAction* action) override;
   void getMatrix(SoGetMatrixAction* action) override;
   void getBoundingBox(SoGetBoundingBoxAction* action) override;
   void GLRender(SoGLRenderAction* action) override;

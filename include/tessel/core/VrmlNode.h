@@ -117,6 +117,9 @@ public:
   /// False unless a class says otherwise: the state that a VRML node changes is gone when it is done.
   SbBool affectsState() const override { return FALSE; }
   SoNode* addToCopyDict() const override;
+  /// Passes a notification on. With TV_OPTIMIZE_NOTIFICATION in the environment, one that the node has seen
+  /// already by another way stops here.
+  void notify(SoNotList* list) override;
 
 protected:
   VrmlNode();

@@ -64,6 +64,8 @@ public:
   /// Works out the matrix of a viewpoint and calls the host: with mode `jumpThere` if `jump` is set, else
   /// with `moved` if `changeOfBinding` is set, else with `keepPlace`.
   virtual void updateSceneCamera(VrmlViewpoint* viewpoint, int changeOfBinding, int jump);
+  /// Works out the matrix of a viewpoint and tells nobody; the identity for none.
+  void takeMatrix(const VrmlViewpoint* viewpoint);
   /// The matrix of the current viewpoint to world space.
   const SbMatrix& getMatrix() const { return matrix; }
 
