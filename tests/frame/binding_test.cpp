@@ -103,6 +103,7 @@ TEST(Binding, ANewWorldIsBoundAndTheOldOneLetGo) {
 }
 
 TEST(Binding, WorldsComeAndGoWithoutLeavingAnythingBehind) {
+  tessel::test::startLibrary();
   SoRef<SoNode> tree;
   for (const bool active : {true, false}) {
     VrmlSceneManager manager;
