@@ -32,10 +32,13 @@ if(TESSEL_WARNINGS_AS_ERRORS)
   target_compile_options(tessel-build INTERFACE -Werror)
 endif()
 if(TESSEL_SANITIZE)
-  # The toolkit's way to see a whole path is to take it for a SoFullPath, which it never is.
   target_compile_options(tessel-build INTERFACE
-    -fsanitize=${TESSEL_SANITIZE} -fno-sanitize=vptr -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    -fsanitize=${TESSEL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(tessel-build INTERFACE -fsanitize=${TESSEL_SANITIZE})
+  if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
+    target_compile_options(tessel-build INTERFACE
+      -fsanitize-ignorelist=${CMAKE_CURRENT_LIST_DIR}/sanitizer-ignore.txt)
+  endif()
 endif()
 if(TESSEL_LIBFUZZER)
   target_compile_options(tessel-build INTERFACE -fsanitize=fuzzer-no-link)

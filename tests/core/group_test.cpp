@@ -76,9 +76,9 @@ TEST(Group, ChildEventsTakeEffectBehindTheNotification) {
   EXPECT_EQ(group->getNumChildren(), 2) << "twice the same and one that is there";
   EXPECT_EQ(group->addChildren.getNum(), 0);
 
-  SoNode* a = world.get<VrmlGroup>("A");
-  group->removeChildren.setValue(a);
-  EXPECT_EQ(group->findChild(static_cast<VrmlNode*>(a)), -1);
+  const SoRef<SoNode> a(world.get<VrmlGroup>("A"));
+  group->removeChildren.setValue(a.get());
+  EXPECT_EQ(group->findChild(static_cast<VrmlNode*>(a.get())), -1);
   EXPECT_EQ(group->removeChildren.getNum(), 0);
 
   VrmlGroup::doChildEvents = 0;
