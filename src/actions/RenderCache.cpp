@@ -82,10 +82,13 @@ void RenderCache::open(SoGLRenderAction* action) {
     making.delayed = std::make_unique<DelayedRecording>();
     delayed->beginRecording(action, *making.delayed, list);
   }
+  state->push();
 }
 
 void RenderCache::close(SoGLRenderAction* action) {
   SoState* state = action->getState();
+  // What ends with the branch, as its lights do, is to end inside the list, too.
+  if (making.list) state->pop();
   const int marks = SoGLCacheContextElement::resetAutoCacheBits(state);
   keptOut = (marks & SoGLCacheContextElement::DONT_AUTO_CACHE) != 0;
   SoGLCacheContextElement::setAutoCacheBits(state, autoCacheOutside | marks);

@@ -41,7 +41,7 @@ void FaceMesh::build(const FaceMeshSource& from, Layout layout) {
   source = from;
   flat = layout == Layout::flat;
   form.normals = !source.normals.empty();
-  form.shortNormals = form.normals && fitShorts(source.normals);
+  form.shortNormals = form.normals && source.mayRoundNormals && fitShorts(source.normals);
   form.colors = !source.colors.empty();
   form.texCoords = !source.texCoords.empty();
   if (!form.normals) source.normal = {};
@@ -94,7 +94,7 @@ bool FaceMesh::refresh(const FaceMeshSource& from) {
     source = before;
     return false;
   }
-  form.shortNormals = form.normals && fitShorts(source.normals);
+  form.shortNormals = form.normals && source.mayRoundNormals && fitShorts(source.normals);
   return true;
 }
 

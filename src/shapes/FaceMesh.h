@@ -31,6 +31,9 @@ struct FaceMeshSource {
   std::span<const SbVec2f> texCoords;
   CornerIndices normal, color, texCoord;
   std::uint8_t alpha = 255;  ///< goes with each color
+  /// Whether normals may become shorts. A display list takes those for floats by a rule that has no 0, so that a
+  /// face along a light would catch its highlight.
+  bool mayRoundNormals = true;
 };
 
 /// The faces of a face set as indexed triangles.

@@ -78,6 +78,11 @@ bool lightIsEvenOnFlatFaces() {
 
 bool isLarge(const VrmlIndexedFaceSet& set) { return set.coordIndex.getNum() > FaceDrawing::autoCacheLimit; }
 
+// A large mesh has buffers of its own; small ones end in display lists.
+bool keepsOutOfLists(const VrmlIndexedFaceSet& set, SoState* state) {
+  return isLarge(set) && !SoGLCacheContextElement::getIsRemoteRendering(state);
+}
+
 template <class T> std::span<const T> valuesAt(const void* values, int count) {
   return {static_cast<const T*>(values), static_cast<std::size_t>(count)};
 }
@@ -151,10 +156,9 @@ void VrmlIndexedFaceSet::GLRender(SoGLRenderAction* action) {
   if (!shouldGLRender(action) || !prepare(action)) return;
   draw(action);
 
-  // A large mesh has buffers of its own; small ones end in display lists.
-  const bool keepOut = isLarge(*this) && !SoGLCacheContextElement::getIsRemoteRendering(state);
-  SoGLCacheContextElement::shouldAutoCache(
-      state, keepOut ? SoGLCacheContextElement::DONT_AUTO_CACHE : SoGLCacheContextElement::DO_AUTO_CACHE);
+  SoGLCacheContextElement::shouldAutoCache(state, keepsOutOfLists(*this, state)
+                                                      ? SoGLCacheContextElement::DONT_AUTO_CACHE
+                                                      : SoGLCacheContextElement::DO_AUTO_CACHE);
 }
 
 // Makes the mesh if there is none that serves. False if there is nothing to draw.
@@ -193,6 +197,7 @@ bool VrmlIndexedFaceSet::prepare(SoGLRenderAction* action) {
   }
   tessel::FaceMeshSource source = meshSource(*this, *vpCache, needs, prepared);
   source.runs = runs;
+  source.mayRoundNormals = keepsOutOfLists(*this, state);
   const bool generate = needs.normals && vpCache->generateNormals;
   if (generate) generateNormals(*this, animated, workshop->normals, source);
 

@@ -149,3 +149,35 @@ TEST(DisplayListsGL, PartsThatAlwaysMoveAreDrawnWhereTheyAre) {
     EXPECT_LE(differing(listed.drawing->frame(), expected), 4) << "frame " << frame;
   }
 }
+
+struct Still {
+  const char* name;
+  const char* world;  // in which the middle of the picture is dark
+};
+
+class DisplayListGL : public testing::TestWithParam<Still> {};
+
+// The first frame has no list yet; a shape out of view keeps the whole world from having a single one.
+TEST_P(DisplayListGL, LooksLikeTheFirstFrame) {
+  const TestWorld world(std::string(GetParam().world) +
+                        "Transform { translation 9 0 0 children Shape { geometry Box { } } }");
+  Drawing drawing(world.root());
+  const auto first = drawing.frame().rgb;
+  EXPECT_TRUE(near(drawing.at(0, 0), Colour{}, 1)) << drawing.at(0, 0);
+  for (int i = 2; i < 6; ++i) EXPECT_EQ(drawing.frame().rgb, first) << "frame " << i;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Of, DisplayListGL,
+    testing::Values(Still{"ABranchWithALight",
+                          "Transform { translation -1.5 0 0 children [ DirectionalLight { } DEF BOX Shape { "
+                          "appearance Appearance "
+                          "{ material Material { ambientIntensity 0 } } geometry Box { size 1 1 1 } } ] } "
+                          "Group { children USE BOX }"},
+                    Still{"AFaceAlongTheLight",
+                          "DirectionalLight { direction -1 0 0 } Group { children Shape { appearance "
+                          "Appearance { material Material "
+                          "{ ambientIntensity 0 specularColor 1 1 1 shininess 0.01 } } geometry "
+                          "IndexedFaceSet { coord Coordinate "
+                          "{ point [ -1 -1 0, 1 -1 0, 1 1 0, -1 1 0 ] } coordIndex [ 0 1 2 3 ] } } }"}),
+    [](const auto& info) { return info.param.name; });
