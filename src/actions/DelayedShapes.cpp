@@ -216,7 +216,9 @@ bool DelayedShapes::drawRun(SoGLRenderAction* action) {
   if (runDrawn) return false;
   runDrawn = true;
   Run& run = runs[runNumber - 1];
-  if (!run.cache) run.cache = std::make_unique<RenderCache>(VrmlCullingGroup::getNumRenderCaches());
+  if (!run.cache)
+    run.cache =
+        std::make_unique<RenderCache>(VrmlCullingGroup::getNumRenderCaches(), std::numeric_limits<int>::max());
 
   // The same shapes in the same order at the same places make the same display list.
   bool same = run.drawn.size() == runEnd - runBegin;

@@ -26,7 +26,10 @@ constexpr int longLife = 64;
 
 void RenderCache::Release::operator()(SoGLRenderCache* list) const { list->unref(); }
 
-RenderCache::RenderCache(int n) : capacity(n), patience(leastPatience) {}
+unsigned RenderCache::shapesMet = 0;
+
+RenderCache::RenderCache(int lists, int shapes)
+    : capacity(lists), maxShapes(shapes), patience(leastPatience) {}
 
 RenderCache::~RenderCache() = default;
 
@@ -56,6 +59,7 @@ bool RenderCache::call(SoGLRenderAction* action) {
     SoGLLazyElement::postCacheCall(state, list->getPostLazyState());
     Entry& called = entries.front();
     ++called.timesDrawn;
+    shapesMet += called.numShapes;
     if (called.delayed) delayed->replay(action, *called.delayed);
     return true;
   }
@@ -65,7 +69,10 @@ bool RenderCache::call(SoGLRenderAction* action) {
 void RenderCache::open(SoGLRenderAction* action) {
   SoState* state = action->getState();
   autoCacheOutside = SoGLCacheContextElement::resetAutoCacheBits(state);
-  if (capacity <= 0 || SoCacheElement::anyOpen(state) || keptOut || unchanged++ < patience) return;
+  shapesBefore = shapesMet;
+  if (capacity <= 0 || SoCacheElement::anyOpen(state) || unchanged++ < patience || keptOut ||
+      numShapes > static_cast<unsigned>(maxShapes))
+    return;
   if (static_cast<int>(entries.size()) >= capacity) {
     learnFrom(entries.back());
     entries.pop_back();
@@ -92,6 +99,7 @@ void RenderCache::close(SoGLRenderAction* action) {
   const int marks = SoGLCacheContextElement::resetAutoCacheBits(state);
   keptOut = (marks & SoGLCacheContextElement::DONT_AUTO_CACHE) != 0;
   SoGLCacheContextElement::setAutoCacheBits(state, autoCacheOutside | marks);
+  numShapes = shapesMet - shapesBefore;
   if (!making.list) return;
   making.list->close();
   SoGLLazyElement::endCaching(state);
@@ -100,6 +108,7 @@ void RenderCache::close(SoGLRenderAction* action) {
     if (making.delayed->empty()) making.delayed.reset();
   }
   const bool sound = !SoCacheElement::setInvalid(invalidOutside);
+  making.numShapes = numShapes;
   if (sound) {
     entries.insert(entries.begin(), std::move(making));
     unchanged = 0;

@@ -15,8 +15,9 @@ class DelayedRecording;
 ///
 /// What the branch delays (see VrmlRenderAction) is recorded beside the list and delayed again whenever the list
 /// is drawn. At first a list is made when the branch has been drawn unchanged once; the shorter the lists of a branch
-/// live, the longer it must stay unchanged before the next. None is made of a branch in which something says by the
-/// toolkit's DONT_AUTO_CACHE that it draws better without; these marks are passed on.
+/// live, the longer it must stay unchanged before the next. None is made of a branch of many shapes: lists of its
+/// parts are drawn as fast, and a change costs less. Nor of one in which something says by the toolkit's
+/// DONT_AUTO_CACHE that it draws better without; these marks are passed on.
 ///
 ///     StateScope scope(state);
 ///     if (cache.call(action)) return;
@@ -25,8 +26,12 @@ class DelayedRecording;
 ///     cache.close(action);
 class RenderCache {
 public:
+  /// Of more shapes a branch makes no list.
+  static constexpr int manyShapes = 512;
+
   /// `capacity`: how many lists may stand side by side, for several contexts or surroundings.
-  explicit RenderCache(int capacity);
+  /// `maxShapes`: how many shapes a list may hold.
+  explicit RenderCache(int capacity, int maxShapes = manyShapes);
   ~RenderCache();
   RenderCache(const RenderCache&) = delete;
   RenderCache& operator=(const RenderCache&) = delete;
@@ -39,6 +44,8 @@ public:
   void close(SoGLRenderAction* action);
   /// The branch has changed.
   void invalidate();
+  /// To be called by each shape that is drawn, or delayed.
+  static void countShape() { ++shapesMet; }
 
 private:
   struct Release {
@@ -48,9 +55,12 @@ private:
     std::unique_ptr<SoGLRenderCache, Release> list;
     std::unique_ptr<DelayedRecording> delayed;  // null: the branch delays nothing
     int transparencyType = 0;                   // of the action that made it
+    unsigned numShapes = 0;
     int timesDrawn = 0;
   };
   void learnFrom(const Entry& entry);
+
+  static unsigned shapesMet;  // in all traversals so far, also in lists
 
   std::vector<Entry> entries;  // the one drawn last comes first
   Entry making;                // between open and close
@@ -58,8 +68,11 @@ private:
   int autoCacheOutside = 0;
   bool keptOut = false;  // by something in the branch
   int capacity;
-  int unchanged = 0;  // how often the branch was drawn without a list since it changed
-  int patience;       // how often it must be before a list is made
+  int maxShapes;
+  unsigned shapesBefore = 0;  // met before `open`
+  unsigned numShapes = 0;     // that the branch held when it was last drawn without a list
+  int unchanged = 0;          // how often the branch was drawn without a list since it changed
+  int patience;               // how often it must be before a list is made
 };
 
 }  // namespace tessel

@@ -80,6 +80,7 @@ void VrmlShape::notifyContainerOnly(const SoField* field) {
 void VrmlShape::GLRender(SoGLRenderAction* action) {
   SoState* state = action->getState();
   children->sync();
+  tessel::RenderCache::countShape();
   const bool drawDelayed = VrmlRenderAction::isDrawingDelayed(action);
   if (drawDelayed && VrmlRenderAction::drawDelayedHere(action)) return;
   if (!drawDelayed && isTransparent && VrmlRenderAction::mustDelay(action, true)) return;
