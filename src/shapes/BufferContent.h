@@ -51,6 +51,8 @@ inline std::array<std::int16_t, 4> normalShorts(const SbVec3f& normal) {
 struct BufferContent {
   /// An index that ends a strip, so that the next vertex begins another.
   static constexpr std::uint32_t endOfStrip = 0xFFFFFFFF;
+  /// Indices of two bytes reach as many vertices, beside an end of a strip.
+  static constexpr int shortReach = 65535;
 
   VertexFormat format;
   std::size_t vertexCount = 0;

@@ -52,6 +52,7 @@ void FaceMesh::build(const FaceMeshSource& from, Layout layout) {
   triangleList.clear();
   made.clear();
   copyFace = -1;
+  farCopies = 0;
 
   std::int32_t highest = -1;
   lowestPoint = static_cast<std::int32_t>(source.points.size());
@@ -149,13 +150,23 @@ void FaceMesh::addFaces(std::int32_t at, std::int32_t face, std::int32_t count) 
   }
 }
 
+// Whether a vertex that was made long ago may be used again. Buffers hold two bytes an index where the vertices of a
+// triangle were made close to each other, so a seam gets its vertices anew; a mesh in no order does not.
+bool FaceMesh::isInReach(std::int32_t vertex) {
+  constexpr std::int32_t ofOneTriangle = 8;  // those made between its first corner and its last
+  const auto count = static_cast<std::int32_t>(vertexPoint.size());
+  if (count - vertex < BufferContent::shortReach - ofOneTriangle || farCopies > count / 8) return true;
+  ++farCopies;
+  return false;
+}
+
 template <FaceMesh::Key color, FaceMesh::Key normal, bool texCoord>
 std::int32_t FaceMesh::vertexAt(std::int32_t point, std::int32_t ofColor, std::int32_t ofNormal,
                                 std::int32_t ofTexCoord) {
   constexpr bool byPointAlone = color == Key::none && normal == Key::none && !texCoord;
   std::int32_t& first = firstVertex[point - lowestPoint];
   if constexpr (byPointAlone) {
-    if (first >= 0) return first;
+    if (first >= 0 && isInReach(first)) return first;
   } else {
     int tries = searchLimit;
     for (std::int32_t v = first; v >= 0 && tries > 0; v = nextVertex[v], --tries) {
@@ -165,6 +176,7 @@ std::int32_t FaceMesh::vertexAt(std::int32_t point, std::int32_t ofColor, std::i
         if (vertexNormal[v] != ofNormal) continue;
       if constexpr (texCoord)
         if (vertexTexCoord[v] != ofTexCoord) continue;
+      if (!isInReach(v)) break;
       return v;
     }
     nextVertex.push_back(first);

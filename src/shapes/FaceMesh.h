@@ -83,6 +83,7 @@ private:
   std::int32_t vertexAt(std::int32_t point, std::int32_t ofColor, std::int32_t ofNormal,
                         std::int32_t ofTexCoord);
 
+  bool isInReach(std::int32_t vertex);
   Key keyOf(const CornerIndices& attribute) const;
   std::int32_t copyVertex(std::int32_t vertex);
   void addTriangle(std::int32_t face, std::int32_t a, std::int32_t b, std::int32_t c);
@@ -114,6 +115,7 @@ private:
   std::vector<std::int32_t> nextVertex;   // the one before it of the same point, -1 if none
   std::vector<std::int32_t> firstVertex;  // of each point from the lowest used one on: the last made
   std::int32_t lowestPoint = 0;
+  std::int32_t farCopies = 0;  // vertices made again because the first ones are out of reach
   std::vector<Made> made;
 
   // The face in work.

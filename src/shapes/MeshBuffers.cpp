@@ -14,8 +14,7 @@ namespace tessel {
 
 namespace {
 
-// Vertices that two-byte indices reach, beside an end of a strip.
-constexpr std::size_t largestShortMesh = 65535;
+constexpr std::size_t largestShortMesh = BufferContent::shortReach;
 // A mesh that would fall into parts of fewer indices on average keeps four-byte indices.
 constexpr std::size_t smallestPart = 4096;
 

@@ -348,6 +348,37 @@ TEST(IndexedFaceSetMesh, TakesOnlyThePointsThatItsFacesUse) {
   EXPECT_EQ(mesh.vertexCount(), 3u);
 }
 
+TEST(IndexedFaceSetMesh, KeepsTheVerticesOfATriangleCloseTogether) {
+  // A closed ring: its last faces return to its first points. A mesh in no order can't be helped, and is left.
+  const std::int32_t points = 200000;
+  const std::vector<SbVec3f> positions(points, SbVec3f(0, 0, 0));
+  const std::vector<SbVec3f> normals(points, SbVec3f(0, 0, 1));
+  for (const bool inOrder : {true, false})
+    for (const auto layout : {FaceMesh::Layout::smooth, FaceMesh::Layout::flat}) {
+      Ints coord;
+      for (std::int32_t i = 0; i < points; ++i) {
+        const std::int32_t at = inOrder ? i : static_cast<std::int32_t>(std::int64_t(i) * 7919 % points);
+        for (const std::int32_t k : {at, (at + 1) % points, (at + 2) % points, -1}) coord.push_back(k);
+      }
+      FaceMeshSource source;
+      source.coordIndex = coord;
+      source.runs = countRuns(coord);
+      source.points = positions;
+      source.normals = normals;
+      source.normal.by = layout == FaceMesh::Layout::flat ? By::face : By::point;
+      FaceMesh mesh;
+      mesh.build(source, layout);
+      const auto triangles = mesh.triangles();
+      std::uint32_t widest = 0;
+      for (std::size_t i = 0; i < triangles.size(); i += 3) {
+        const auto [low, high] = std::minmax({triangles[i], triangles[i + 1], triangles[i + 2]});
+        widest = std::max(widest, high - low);
+      }
+      EXPECT_EQ(widest < std::uint32_t(BufferContent::shortReach), inOrder) << widest;
+      EXPECT_LT(mesh.vertexCount(), (inOrder ? 1.01 : 1.3) * points);
+    }
+}
+
 // Concave faces
 
 double areaOf(const std::vector<SbVec3f>& outline, const Ints& triangles, double& smallest) {
