@@ -33,7 +33,8 @@ void start() {
   SoDebugError::setHandlerCallback(ignore, nullptr);
 }
 
-void ignoreTriangle(void*, SoCallbackAction*, const SoPrimitiveVertex*, const SoPrimitiveVertex*, const SoPrimitiveVertex*) {}
+void ignoreTriangle(void*, SoCallbackAction*, const SoPrimitiveVertex*, const SoPrimitiveVertex*,
+                    const SoPrimitiveVertex*) {}
 void ignoreSegment(void*, SoCallbackAction*, const SoPrimitiveVertex*, const SoPrimitiveVertex*) {}
 void ignorePoint(void*, SoCallbackAction*, const SoPrimitiveVertex*) {}
 

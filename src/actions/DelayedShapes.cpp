@@ -217,8 +217,8 @@ bool DelayedShapes::drawRun(SoGLRenderAction* action) {
   runDrawn = true;
   Run& run = runs[runNumber - 1];
   if (!run.cache)
-    run.cache =
-        std::make_unique<RenderCache>(VrmlCullingGroup::getNumRenderCaches(), std::numeric_limits<int>::max());
+    run.cache = std::make_unique<RenderCache>(VrmlCullingGroup::getNumRenderCaches(),
+                                              std::numeric_limits<int>::max());
 
   // The same shapes in the same order at the same places make the same display list.
   bool same = run.drawn.size() == runEnd - runBegin;

@@ -42,7 +42,8 @@ Base splitBase(std::string_view base) {
 void removeDotDots(std::string& path) {
   for (;;) {
     const std::size_t dots = path.find("..");
-    if (dots == std::string::npos || dots == 0 || path[dots - 1] != '/' || dots + 2 >= path.size() || path[dots + 2] != '/')
+    if (dots == std::string::npos || dots == 0 || path[dots - 1] != '/' || dots + 2 >= path.size() ||
+        path[dots + 2] != '/')
       return;
     if (dots < 2) return;
     const std::size_t before = path.rfind('/', dots - 2);

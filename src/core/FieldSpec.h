@@ -22,8 +22,9 @@ struct FieldDefault {
   constexpr FieldDefault() = default;
   constexpr FieldDefault(const char* t) : count(1), text(t) {}
   template <class... N>
-    requires(sizeof...(N) >= 1 && sizeof...(N) <= 4 && (std::is_arithmetic_v<N> && ...))
-  constexpr FieldDefault(N... n) : numbers{static_cast<double>(n)...}, count(sizeof...(N)) {}
+  requires(sizeof...(N) >= 1 && sizeof...(N) <= 4 &&
+           (std::is_arithmetic_v<N> && ...)) constexpr FieldDefault(N... n)
+      : numbers{static_cast<double>(n)...}, count(sizeof...(N)) {}
 };
 
 /// One row of a node class's field table: everything that is to be known about a field.
@@ -46,7 +47,8 @@ template <auto member>
 constexpr FieldSpec fieldSpec(std::string_view name, FieldKind kind, FieldDefault initial = {}) {
   using M = MemberOf<decltype(member)>;
   return {name, kind, ValueTypeOf<typename M::Field>::value,
-          [](SoFieldContainer& c) -> SoField* { return &(static_cast<typename M::Class&>(c).*member); }, initial};
+          [](SoFieldContainer& c) -> SoField* { return &(static_cast<typename M::Class&>(c).*member); },
+          initial};
 }
 
 /// Sets a field to the default of its row, without notification if it has no container yet.

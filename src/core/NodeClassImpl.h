@@ -19,16 +19,14 @@ namespace tessel {
 template <class Self, class Parent> SoType NodeClass<Self, Parent>::classTypeId;
 template <class Self, class Parent> SoFieldData* NodeClass<Self, Parent>::fieldData = nullptr;
 
-template <class Self, class Parent>
-void* NodeClass<Self, Parent>::createInstance() {
+template <class Self, class Parent> void* NodeClass<Self, Parent>::createInstance() {
   if constexpr (requires { new Self; })
     return new Self;
   else
     return nullptr;
 }
 
-template <class Self, class Parent>
-void NodeClass<Self, Parent>::initClass() {
+template <class Self, class Parent> void NodeClass<Self, Parent>::initClass() {
   constexpr bool concrete = requires { new Self; };
   const std::string typeName = std::string("Vrml") + Self::fileFormatName;
   classTypeId = SoType::createType(Parent::getClassTypeId(), SbName(typeName.c_str()),
@@ -41,8 +39,7 @@ void NodeClass<Self, Parent>::initClass() {
 template <class Self, class Parent> NodeClass<Self, Parent>::NodeClass() = default;
 template <class Self, class Parent> NodeClass<Self, Parent>::~NodeClass() = default;
 
-template <class Self, class Parent>
-void NodeClass<Self, Parent>::setUpFields() {
+template <class Self, class Parent> void NodeClass<Self, Parent>::setUpFields() {
   const bool first = fieldData == nullptr;
   if (first) fieldData = new SoFieldData(*Parent::getFieldDataPtr());
   for (const FieldSpec& spec : Self::fields()) {
@@ -54,36 +51,26 @@ void NodeClass<Self, Parent>::setUpFields() {
   this->isBuiltIn = TRUE;
 }
 
-template <class Self, class Parent>
-SoType NodeClass<Self, Parent>::getClassTypeId() {
-  return classTypeId;
-}
+template <class Self, class Parent> SoType NodeClass<Self, Parent>::getClassTypeId() { return classTypeId; }
 
-template <class Self, class Parent>
-SoType NodeClass<Self, Parent>::getTypeId() const {
-  return classTypeId;
-}
+template <class Self, class Parent> SoType NodeClass<Self, Parent>::getTypeId() const { return classTypeId; }
 
-template <class Self, class Parent>
-const char* NodeClass<Self, Parent>::getFileFormatName() const {
+template <class Self, class Parent> const char* NodeClass<Self, Parent>::getFileFormatName() const {
   return Self::fileFormatName;
 }
 
-template <class Self, class Parent>
-int NodeClass<Self, Parent>::getFieldType(const SoField* field) const {
+template <class Self, class Parent> int NodeClass<Self, Parent>::getFieldType(const SoField* field) const {
   auto& self = const_cast<NodeClass&>(*this);
   for (const FieldSpec& spec : Self::fields())
     if (spec.in(self) == field) return static_cast<int>(spec.kind);
   return Parent::getFieldType(field);
 }
 
-template <class Self, class Parent>
-const SoFieldData* NodeClass<Self, Parent>::getFieldData() const {
+template <class Self, class Parent> const SoFieldData* NodeClass<Self, Parent>::getFieldData() const {
   return fieldData;
 }
 
-template <class Self, class Parent>
-const SoFieldData** NodeClass<Self, Parent>::getFieldDataPtr() {
+template <class Self, class Parent> const SoFieldData** NodeClass<Self, Parent>::getFieldDataPtr() {
   return const_cast<const SoFieldData**>(&fieldData);
 }
 

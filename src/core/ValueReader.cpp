@@ -36,8 +36,7 @@ bool readOne(WorldReader& reader, SbTime& out) {
   return true;
 }
 
-template <std::size_t n>
-bool readFloats(WorldReader& reader, float (&out)[n]) {
+template <std::size_t n> bool readFloats(WorldReader& reader, float (&out)[n]) {
   for (float& f : out)
     if (!reader.lexer().number(f)) return false;
   return true;
@@ -96,8 +95,7 @@ bool readOne(WorldReader& reader, SbString& out) {
 
 // Single fields.
 
-template <class Field, class Value>
-bool readSingle(WorldReader& reader, SoField& field) {
+template <class Field, class Value> bool readSingle(WorldReader& reader, SoField& field) {
   Value value;
   if (!readOne(reader, value)) return false;
   static_cast<Field&>(field).setValue(value);
@@ -136,9 +134,12 @@ bool readImage(WorldReader& reader, SoField& field) {
   if (!lexer.number(width) || !lexer.number(height) || !lexer.number(components)) return false;
   if (width < 0 || height < 0 || components < 0 || components > 4 || width > 32767 || height > 32767 ||
       std::int64_t{width} * height > maxPixels)
-    return reader.error("An image of %d x %d pixels with %d components is out of bounds", width, height, components);
-  const std::size_t pixels = components == 0 ? 0 : static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
-  if (pixels > lexer.bytesLeft()) return reader.error("The image has fewer than %d x %d pixels", width, height);
+    return reader.error("An image of %d x %d pixels with %d components is out of bounds", width, height,
+                        components);
+  const std::size_t pixels =
+      components == 0 ? 0 : static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+  if (pixels > lexer.bytesLeft())
+    return reader.error("The image has fewer than %d x %d pixels", width, height);
   std::vector<unsigned char> bytes(pixels * static_cast<std::size_t>(components));
   auto out = bytes.begin();
   for (std::size_t i = 0; i < pixels; ++i) {
@@ -147,8 +148,8 @@ bool readImage(WorldReader& reader, SoField& field) {
     for (int c = components - 1; c >= 0; --c) *out++ = static_cast<unsigned char>(pixel >> (8 * c));
   }
   if (pixels == 0) width = height = components = 0;
-  static_cast<SoSFImage&>(field).setValue(SbVec2s(static_cast<short>(width), static_cast<short>(height)), components,
-                                          bytes.empty() ? nullptr : bytes.data());
+  static_cast<SoSFImage&>(field).setValue(SbVec2s(static_cast<short>(width), static_cast<short>(height)),
+                                          components, bytes.empty() ? nullptr : bytes.data());
   return true;
 }
 
@@ -166,8 +167,7 @@ bool couldNotRead(WorldReader& reader, int number) {
 }
 
 // How many values stand before the closing bracket: right for numbers, a guess that grows for the rest.
-template <class Value>
-std::size_t expectedValues(const Lexer& lexer) {
+template <class Value> std::size_t expectedValues(const Lexer& lexer) {
   if constexpr (std::is_same_v<Value, SbTime>)
     return lexer.countToBracket();
   else if constexpr (std::is_trivially_copyable_v<Value>)
@@ -176,14 +176,12 @@ std::size_t expectedValues(const Lexer& lexer) {
     return gatheredValues<Value>;
 }
 
-template <class Field, class Value>
-void setValues(Field& field, int count, const Value* values) {
+template <class Field, class Value> void setValues(Field& field, int count, const Value* values) {
   if (field.getNum() > count || count == 0) field.setNum(count);
   if (count > 0) field.setValues(0, count, values);
 }
 
-template <class Field, class Value>
-bool readMultiple(WorldReader& reader, SoField& f) {
+template <class Field, class Value> bool readMultiple(WorldReader& reader, SoField& f) {
   Field& field = static_cast<Field&>(f);
   Lexer& lexer = reader.lexer();
   if (!lexer.take('[')) {
@@ -223,8 +221,7 @@ bool readMultiple(WorldReader& reader, SoField& f) {
 }
 
 // Reads nodes in brackets, or one without, and hands each on, also null ones.
-template <class Take>
-bool readNodes(WorldReader& reader, bool numbered, Take take) {
+template <class Take> bool readNodes(WorldReader& reader, bool numbered, Take take) {
   Lexer& lexer = reader.lexer();
   bool ok = false;
   if (!lexer.take('[')) {
@@ -250,7 +247,8 @@ bool readMFNode(WorldReader& reader, SoField& f) {
 bool readChildren(WorldReader& reader, SoField& f) {
   SoChildList* list = static_cast<VrmlMFChildren&>(f).getValue();
   if (!list) {
-    SoDebugError::post("VrmlMFChildren::readValue", "setNodeParent() MUST be called by the node constructor before reading.");
+    SoDebugError::post("VrmlMFChildren::readValue",
+                       "setNodeParent() MUST be called by the node constructor before reading.");
     return false;
   }
   return readNodes(reader, false, [&](VrmlNode* node) { list->append(node ? node : new VrmlNULL); });

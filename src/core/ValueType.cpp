@@ -25,33 +25,39 @@ float floatOf(const double* n) { return static_cast<float>(n[0]); }
 std::int32_t intOf(const double* n) { return static_cast<std::int32_t>(n[0]); }
 SbBool boolOf(const double* n) { return n[0] != 0; }
 SbVec2f vec2fOf(const double* n) { return {static_cast<float>(n[0]), static_cast<float>(n[1])}; }
-SbVec3f vec3fOf(const double* n) { return {static_cast<float>(n[0]), static_cast<float>(n[1]), static_cast<float>(n[2])}; }
+SbVec3f vec3fOf(const double* n) {
+  return {static_cast<float>(n[0]), static_cast<float>(n[1]), static_cast<float>(n[2])};
+}
 SbColor colorOf(const double* n) { return SbColor(vec3fOf(n)); }
 SbRotation rotationOf(const double* n) {
   return n[3] == 0 ? SbRotation::identity() : SbRotation(vec3fOf(n), static_cast<float>(n[3]));
 }
 
-template <class Field, auto valueOf>
-void single(SoField& field, const FieldDefault& d) {
+template <class Field, auto valueOf> void single(SoField& field, const FieldDefault& d) {
   static_cast<Field&>(field).setValue(valueOf(d.numbers));
 }
 
-template <class Field, auto valueOf, int width>
-void multiple(SoField& f, const FieldDefault& d) {
+template <class Field, auto valueOf, int width> void multiple(SoField& f, const FieldDefault& d) {
   Field& field = static_cast<Field&>(f);
   const int values = d.count / width;
   field.setNum(values);
   for (int i = 0; i < values; ++i) field.set1Value(i, valueOf(d.numbers + i * width));
 }
 
-void image(SoField& field, const FieldDefault&) { static_cast<SoSFImage&>(field).setValue(SbVec2s(0, 0), 0, nullptr); }
+void image(SoField& field, const FieldDefault&) {
+  static_cast<SoSFImage&>(field).setValue(SbVec2s(0, 0), 0, nullptr);
+}
 void sfEnum(SoField& field, const FieldDefault& d) {
   if (d.text) static_cast<SoSFEnum&>(field).setValue(SbName(d.text));
 }
-void matrix(SoField& field, const FieldDefault&) { static_cast<SoSFMatrix&>(field).setValue(SbMatrix::identity()); }
+void matrix(SoField& field, const FieldDefault&) {
+  static_cast<SoSFMatrix&>(field).setValue(SbMatrix::identity());
+}
 void sfNode(SoField& field, const FieldDefault&) { static_cast<SoSFNode&>(field).setValue(nullptr); }
 void mfNode(SoField& field, const FieldDefault&) { static_cast<SoMFNode&>(field).setNum(0); }
-void sfString(SoField& field, const FieldDefault& d) { static_cast<SoSFString&>(field).setValue(d.text ? d.text : ""); }
+void sfString(SoField& field, const FieldDefault& d) {
+  static_cast<SoSFString&>(field).setValue(d.text ? d.text : "");
+}
 void mfString(SoField& f, const FieldDefault& d) {
   SoMFString& field = static_cast<SoMFString&>(f);
   field.setNum(d.count);
@@ -60,10 +66,7 @@ void mfString(SoField& f, const FieldDefault& d) {
 // The list is the node's own: its constructor gives it to the field.
 void childList(SoField&, const FieldDefault&) {}
 
-template <class Field>
-SoField* make() {
-  return new Field;
-}
+template <class Field> SoField* make() { return new Field; }
 
 template <class Field>
 constexpr Row row(const char* word, void (*setDefault)(SoField&, const FieldDefault&)) {

@@ -15,15 +15,34 @@ namespace tessel {
 /// The types of field values that the file format knows; `children` is spelled MFNode in a file. No file
 /// declares fields of the types sfEnum, which a class of ours has, and sfMatrix.
 enum class ValueType : std::uint8_t {
-  sfBool, sfColor, sfEnum, sfFloat, sfImage, sfInt32, sfMatrix, sfNode, sfRotation, sfString, sfTime, sfVec2f, sfVec3f,
-  mfColor, mfFloat, mfInt32, mfNode, mfRotation, mfString, mfTime, mfVec2f, mfVec3f, children,
+  sfBool,
+  sfColor,
+  sfEnum,
+  sfFloat,
+  sfImage,
+  sfInt32,
+  sfMatrix,
+  sfNode,
+  sfRotation,
+  sfString,
+  sfTime,
+  sfVec2f,
+  sfVec3f,
+  mfColor,
+  mfFloat,
+  mfInt32,
+  mfNode,
+  mfRotation,
+  mfString,
+  mfTime,
+  mfVec2f,
+  mfVec3f,
+  children,
   count
 };
 
 /// The value type that a field class holds: `ValueTypeOf<SoSFVec3f>::value` is `ValueType::sfVec3f`.
-template <class Field, ValueType type> struct HoldsValue {
-  static constexpr ValueType value = type;
-};
+template <class Field, ValueType type> struct HoldsValue { static constexpr ValueType value = type; };
 template <class Field> struct ValueTypeOf;
 template <> struct ValueTypeOf<SoSFBool> : HoldsValue<SoSFBool, ValueType::sfBool> {};
 template <> struct ValueTypeOf<SoSFColor> : HoldsValue<SoSFColor, ValueType::sfColor> {};

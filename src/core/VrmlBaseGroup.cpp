@@ -59,8 +59,7 @@ VrmlBaseGroup::~VrmlBaseGroup() { childList.reset(); }  // notifies, so while th
 
 SoChildList* VrmlBaseGroup::getChildren() const { return childList.get(); }
 
-template <class Change>
-void VrmlBaseGroup::changeChildren(Change change) {
+template <class Change> void VrmlBaseGroup::changeChildren(Change change) {
   {
     const tessel::NotifyOff silence(static_cast<SoNode&>(*this));
     change(*childList);
@@ -85,7 +84,9 @@ void VrmlBaseGroup::insertChild(VrmlNode* child, int index) {
 }
 
 SoNode* VrmlBaseGroup::getChild(int index) const { return (*childList)[index]; }
-int VrmlBaseGroup::findChild(const VrmlNode* child) const { return childList->find(const_cast<VrmlNode*>(child)); }
+int VrmlBaseGroup::findChild(const VrmlNode* child) const {
+  return childList->find(const_cast<VrmlNode*>(child));
+}
 int VrmlBaseGroup::getNumChildren() const { return childList->getLength(); }
 
 void VrmlBaseGroup::removeChild(int index) {
@@ -104,7 +105,9 @@ void VrmlBaseGroup::replaceChild(int index, VrmlNode* child) {
   changeChildren([&](SoChildList& list) { list.set(index, child); });
 }
 
-void VrmlBaseGroup::replaceChild(VrmlNode* oldChild, VrmlNode* newChild) { replaceChild(findChild(oldChild), newChild); }
+void VrmlBaseGroup::replaceChild(VrmlNode* oldChild, VrmlNode* newChild) {
+  replaceChild(findChild(oldChild), newChild);
+}
 
 namespace {
 
@@ -124,7 +127,8 @@ VrmlNode* VrmlBaseGroup::acceptableChild(SoNode* node) {
   if (!child || !child->holdsChildren()) return child;
   std::unordered_set<const SoNode*> seen;
   if (!standsBelow(this, child, seen)) return child;
-  SoDebugError::postWarning("VrmlBaseGroup::acceptableChild", "A node was not added to a group that stands below it");
+  SoDebugError::postWarning("VrmlBaseGroup::acceptableChild",
+                            "A node was not added to a group that stands below it");
   return nullptr;
 }
 
@@ -138,7 +142,8 @@ const VrmlBaseGroup::Orders& VrmlBaseGroup::orders() const {
   std::vector<int> others, sensors;
   for (int i = 0; i < childList->getLength(); ++i) {
     const SoNode* child = (*childList)[i];
-    const bool isSensor = child->isOfType(VrmlNode::getClassTypeId()) && static_cast<const VrmlNode*>(child)->isGeometricSensor();
+    const bool isSensor = child->isOfType(VrmlNode::getClassTypeId()) &&
+                          static_cast<const VrmlNode*>(child)->isGeometricSensor();
     const bool actsOnSiblings = !isSensor && child->isOfType(VrmlNode::getClassTypeId()) &&
                                 static_cast<const VrmlNode*>(child)->shouldRenderBeforeOtherChildren();
     (actsOnSiblings ? found->render : others).push_back(i);
@@ -293,7 +298,9 @@ void VrmlBaseGroup::GLRenderInPath(SoGLRenderAction* action) {
   };
   const Orders& o = orders();
   for (std::size_t n = 0; n < o.numRenderFirst; ++n)
-    if (std::ranges::find(onPath, o.render[n]) == onPath.end() && !render(o.render[n], &SoNode::GLRenderOffPath)) return;
+    if (std::ranges::find(onPath, o.render[n]) == onPath.end() &&
+        !render(o.render[n], &SoNode::GLRenderOffPath))
+      return;
   for (const int i : onPath)
     if (!render(i, &SoNode::GLRenderInPath)) return;
 }
@@ -367,7 +374,8 @@ void VrmlBaseGroup::dispatchToGrabbingSensors(SoHandleEventAction* action) {
   }
   const int depth = static_cast<const SoFullPath*>(action->getCurPath())->getLength();
   int pushed = 0;
-  for (int i = depth; i < whole->getLength(); ++i, ++pushed) action->pushCurPath(whole->getIndex(i), whole->getNode(i));
+  for (int i = depth; i < whole->getLength(); ++i, ++pushed)
+    action->pushCurPath(whole->getIndex(i), whole->getNode(i));
   action->getState()->push();
   SoViewVolumeElement::set(action->getState(), this, grabViewVolume);
 
@@ -375,7 +383,8 @@ void VrmlBaseGroup::dispatchToGrabbingSensors(SoHandleEventAction* action) {
   dispatchingGrab = true;
   action->pushCurPath();
   const std::vector<int> order = orders().event;
-  for (std::size_t n = order.size() - orders().numSensors; n < order.size() && order[n] < childList->getLength(); ++n) {
+  for (std::size_t n = order.size() - orders().numSensors;
+       n < order.size() && order[n] < childList->getLength(); ++n) {
     auto* sensor = static_cast<VrmlNode*>((*childList)[order[n]]);
     action->popPushCurPath(order[n], sensor);
     action->traverse(sensor);
@@ -415,7 +424,8 @@ void VrmlBaseGroup::grabEventsCleanup() {
     grabbing = false;
     grabPath.reset();
     const Orders o = orders();  // what the sensors send may change the children
-    for (std::size_t n = o.event.size() - o.numSensors; n < o.event.size() && o.event[n] < childList->getLength(); ++n)
+    for (std::size_t n = o.event.size() - o.numSensors;
+         n < o.event.size() && o.event[n] < childList->getLength(); ++n)
       (*childList)[o.event[n]]->grabEventsCleanup();
   }
   unref();
@@ -427,7 +437,8 @@ void VrmlBaseGroup::notify(SoNotList* list) {
   const SoNotRec* record = list->getLastRec();
   const SoField* field = list->getLastField();
   if (record && (record->getType() == SoNotRec::CONTAINER || record->getType() == SoNotRec::PARENT)) {
-    const SoNode* source = list->getFirstRecAtNode() ? static_cast<SoNode*>(list->getFirstRecAtNode()->getBase()) : nullptr;
+    const SoNode* source =
+        list->getFirstRecAtNode() ? static_cast<SoNode*>(list->getFirstRecAtNode()->getBase()) : nullptr;
     const bool structural = field ? field->isOfType(VrmlMFChildren::getClassTypeId())
                                   : source && source->isOfType(VrmlNode::getClassTypeId()) &&
                                         static_cast<const VrmlNode*>(source)->holdsChildren();

@@ -29,8 +29,7 @@ namespace {
 // Cosine above which two directions count as the same.
 constexpr float nearlyParallel = 0.999F;
 
-template <class Action>
-void enableElements() {
+template <class Action> void enableElements() {
   SO_ENABLE(Action, SoModelMatrixElement);
   SO_ENABLE(Action, SoViewVolumeElement);
   SO_ENABLE(Action, SoViewingMatrixElement);
@@ -47,7 +46,9 @@ SbVec3f turnedBy(const SbMatrix& m, const SbVec3f& direction) {
   return normalized(result);
 }
 
-float angleBetween(const SbVec3f& a, const SbVec3f& b) { return std::acos(std::clamp(a.dot(b), -1.0F, 1.0F)); }
+float angleBetween(const SbVec3f& a, const SbVec3f& b) {
+  return std::acos(std::clamp(a.dot(b), -1.0F, 1.0F));
+}
 
 }  // namespace
 

@@ -74,8 +74,7 @@ void VrmlCullingGroup::initClass() {
 
 VrmlCullingGroup::VrmlCullingGroup() : VrmlCullingGroup(0) {}
 
-VrmlCullingGroup::VrmlCullingGroup(int expectedChildren)
-    : NodeClass(expectedChildren) {
+VrmlCullingGroup::VrmlCullingGroup(int expectedChildren) : NodeClass(expectedChildren) {
   children.setValue(childList.get());
   setUpFields();
   children.setDefault(FALSE);  // a group always writes its children
@@ -88,7 +87,8 @@ int VrmlCullingGroup::getNumRenderCaches() { return numRenderCaches; }
 
 bool VrmlCullingGroup::readBody(tessel::WorldReader& reader) {
   const tessel::NotifyOff a(static_cast<SoField&>(children)), b(static_cast<SoField&>(addChildren)),
-      c(static_cast<SoField&>(removeChildren)), d(static_cast<SoField&>(bboxCenter)), e(static_cast<SoField&>(bboxSize));
+      c(static_cast<SoField&>(removeChildren)), d(static_cast<SoField&>(bboxCenter)),
+      e(static_cast<SoField&>(bboxSize));
   return NodeClass::readBody(reader);
 }
 
@@ -108,8 +108,8 @@ void VrmlCullingGroup::updateBoundingBox(SoAction* action) {
     return;
   }
   const SbVec3f half = bboxSize.getValue() / 2;
-  caches().box.keep(action->getState(), SbXfBox3f(bboxCenter.getValue() - half, bboxCenter.getValue() + half), true,
-            SbVec3f(0, 0, 0));
+  caches().box.keep(action->getState(), SbXfBox3f(bboxCenter.getValue() - half, bboxCenter.getValue() + half),
+                    true, SbVec3f(0, 0, 0));
 }
 
 void VrmlCullingGroup::getBoundingBox(SoGetBoundingBoxAction* action) {
@@ -260,7 +260,8 @@ void VrmlCullingGroup::scheduleSensor(VrmlCullingGroup* group) {
     all.sensor = std::make_unique<SoOneShotSensor>(childSensorCB, nullptr);
     all.sensor->setPriority(0);
   }
-  if (std::ranges::none_of(all.groups, [=](const auto& g) { return g.get() == group; })) all.groups.emplace_back(group);
+  if (std::ranges::none_of(all.groups, [=](const auto& g) { return g.get() == group; }))
+    all.groups.emplace_back(group);
   all.sensor->schedule();
 }
 

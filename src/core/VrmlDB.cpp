@@ -83,7 +83,8 @@ std::optional<tessel::SourceText> takeTextOnce(SoInput* in, std::string& complai
 
 // A reader for a text with a V2 header. Null with the status that the read ends in.
 std::unique_ptr<WorldReader> makeReader(std::optional<tessel::SourceText> text, const std::string& fileName,
-                                        const std::string& complaint, const ReadOptions& options, ReadStatus& status) {
+                                        const std::string& complaint, const ReadOptions& options,
+                                        ReadStatus& status) {
   tessel::releaseLoops();  // what the last world left, where no delay queue runs
   status = ReadStatus::failed;
   if (!text) {
@@ -210,7 +211,8 @@ SoNode* VrmlDB::read(SoInput* in, ReadStatus& status, const ReadOptions& options
   return reader ? readAll(std::move(reader), status) : nullptr;
 }
 
-SoNode* VrmlDB::read(std::string_view bytes, const char* fileName, ReadStatus& status, const ReadOptions& options) {
+SoNode* VrmlDB::read(std::string_view bytes, const char* fileName, ReadStatus& status,
+                     const ReadOptions& options) {
   std::string complaint;
   auto text = tessel::takeText(bytes, fileName, complaint);
   auto reader = makeReader(std::move(text), fileName, complaint, options, status);

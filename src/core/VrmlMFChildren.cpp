@@ -81,7 +81,8 @@ void VrmlMFChildren::setChildren(std::span<SoNode* const> nodes) {
     wanted.reserve(nodes.size());
     VrmlBaseGroup* const group = groupOf(*this);
     for (SoNode* node : nodes)
-      if (VrmlNode* child = node && group ? group->acceptableChild(node) : asChild(node)) wanted.emplace_back(child);
+      if (VrmlNode* child = node && group ? group->acceptableChild(node) : asChild(node))
+        wanted.emplace_back(child);
 
     const tessel::NotifyOff silence(*this);
     if (group) {

@@ -61,7 +61,9 @@ void VrmlNode::doPreTraverse(VrmlPreTraverseAction*) {}
 int VrmlNode::isProtoOfType(const SoType&, int) { return 0; }
 void VrmlNode::notifyContainerOnly(const SoField*) {}
 std::uint32_t VrmlNode::getKidType() { return kidType; }
-int VrmlNode::hasKidType(int mask) { return static_cast<int>(getKidType() & static_cast<std::uint32_t>(mask)); }
+int VrmlNode::hasKidType(int mask) {
+  return static_cast<int>(getKidType() & static_cast<std::uint32_t>(mask));
+}
 int VrmlNode::getFieldType(const SoField*) const { return static_cast<int>(tessel::FieldKind::internal); }
 int VrmlNode::isVrmlRoute(const SoField*, const SoField*) const { return 1; }
 int VrmlNode::isSpatial() const { return 1; }
@@ -110,7 +112,9 @@ void VrmlNode::initializeField(SoField* field) {
   if (type == tessel::ValueType::children)
     static_cast<VrmlMFChildren*>(field)->setValue(nullptr);
   else
-    tessel::setToDefault(*field, {.name = {}, .kind = tessel::FieldKind::internal, .type = type, .in = nullptr, .initial = {}});
+    tessel::setToDefault(
+        *field,
+        {.name = {}, .kind = tessel::FieldKind::internal, .type = type, .in = nullptr, .initial = {}});
 }
 
 SoNode* VrmlNode::deepCopy(const VrmlNode* node, int copyConnections) {

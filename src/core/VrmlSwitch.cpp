@@ -85,9 +85,14 @@ void VrmlSwitch::GLRenderBelowPath(SoGLRenderAction* action) { doAction(action);
 
 void VrmlSwitch::GLRenderInPath(SoGLRenderAction* action) {
   switch (action->getCurPathCode()) {
-    case SoAction::IN_PATH: doAction(action); break;
-    case SoAction::BELOW_PATH: GLRenderBelowPath(action); break;
-    default: break;
+    case SoAction::IN_PATH:
+      doAction(action);
+      break;
+    case SoAction::BELOW_PATH:
+      GLRenderBelowPath(action);
+      break;
+    default:
+      break;
   }
 }
 

@@ -42,8 +42,7 @@ SbMatrix scale(const SbVec3f& by) {
 
 SbVec3f reciprocal(const SbVec3f& v) { return {1 / v[0], 1 / v[1], 1 / v[2]}; }
 
-template <class Field, class Value>
-void setIfDifferent(Field& field, const Value& value) {
+template <class Field, class Value> void setIfDifferent(Field& field, const Value& value) {
   if (field.getValue() != value) field.setValue(value);
 }
 
@@ -76,8 +75,9 @@ VrmlTransform::~VrmlTransform() = default;
 void VrmlTransform::doTransform(SoAction* action) {
   SoState* state = action->getState();
   // A connection may have a value waiting that makes the field a used one.
-  for (SoField* field : {static_cast<SoField*>(&translation), static_cast<SoField*>(&rotation), static_cast<SoField*>(&scale),
-                         static_cast<SoField*>(&scaleOrientation), static_cast<SoField*>(&center)})
+  for (SoField* field :
+       {static_cast<SoField*>(&translation), static_cast<SoField*>(&rotation), static_cast<SoField*>(&scale),
+        static_cast<SoField*>(&scaleOrientation), static_cast<SoField*>(&center)})
     field->evaluate();
   const bool centered = isUsed(center);
   if (isUsed(translation)) SoModelMatrixElement::translateBy(state, this, translation.getValue());
@@ -121,7 +121,8 @@ void VrmlTransform::getTranslationSpaceMatrix(SbMatrix& mat, SbMatrix& inv) cons
   mat.makeIdentity();
   inv.makeIdentity();
   MatrixPair pair{mat, inv};
-  if (isUsed(translation)) pair.step(::translation(translation.getValue()), ::translation(-translation.getValue()));
+  if (isUsed(translation))
+    pair.step(::translation(translation.getValue()), ::translation(-translation.getValue()));
   if (isUsed(center)) pair.step(::translation(center.getValue()), ::translation(-center.getValue()));
   SbMatrix below, belowInverse;
   getRotationSpaceMatrix(below, belowInverse);
@@ -134,7 +135,8 @@ void VrmlTransform::getMatrix(SoGetMatrixAction* action) {
 
   MatrixPair pair{action->getMatrix(), action->getInverse()};
   const bool centered = isUsed(center);
-  if (isUsed(translation)) pair.step(::translation(translation.getValue()), ::translation(-translation.getValue()));
+  if (isUsed(translation))
+    pair.step(::translation(translation.getValue()), ::translation(-translation.getValue()));
   if (centered) pair.step(::translation(center.getValue()), ::translation(-center.getValue()));
   if (isUsed(rotation)) pair.step(::rotation(rotation.getValue()), ::rotation(rotation.getValue().inverse()));
   if (isUsed(scale)) {

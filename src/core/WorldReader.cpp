@@ -61,8 +61,11 @@ PrototypeHooks& prototypeHooks() {
 }
 
 WorldReader::WorldReader(SourceText text, const ReadOptions& o)
-    : source(std::move(text)), sourceName(source.fileName.c_str()), readOptions(o),
-      tokens((source.bytes.empty() ? source.text : std::string_view(source.bytes)).substr(source.bodyStart), source.bodyLine) {}
+    : source(std::move(text)),
+      sourceName(source.fileName.c_str()),
+      readOptions(o),
+      tokens((source.bytes.empty() ? source.text : std::string_view(source.bytes)).substr(source.bodyStart),
+             source.bodyLine) {}
 
 bool WorldReader::error(const char* format, ...) {
   va_list arguments;
@@ -249,7 +252,8 @@ SoRef<VrmlNode> WorldReader::readDefinition(std::string_view defName, std::strin
   const std::uint64_t inside = open.back().expanded;
   open.pop_back();
   if (!ok || !addExpanded(inside)) return {};
-  if (own && own->node.get() == node.get()) own->expanded = inside;  // unless the name was given anew in there
+  if (own && own->node.get() == node.get())
+    own->expanded = inside;  // unless the name was given anew in there
   if (!tokens.take('}')) {
     if (const int c = tokens.peek(); c < 0)
       error("The file ends inside of \"%s\"", node->getFileFormatName());
@@ -301,17 +305,19 @@ bool WorldReader::readEventForm(VrmlNode& node, std::string_view name) {
   const auto readIS = prototypeHooks().readIS;
   if (readIS && readIS(*this, name, found.field, failed)) return true;
   if (failed) return false;
-  return error("A value was given to the event \"%.*s\"; it belongs to \"%.*s\"", static_cast<int>(name.size()), name.data(),
-               static_cast<int>(plain.size()), plain.data());
+  return error("A value was given to the event \"%.*s\"; it belongs to \"%.*s\"",
+               static_cast<int>(name.size()), name.data(), static_cast<int>(plain.size()), plain.data());
 }
 
 bool WorldReader::readFieldValue(SoField& field, ValueType type, std::string_view fieldName) {
   bool failed = false;
-  if (const auto readIS = prototypeHooks().readIS; readIS && readIS(*this, fieldName, &field, failed)) return true;
+  if (const auto readIS = prototypeHooks().readIS; readIS && readIS(*this, fieldName, &field, failed))
+    return true;
   if (failed) return false;
   const int before = errors;
   if (readValue(*this, field, type)) return true;
-  if (errors == before) error("Couldn't read value for field \"%.*s\"", static_cast<int>(fieldName.size()), fieldName.data());
+  if (errors == before)
+    error("Couldn't read value for field \"%.*s\"", static_cast<int>(fieldName.size()), fieldName.data());
   return false;
 }
 
@@ -321,7 +327,8 @@ VrmlNode* WorldReader::findReference(std::string_view name) const {
 }
 
 WorldReader::Reference& WorldReader::addReference(std::string_view name, VrmlNode* node) {
-  Reference& entry = references->insert_or_assign(std::string(name), Reference{SoRef<VrmlNode>(node)}).first->second;
+  Reference& entry =
+      references->insert_or_assign(std::string(name), Reference{SoRef<VrmlNode>(node)}).first->second;
   if (!isGenerated(name)) {
     const std::string_view plain = withoutInstanceSuffix(name);
     const SbName& def = node->getDefName();
@@ -330,6 +337,8 @@ WorldReader::Reference& WorldReader::addReference(std::string_view name, VrmlNod
   return entry;
 }
 
-WorldReader::References* WorldReader::setReferences(References* other) { return std::exchange(references, other); }
+WorldReader::References* WorldReader::setReferences(References* other) {
+  return std::exchange(references, other);
+}
 
 }  // namespace tessel

@@ -55,7 +55,9 @@ public:
   };
   struct NameHash {
     using is_transparent = void;
-    std::size_t operator()(std::string_view name) const noexcept { return std::hash<std::string_view>{}(name); }
+    std::size_t operator()(std::string_view name) const noexcept {
+      return std::hash<std::string_view>{}(name);
+    }
   };
   using References = std::unordered_map<std::string, Reference, NameHash, std::equal_to<>>;
 
@@ -125,6 +127,5 @@ private:
   std::uint64_t expanded = 0;  // of the nodes at file level
   int errors = 0;
 };
-
 
 }  // namespace tessel

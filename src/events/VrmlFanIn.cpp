@@ -30,7 +30,8 @@ void VrmlFanIn::initClass() {
 }
 
 VrmlFanIn::VrmlFanIn(const SoType& type)
-    : fieldType(type), inputData(std::make_unique<SoFieldData>()),
+    : fieldType(type),
+      inputData(std::make_unique<SoFieldData>()),
       outputData(std::make_unique<SoEngineOutputData>()) {
   isBuiltIn = TRUE;
   output.setContainer(this);

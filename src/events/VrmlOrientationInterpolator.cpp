@@ -10,8 +10,8 @@ using tessel::fieldSpec;
 std::span<const FieldSpec> VrmlOrientationInterpolator::fields() {
   static constexpr FieldSpec table[] = {
       fieldSpec<&VrmlOrientationInterpolator::keyValue>("keyValue", FieldKind::exposedField, {0, 0, 1, 0}),
-      fieldSpec<&VrmlOrientationInterpolator::value_changed>("value_changed",
-          FieldKind::eventOut, {0, 0, 1, 0}),
+      fieldSpec<&VrmlOrientationInterpolator::value_changed>("value_changed", FieldKind::eventOut,
+                                                             {0, 0, 1, 0}),
   };
   return table;
 }

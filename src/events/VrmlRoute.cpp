@@ -59,8 +59,8 @@ std::string endName(const SoField* end) {
 }
 
 void warnOfDuplicate(const SoField* from, const SoField* to) {
-  tessel::postReadWarning("VrmlRoute::add",
-                          "ROUTE already exists from " + endName(from) + " to " + endName(to) + "!  Ignoring...");
+  tessel::postReadWarning("VrmlRoute::add", "ROUTE already exists from " + endName(from) + " to " +
+                                                endName(to) + "!  Ignoring...");
 }
 
 // Takes the value of `from` from its next event on.

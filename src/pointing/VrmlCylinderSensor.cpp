@@ -14,8 +14,8 @@ std::span<const FieldSpec> VrmlCylinderSensor::fields() {
       fieldSpec<&VrmlCylinderSensor::diskAngle>("diskAngle", FieldKind::exposedField, {0.262}),
       fieldSpec<&VrmlCylinderSensor::offset>("offset", FieldKind::exposedField, {0}),
       fieldSpec<&VrmlCylinderSensor::autoOffset>("autoOffset", FieldKind::exposedField, {true}),
-      fieldSpec<&VrmlCylinderSensor::trackPoint_changed>("trackPoint_changed",
-          FieldKind::eventOut, {0, 0, 0}),
+      fieldSpec<&VrmlCylinderSensor::trackPoint_changed>("trackPoint_changed", FieldKind::eventOut,
+                                                         {0, 0, 0}),
       fieldSpec<&VrmlCylinderSensor::rotation_changed>("rotation_changed", FieldKind::eventOut, {0, 0, 1, 0}),
   };
   return table;

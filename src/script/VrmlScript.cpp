@@ -93,7 +93,8 @@ bool VrmlScript::readDeclaration(tessel::WorldReader& reader, const Keyword& key
     return reader.error("A Script declares more than %d fields and events", static_cast<int>(maxDeclared));
   SoField* field = addField(keyword.kind, type, name.c_str());
   if (declared.back().kind == FieldKind::internal)
-    reader.warning("VrmlScript::readDeclaration", "\"%s\" is declared twice; the first declaration counts", name.c_str());
+    reader.warning("VrmlScript::readDeclaration", "\"%s\" is declared twice; the first declaration counts",
+                   name.c_str());
   if (keyword.kind == FieldKind::field) return reader.readFieldValue(*field, type, name);
   bool failed = false;
   if (const auto readIS = tessel::prototypeHooks().readIS) readIS(reader, name, field, failed);
@@ -102,7 +103,8 @@ bool VrmlScript::readDeclaration(tessel::WorldReader& reader, const Keyword& key
 
 static void discountCopy(const SoNode* original, SoNode* copy) {
   if (!original || !copy || copy == original || !original->isOfType(VrmlNode::getClassTypeId())) return;
-  if (static_cast<const VrmlNode*>(original)->getDiscounted() > 0) static_cast<VrmlNode*>(copy)->discountReference();
+  if (static_cast<const VrmlNode*>(original)->getDiscounted() > 0)
+    static_cast<VrmlNode*>(copy)->discountReference();
 }
 
 void VrmlScript::copyContents(const SoFieldContainer* from, SbBool copyConnections) {
@@ -114,11 +116,13 @@ void VrmlScript::copyContents(const SoFieldContainer* from, SbBool copyConnectio
     const SoField* original = from->getField(one.name);
     if (!original || one.kind == FieldKind::internal) continue;
     if (tessel::valueTypeOf(*one.field) == ValueType::sfNode)
-      discountCopy(static_cast<const SoSFNode*>(original)->getValue(), static_cast<SoSFNode&>(*one.field).getValue());
+      discountCopy(static_cast<const SoSFNode*>(original)->getValue(),
+                   static_cast<SoSFNode&>(*one.field).getValue());
     if (tessel::valueTypeOf(*one.field) == ValueType::mfNode) {
       const auto& originals = *static_cast<const SoMFNode*>(original);
       const auto& copies = static_cast<SoMFNode&>(*one.field);
-      for (int i = 0; i < std::min(originals.getNum(), copies.getNum()); ++i) discountCopy(originals[i], copies[i]);
+      for (int i = 0; i < std::min(originals.getNum(), copies.getNum()); ++i)
+        discountCopy(originals[i], copies[i]);
     }
   }
 }

@@ -49,8 +49,8 @@ using PartsFunction = void (*)(GLenum, const GLsizei*, GLenum, const void* const
 
 // Null if there is none. It is the same for all contexts that have it.
 PartsFunction partsFunction(std::uint32_t context) {
-  static const auto function =
-      reinterpret_cast<PartsFunction>(cc_glglue_getprocaddress(glueOf(context), "glMultiDrawElementsBaseVertex"));
+  static const auto function = reinterpret_cast<PartsFunction>(
+      cc_glglue_getprocaddress(glueOf(context), "glMultiDrawElementsBaseVertex"));
   return cc_glglue_glversion_matches_at_least(glueOf(context), 3, 2, 0) ? function : nullptr;
 }
 

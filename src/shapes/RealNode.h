@@ -8,8 +8,7 @@
 namespace tessel {
 
 /// The node of class T that a field holds, through prototype instances; null if it holds none.
-template <class T>
-T* realNode(const VrmlSFNode& field) {
+template <class T> T* realNode(const VrmlSFNode& field) {
   SoNode* node = field.getRealValue();
   return node && node->isOfType(T::getClassTypeId()) ? static_cast<T*>(node) : nullptr;
 }

@@ -99,8 +99,7 @@ bool fastValue(const Decimal& d, float& out) {
   return true;
 }
 
-template <class T>
-T valueOf(const Decimal& d, const char* from, const char* to) {
+template <class T> T valueOf(const Decimal& d, const char* from, const char* to) {
   T value = 0;
   if (d.mantissa == 0) return d.negative ? -value : value;
   if (fastValue(d, value)) return d.negative ? -value : value;
@@ -127,15 +126,20 @@ const std::array<std::uint8_t, 256> Lexer::classes = [] {
 }();
 
 Lexer::Lexer(std::string_view text, int firstLine)
-    : cursor(text.data()), end(text.data() + text.size()), tokenStart(cursor), countedTo(cursor),
-      lineNumber(firstLine), hasCR(text.find('\r') != std::string_view::npos) {}
+    : cursor(text.data()),
+      end(text.data() + text.size()),
+      tokenStart(cursor),
+      countedTo(cursor),
+      lineNumber(firstLine),
+      hasCR(text.find('\r') != std::string_view::npos) {}
 
 const char* Lexer::lineEnd(const char* from) const {
   const auto left = static_cast<std::size_t>(end - from);
   const auto* lf = static_cast<const char*>(std::memchr(from, '\n', left));
   const char* stop = lf ? lf : end;
   if (hasCR)
-    if (const auto* cr = static_cast<const char*>(std::memchr(from, '\r', static_cast<std::size_t>(stop - from))))
+    if (const auto* cr =
+            static_cast<const char*>(std::memchr(from, '\r', static_cast<std::size_t>(stop - from))))
       return cr;
   return stop;
 }
@@ -175,7 +179,8 @@ std::string_view Lexer::name() {
 std::string_view Lexer::referenceName() {
   const std::string_view plain = name();
   const char* p = cursor;
-  if (plain.empty() || plain.data() + plain.size() != p || end - p < 2 || *p != '+' || !isDigit(p[1])) return plain;
+  if (plain.empty() || plain.data() + plain.size() != p || end - p < 2 || *p != '+' || !isDigit(p[1]))
+    return plain;
   for (++p; p != end && isDigit(*p);) ++p;
   cursor = p;
   return {plain.data(), static_cast<std::size_t>(p - plain.data())};
@@ -230,8 +235,7 @@ bool Lexer::number(double& out) {
   return true;
 }
 
-template <class T>
-bool Lexer::integer(T& out) {
+template <class T> bool Lexer::integer(T& out) {
   skipSpace();
   const char* p = cursor;
   bool negative = false;
@@ -252,7 +256,8 @@ bool Lexer::integer(T& out) {
   }
   if (p == first) return false;
   const auto signedValue = negative ? -static_cast<std::int64_t>(value) : static_cast<std::int64_t>(value);
-  if (signedValue < std::numeric_limits<T>::min() || signedValue > std::numeric_limits<T>::max()) return false;
+  if (signedValue < std::numeric_limits<T>::min() || signedValue > std::numeric_limits<T>::max())
+    return false;
   out = static_cast<T>(signedValue);
   cursor = p;
   return true;
@@ -267,7 +272,9 @@ std::size_t Lexer::countToBracket() const {
   const auto* bracket = static_cast<const char*>(std::memchr(cursor, ']', bytesLeft()));
   const auto length = static_cast<std::size_t>((bracket ? bracket : end) - cursor);
   if (length == 0) return 0;
-  const auto isBlank = [](char c) { return static_cast<unsigned>((c >= 0) & (c <= ' ')) | static_cast<unsigned>(c == ','); };
+  const auto isBlank = [](char c) {
+    return static_cast<unsigned>((c >= 0) & (c <= ' ')) | static_cast<unsigned>(c == ',');
+  };
   std::size_t count = 1 - isBlank(cursor[0]);
   constexpr std::size_t blockLength = 128;  // so that a block's count fits a byte
   std::size_t i = 1;

@@ -25,7 +25,8 @@ std::string occurredAt(const std::string& fileName, int line) {
 // They ask for its version too: without a text of its own it would look for a header in standard input, and wait there.
 class LocatedInput : public SoInput {
 public:
-  explicit LocatedInput(const std::string& text) : location(text.starts_with('\n') ? text.c_str() + 1 : text.c_str()) {
+  explicit LocatedInput(const std::string& text)
+      : location(text.starts_with('\n') ? text.c_str() + 1 : text.c_str()) {
     static constexpr std::string_view header = "#Inventor V2.1 ascii\n";
     setBuffer(header.data(), header.size());
   }
@@ -44,7 +45,9 @@ void post(const std::string& location, const std::string& text) {
 
 ReadScope* ReadScope::innermost = nullptr;
 
-ReadScope::ReadScope(Lexer& l, const std::string& f) : lexer(l), fileName(f), outer(innermost) { innermost = this; }
+ReadScope::ReadScope(Lexer& l, const std::string& f) : lexer(l), fileName(f), outer(innermost) {
+  innermost = this;
+}
 ReadScope::~ReadScope() { innermost = outer; }
 
 std::string readLocation() {

@@ -100,7 +100,9 @@ void findBody(SourceText& source, std::size_t from) {
   const std::size_t lineEnd = std::min(text.find_first_of("\r\n", mark), text.size());
   source.header = headerOf(text.substr(mark, lineEnd - mark));
   source.bodyStart = std::min(std::max(source.header == Header::none ? mark : lineEnd, from), text.size());
-  source.bodyLine = 1 + static_cast<int>(std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(source.bodyStart), '\n'));
+  source.bodyLine =
+      1 + static_cast<int>(
+              std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(source.bodyStart), '\n'));
 }
 
 // The bytes of a file on disk; nothing for what is no regular file.
@@ -146,7 +148,8 @@ bool unpackIfNeeded(SourceText& source, std::string& complaint) {
 
 }  // namespace
 
-std::optional<SourceText> takeText(std::string_view bytes, std::string_view fileName, std::string& complaint) {
+std::optional<SourceText> takeText(std::string_view bytes, std::string_view fileName,
+                                   std::string& complaint) {
   std::optional<SourceText> source(std::in_place);
   source->text = bytes;
   source->fileName = fileName;

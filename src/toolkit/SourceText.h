@@ -14,15 +14,15 @@ enum class Header {
   vrml2,     ///< one of the three V2 headers
   vrml2Odd,  ///< the same with several blanks or other letter case: passes with a warning
   vrml1,
-  toolkit,   ///< an Inventor file
+  toolkit,  ///< an Inventor file
   none,
 };
 
 /// The text of a world and where its body starts.
 struct SourceText {
-  std::string bytes;     ///< the whole text, or for `view` none
-  std::string_view text; ///< the whole text, of `bytes` or of the caller's memory
-  std::string fileName;  ///< for messages
+  std::string bytes;      ///< the whole text, or for `view` none
+  std::string_view text;  ///< the whole text, of `bytes` or of the caller's memory
+  std::string fileName;   ///< for messages
   Header header = Header::none;
   std::size_t bodyStart = 0;  ///< behind header line and byte-order mark
   int bodyLine = 1;           ///< the line number there

@@ -29,9 +29,10 @@ INSTANTIATE_TEST_SUITE_P(
                     Case{"http://host/a/b/c.wrl?q#f", "#Start", "http://host/a/b/c.wrl#Start"},
                     Case{"http://host/a/#f", "#Start", "http://host/a/#f#Start"},
                     Case{"http://host/a/b/c.wrl", "  e.wrl", "http://host/a/b/e.wrl"},
-                    Case{"http://host/a/b/c.wrl", "mailto:x", "mailto:x"}, Case{"file:c.wrl", "d.wrl", "file:d.wrl"},
-                    Case{"file:/x/c.wrl", "/d.wrl", "file:/d.wrl"}, Case{"ftp://host/a/c.wrl", "/d.wrl", "/d.wrl"},
-                    Case{"c.wrl", "d.wrl", "d.wrl"}, Case{"", "d.wrl", "d.wrl"}, Case{"http://h/c", "", ""},
+                    Case{"http://host/a/b/c.wrl", "mailto:x", "mailto:x"},
+                    Case{"file:c.wrl", "d.wrl", "file:d.wrl"}, Case{"file:/x/c.wrl", "/d.wrl", "file:/d.wrl"},
+                    Case{"ftp://host/a/c.wrl", "/d.wrl", "/d.wrl"}, Case{"c.wrl", "d.wrl", "d.wrl"},
+                    Case{"", "d.wrl", "d.wrl"}, Case{"http://h/c", "", ""},
                     Case{"http://host/a/", "b..c/d/../e", "http://host/a/b..c/d/../e"},
                     Case{"/", "../x", "/../x"}, Case{"/a/b/c", "./d", "/a/b/./d"}));
 

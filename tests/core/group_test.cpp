@@ -3,13 +3,13 @@
 
 #include <numbers>
 
+#include <Inventor/actions/SoCallbackAction.h>
 #include <Inventor/actions/SoGetBoundingBoxAction.h>
 #include <Inventor/actions/SoGetMatrixAction.h>
 #include <Inventor/actions/SoSearchAction.h>
 #include <Inventor/elements/SoModelMatrixElement.h>
 #include <Inventor/elements/SoViewVolumeElement.h>
 #include <Inventor/elements/SoViewingMatrixElement.h>
-#include <Inventor/actions/SoCallbackAction.h>
 #include <Inventor/nodes/SoPerspectiveCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
 
@@ -46,8 +46,9 @@ void expectNear(const SbVec3f& got, const SbVec3f& expected, float tolerance = 1
 constexpr const char* unitBox = "Shape { geometry Box { } }";
 
 TEST(Group, LightsAreDrawnFirstAndSensorsAskedLast) {
-  const TestWorld world("Group { children [ TouchSensor { } Group { } DirectionalLight { } PlaneSensor { } "
-                        "DirectionalLight { on FALSE } WorldInfo { } ] }");
+  const TestWorld world(
+      "Group { children [ TouchSensor { } Group { } DirectionalLight { } PlaneSensor { } "
+      "DirectionalLight { on FALSE } WorldInfo { } ] }");
   const auto* group = static_cast<VrmlGroup*>(world.root());
   EXPECT_EQ(group->getRenderOrder(), (std::vector<int>{2, 4, 0, 1, 3, 5}));
   EXPECT_EQ(group->getEventOrder(), (std::vector<int>{1, 2, 4, 5, 0, 3}));
@@ -117,7 +118,9 @@ TEST(Group, ChangesOfChildrenAreReportedThroughTheField) {
 }
 
 TEST(Group, BoxesAreCachedAndFollowChanges) {
-  const TestWorld world(std::string_view(std::string("DEF G Group { children DEF T Transform { translation 5 0 0 children ") + unitBox + " } }"));
+  const TestWorld world(
+      std::string_view(std::string("DEF G Group { children DEF T Transform { translation 5 0 0 children ") +
+                       unitBox + " } }"));
   auto* group = world.get<VrmlGroup>("G");
   for (int again = 0; again < 2; ++again) expectNear(boxOf(group).getCenter(), SbVec3f(5, 0, 0));
   world.get<VrmlTransform>("T")->translation.setValue(0, 7, 0);
@@ -127,7 +130,8 @@ TEST(Group, BoxesAreCachedAndFollowChanges) {
 }
 
 TEST(Group, ADeclaredBoxHidesTheChildren) {
-  const TestWorld world(std::string_view(std::string("Group { bboxCenter 1 1 1 bboxSize 2 4 6 children ") + unitBox + " }"));
+  const TestWorld world(
+      std::string_view(std::string("Group { bboxCenter 1 1 1 bboxSize 2 4 6 children ") + unitBox + " }"));
   expectNear(boxOf(world.root()).getMin(), SbVec3f(0, -1, -2));
   expectNear(boxOf(world.root()).getMax(), SbVec3f(2, 3, 4));
 }
@@ -149,7 +153,8 @@ TEST(Group, NoEventMakesAGroupItsOwnDescendant) {
 }
 
 TEST(Group, CopiesKeepSharing) {
-  const TestWorld world("Group { children [ Group { children DEF W WorldInfo { title \"x\" } } Group { children USE W } ] }");
+  const TestWorld world(
+      "Group { children [ Group { children DEF W WorldInfo { title \"x\" } } Group { children USE W } ] }");
   const auto* original = world.get<VrmlWorldInfo>("W");
   SoRef<SoNode> copy(VrmlNode::deepCopy(static_cast<VrmlNode*>(world.root()), 1));
   const auto* root = static_cast<VrmlGroup*>(copy.get());
@@ -170,8 +175,9 @@ TEST(Group, SearchFindsPathsThroughIt) {
 }
 
 TEST(Transform, PointsGoThroughAllStagesInOrder) {
-  const TestWorld world("Transform { translation 1 2 3 rotation 0 0 1 1.570796 scale 2 3 4 "
-                        "scaleOrientation 0 0 1 0.785398 center 1 0 0 }");
+  const TestWorld world(
+      "Transform { translation 1 2 3 rotation 0 0 1 1.570796 scale 2 3 4 "
+      "scaleOrientation 0 0 1 0.785398 center 1 0 0 }");
   auto* t = static_cast<VrmlTransform*>(world.root());
   const auto about = [](const SbVec3f& axis, float angle, const SbVec3f& p) {
     SbVec3f r;
@@ -204,7 +210,8 @@ TEST(Transform, AMatrixBecomesFieldsAndBack) {
   SoRef<VrmlTransform> t(new VrmlTransform);
   t->center.setValue(1, 2, 3);
   SbMatrix m;
-  m.setTransform(SbVec3f(4, 5, 6), SbRotation(SbVec3f(1, 1, 0), 0.7F), SbVec3f(1, 2, 3), SbRotation(SbVec3f(0, 1, 0), 0.4F));
+  m.setTransform(SbVec3f(4, 5, 6), SbRotation(SbVec3f(1, 1, 0), 0.7F), SbVec3f(1, 2, 3),
+                 SbRotation(SbVec3f(0, 1, 0), 0.4F));
   t->setMatrix(m);
   EXPECT_TRUE(matrixOf(t.get()).equals(m, 1e-3F));
   EXPECT_EQ(t->center.getValue(), SbVec3f(1, 2, 3));
@@ -264,7 +271,8 @@ TEST(Billboard, TurnsToTheViewer) {
   }
   const SbRotation kept = static_cast<VrmlBillboard*>(node)->getRotationAmount();
   turnedFor(node, SbVec3f(0, 10, 0.01F));
-  EXPECT_TRUE(static_cast<VrmlBillboard*>(node)->getRotationAmount().equals(kept, 1e-6F)) << "the viewer stands on the axis";
+  EXPECT_TRUE(static_cast<VrmlBillboard*>(node)->getRotationAmount().equals(kept, 1e-6F))
+      << "the viewer stands on the axis";
 
   const TestWorld facing("Billboard { axisOfRotation 0 0 0 children WorldInfo { } }");
   SbVec3f toViewer(3, 4, 5);

@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include <charconv>
 #include <bit>
+#include <charconv>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -15,8 +15,7 @@ using tessel::Lexer;
 
 namespace {
 
-template <class T>
-std::pair<bool, T> read(std::string text) {
+template <class T> std::pair<bool, T> read(std::string text) {
   Lexer lexer(text);
   T value{};
   const bool ok = lexer.number(value);
@@ -47,8 +46,10 @@ TEST(Lexer, FractionsBetweenTwoFloatsRoundOnce) {
   std::mt19937 random(2);
   char text[64];
   for (int i = 0; i < 20000; ++i) {
-    const float below = std::ldexp(static_cast<float>((1U << 23) + random() % (1U << 23)), static_cast<int>(random() % 60) - 50);
-    const double between = (static_cast<double>(below) + static_cast<double>(std::nextafter(below, 2 * below))) / 2;
+    const float below = std::ldexp(static_cast<float>((1U << 23) + random() % (1U << 23)),
+                                   static_cast<int>(random() % 60) - 50);
+    const double between =
+        (static_cast<double>(below) + static_cast<double>(std::nextafter(below, 2 * below))) / 2;
     std::snprintf(text, sizeof text, "%.*g", 14 + i % 4, between);
     float expected = 0;
     std::from_chars(text, text + std::strlen(text), expected);
@@ -68,7 +69,8 @@ TEST(Lexer, FractionsHaveManySpellings) {
   EXPECT_EQ(read<float>("1e-999").second, 0.0F);
   EXPECT_EQ(read<float>(std::string(5000, '9')).second, std::numeric_limits<float>::max());
   EXPECT_EQ(read<float>("0." + std::string(5000, '0') + "1").second, 0.0F);
-  for (const char* none : {"nan", "inf", "-", "+.", ".", "e5", "-x", ""}) EXPECT_FALSE(read<float>(none).first) << none;
+  for (const char* none : {"nan", "inf", "-", "+.", ".", "e5", "-x", ""})
+    EXPECT_FALSE(read<float>(none).first) << none;
 }
 
 TEST(Lexer, WholeNumbersStayIn32Bits) {

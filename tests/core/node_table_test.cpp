@@ -74,7 +74,8 @@ Table readTable() {
 // Inherited fields come first.
 std::vector<ExpectedField> allFields(const Table& table, const std::string& name) {
   const ExpectedClass& one = table.at(name);
-  std::vector<ExpectedField> fields = one.parent.empty() ? std::vector<ExpectedField>{} : allFields(table, one.parent);
+  std::vector<ExpectedField> fields =
+      one.parent.empty() ? std::vector<ExpectedField>{} : allFields(table, one.parent);
   fields.insert(fields.end(), one.own.begin(), one.own.end());
   return fields;
 }
@@ -86,7 +87,8 @@ const char* wordOf(int kind) {
 
 bool haveEqualValues(const SoField& a, const SoField& b) {
   if (a.isOfType(SoSFRotation::getClassTypeId()))
-    return static_cast<const SoSFRotation&>(a).getValue().equals(static_cast<const SoSFRotation&>(b).getValue(), 1e-6f);
+    return static_cast<const SoSFRotation&>(a).getValue().equals(
+        static_cast<const SoSFRotation&>(b).getValue(), 1e-6f);
   return a == b;
 }
 
@@ -169,10 +171,12 @@ TEST(NodeTable, TellsAWrongFieldFromARightOne) {
   const TestWorld right("Group { children [ Shape { geometry Box { } } TouchSensor { enabled FALSE } ] }");
   EXPECT_EQ(right.status, ReadStatus::world);
   EXPECT_TRUE(right.messages.empty()) << right.messages.text();
-  const TestWorld wrong("Group { children [\n Shape { geometry Box { } }\n TouchSensor { autoOffset FALSE } ] }");
+  const TestWorld wrong(
+      "Group { children [\n Shape { geometry Box { } }\n TouchSensor { autoOffset FALSE } ] }");
   EXPECT_EQ(wrong.status, ReadStatus::failed);
   ASSERT_FALSE(wrong.messages.empty());
-  EXPECT_NE(wrong.messages.all()[0].find("Unknown field \"autoOffset\"\n\tOccurred at line   4"), std::string::npos)
+  EXPECT_NE(wrong.messages.all()[0].find("Unknown field \"autoOffset\"\n\tOccurred at line   4"),
+            std::string::npos)
       << wrong.messages.text();
 }
 
@@ -182,7 +186,8 @@ TEST(NodeTable, ValuesWithNamesAreReadByThem) {
   ASSERT_TRUE(highlight) << world.messages.text();
   EXPECT_EQ(highlight->mode.getValue(), VrmlLocateHighlight::OFF);
   EXPECT_EQ(highlight->style.getValue(), VrmlLocateHighlight::EMISSIVE_DIFFUSE);
-  for (const char* wrong : {"LocateHighlight { mode off }", "LocateHighlight { mode 1 }", "LocateHighlight { mode }"}) {
+  for (const char* wrong :
+       {"LocateHighlight { mode off }", "LocateHighlight { mode 1 }", "LocateHighlight { mode }"}) {
     const TestWorld refused(wrong);
     EXPECT_EQ(refused.status, ReadStatus::failed) << wrong;
     EXPECT_EQ(refused.messages.count("Couldn't read value for field \"mode\""), 1) << refused.messages.text();

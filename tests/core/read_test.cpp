@@ -56,13 +56,15 @@ INSTANTIATE_TEST_SUITE_P(
         Fault{"Camera { }", "class \"Camera\" is an abstract class"},
         Fault{"SFVec3f { }", "\"SFVec3f\" is not an SoBase"},
         Fault{"NavigationInfo { headlight 1 }", "Unknown value (\"1\") for SoSFBool (must be TRUE or FALSE)"},
-        Fault{"NavigationInfo { headlight true }", "Unknown value (\"true\") for SoSFBool (must be TRUE or FALSE)"},
+        Fault{"NavigationInfo { headlight true }",
+              "Unknown value (\"true\") for SoSFBool (must be TRUE or FALSE)"},
         Fault{"Transform { translation 1 2 x }", "Couldn't read value for field \"translation\""},
         Fault{"Transform { translation 1 2 nan }", "Couldn't read value for field \"translation\""},
         Fault{"WorldInfo { info [ \"a\" \"b\" \n} ] }", "Couldn't read value 3 of field", 3},
         Fault{"WorldInfo { info [ \"a\"", "Couldn't read value 2 of field"},
         Fault{"WorldInfo { title \"a", "The file ends inside of a string"},
-        Fault{"Transform { set_translation 1 0 0 }", "A value was given to the event \"set_translation\"; it belongs to \"translation\""},
+        Fault{"Transform { set_translation 1 0 0 }",
+              "A value was given to the event \"set_translation\"; it belongs to \"translation\""},
         Fault{"Group { children [ USE A DEF A Group { } ] }", "Unknown reference \"A\""},
         Fault{"DEF A Group { children Group { children USE A } }", "USE of \"A\" inside itself"},
         Fault{"Group { children [ Group { ] }", "A field name or \"}\" was expected at \"]\" in \"Group\""},
@@ -71,7 +73,8 @@ INSTANTIATE_TEST_SUITE_P(
         Fault{"Group [ ]", "\"{\" was expected behind \"Group\""},
         Fault{"NULL", "NULL is no node for the top level of a world"},
         Fault{"DEF { }", "A name was expected behind DEF"},
-        Fault{"Shape { geometry IndexedLineSet { coordIndex [ 0 1 2147483648 ] } }", "Couldn't read value 3 of field"}));
+        Fault{"Shape { geometry IndexedLineSet { coordIndex [ 0 1 2147483648 ] } }",
+              "Couldn't read value 3 of field"}));
 
 TEST(Read, TheNumberOfTopLevelNodesDecides) {
   EXPECT_TRUE(TestWorld("Transform { }").root()->isOfType(VrmlTransform::getClassTypeId()));
@@ -99,10 +102,12 @@ TEST(Read, ChildrenGivenTwiceAreAUnion) {
 }
 
 TEST(Read, DefNamesLoseTheirInstanceSuffix) {
-  const TestWorld world("DEF Box_1_2 Group { } DEF Box12 Group { } DEF _3 Group { } DEF a+b Group { } "
-                        "Group { children [ USE Box_1_2 USE _3 ] }");
+  const TestWorld world(
+      "DEF Box_1_2 Group { } DEF Box12 Group { } DEF _3 Group { } DEF a+b Group { } "
+      "Group { children [ USE Box_1_2 USE _3 ] }");
   ASSERT_EQ(world.status, ReadStatus::failed) << "+ is no identifier character";
-  const TestWorld good("DEF Box_1_2 Group { } DEF Box12 Group { } DEF _3 Group { } Group { children [ USE Box_1_2 USE _3 ] }");
+  const TestWorld good(
+      "DEF Box_1_2 Group { } DEF Box12 Group { } DEF _3 Group { } Group { children [ USE Box_1_2 USE _3 ] }");
   ASSERT_EQ(good.status, ReadStatus::world) << good.messages.text();
   auto* root = static_cast<VrmlGroup*>(good.root());
   EXPECT_EQ(root->getChild(0)->getName(), "Box");
@@ -133,7 +138,9 @@ TEST(Read, DefsRememberFileAndLine) {
 }
 
 TEST(Read, ANodeMayBeRedefinedAndTheOldOneStays) {
-  const TestWorld world("DEF A Transform { translation 1 0 0 } Group { children USE A } DEF A Transform { } Group { children USE A }");
+  const TestWorld world(
+      "DEF A Transform { translation 1 0 0 } Group { children USE A } DEF A Transform { } Group { children "
+      "USE A }");
   auto* root = static_cast<VrmlGroup*>(world.root());
   EXPECT_EQ(static_cast<VrmlGroup*>(root->getChild(1))->getChild(0), root->getChild(0));
   EXPECT_EQ(static_cast<VrmlGroup*>(root->getChild(3))->getChild(0), root->getChild(2));
@@ -153,7 +160,9 @@ TEST(Read, ATextThatEndsInARemarkIsToldButGood) {
 }
 
 TEST(Read, HeadersAreThreeAndSomeAreForgiven) {
-  const auto status = [](const char* text, bool strict = false) { return TestWorld(std::string_view(text), {.strict = strict}).status; };
+  const auto status = [](const char* text, bool strict = false) {
+    return TestWorld(std::string_view(text), {.strict = strict}).status;
+  };
   EXPECT_EQ(status("#VRML V2.0 utf8\nGroup{}"), ReadStatus::world);
   EXPECT_EQ(status("#VRML V2.0 utf8 by hand\rGroup{}"), ReadStatus::world);
   EXPECT_EQ(status("#VRML Draft #1 V2.0 utf8\nGroup{}"), ReadStatus::world);
@@ -192,8 +201,9 @@ TEST(Read, MemoryMayHoldAByteOrderMarkOrGzip) {
 }
 
 TEST(Read, EveryPrefixOfAWorldEndsWell) {
-  const std::string text = "#VRML V2.0 utf8\nDEF A Transform { translation 1 2 3 children [ WorldInfo { info [ \"x\" ] } "
-                           "USE B NULL ] bboxSize 1 1 1 } # remark\nROUTE A.translation TO A.set_scale";
+  const std::string text =
+      "#VRML V2.0 utf8\nDEF A Transform { translation 1 2 3 children [ WorldInfo { info [ \"x\" ] } "
+      "USE B NULL ] bboxSize 1 1 1 } # remark\nROUTE A.translation TO A.set_scale";
   tessel::test::startLibrary();
   for (std::size_t n = 0; n <= text.size(); ++n) {
     const tessel::test::Messages messages;
@@ -221,15 +231,18 @@ TEST(Read, NestingHasALimit) {
 TEST(Read, UsesThatMultiplyHaveALimit) {
   std::string text = "DEF G0 Group { }";
   for (int i = 1; i < 64; ++i)
-    text += "DEF G" + std::to_string(i) + " Group { children [ USE G" + std::to_string(i - 1) + " USE G" + std::to_string(i - 1) + " ] }\n";
+    text += "DEF G" + std::to_string(i) + " Group { children [ USE G" + std::to_string(i - 1) + " USE G" +
+            std::to_string(i - 1) + " ] }\n";
   const TestWorld world{std::string_view(text)};
   EXPECT_EQ(world.status, ReadStatus::failed);
   EXPECT_EQ(world.messages.count("more than 100000000 nodes"), 1) << world.messages.text();
 }
 
 TEST(Read, ImagesAreCheckedBeforeTheyAreBelieved) {
-  for (const char* image : {"32767 32767 4 0", "-1 1 1 0", "1 1 5 0", "60000 1 1 0", "2 2 3 0xff 0xff 0xff"}) {
-    const TestWorld world(std::string_view(std::string("Shape { appearance Appearance { texture PixelTexture { image ") + image + " } } }"));
+  for (const char* image :
+       {"32767 32767 4 0", "-1 1 1 0", "1 1 5 0", "60000 1 1 0", "2 2 3 0xff 0xff 0xff"}) {
+    const TestWorld world(std::string_view(
+        std::string("Shape { appearance Appearance { texture PixelTexture { image ") + image + " } } }"));
     EXPECT_EQ(world.status, ReadStatus::failed) << image;
   }
 }
@@ -320,7 +333,8 @@ TEST(Read, AFaultLeavesStandardInputAlone) {
 
 TEST(Read, IdentifiersAreWide) {
   for (const char* good : {"1abc", "a-b", "a:b", "\xc3\xa9"}) EXPECT_TRUE(VrmlDB::isIdentifier(good)) << good;
-  for (const char* bad : {"a.b", "a,b", "a b", "", "a{", "a'b", "a&b", "a+b"}) EXPECT_FALSE(VrmlDB::isIdentifier(bad)) << bad;
+  for (const char* bad : {"a.b", "a,b", "a b", "", "a{", "a'b", "a&b", "a+b"})
+    EXPECT_FALSE(VrmlDB::isIdentifier(bad)) << bad;
 }
 
 }  // namespace

@@ -27,8 +27,7 @@ constexpr const char* threeBoxes = R"([
 ])";
 
 // Of the box, 0 if there is none.
-template <class Applied>
-float widthOf(Applied* node) {
+template <class Applied> float widthOf(Applied* node) {
   SoGetBoundingBoxAction action(SbViewportRegion(100, 100));
   action.apply(node);
   const SbBox3f box = action.getBoundingBox();
@@ -39,7 +38,10 @@ int countOf(SoNode* root, SoType type) {
   int count = 0;
   SoCallbackAction action;
   action.addPreCallback(
-      type, [](void* data, SoCallbackAction*, const SoNode*) { return ++*static_cast<int*>(data), SoCallbackAction::CONTINUE; },
+      type,
+      [](void* data, SoCallbackAction*, const SoNode*) {
+        return ++*static_cast<int*>(data), SoCallbackAction::CONTINUE;
+      },
       &count);
   action.apply(root);
   return count;
@@ -54,7 +56,8 @@ SoRef<SoFullPath> pathTo(SoNode* root, SoNode* node) {
 }
 
 TEST(Switch, ShowsTheChildOfItsChoiceAlone) {
-  const TestWorld world(std::string_view{std::string("DEF S Switch { choice ") + threeBoxes + " whichChoice 1 }"});
+  const TestWorld world(
+      std::string_view{std::string("DEF S Switch { choice ") + threeBoxes + " whichChoice 1 }"});
   auto* chooser = world.get<VrmlSwitch>("S");
   ASSERT_TRUE(chooser) << world.messages.text();
   const std::pair<int, float> widths[] = {{0, 1}, {1, 2}, {2, 4}, {3, 0}, {-1, 0}, {1000000, 0}};
@@ -80,7 +83,8 @@ TEST(Switch, IsStoppedAtAPathThroughAnotherChild) {
 }
 
 TEST(Switch, FindsWhatIsNotChosenOnlyWhenAllIsSearched) {
-  const TestWorld world(std::string_view{std::string("DEF S Switch { choice ") + threeBoxes + " whichChoice 0 }"});
+  const TestWorld world(
+      std::string_view{std::string("DEF S Switch { choice ") + threeBoxes + " whichChoice 0 }"});
   auto* chooser = world.get<VrmlSwitch>("S");
   ASSERT_TRUE(chooser) << world.messages.text();
   for (const bool all : {false, true}) {
@@ -93,8 +97,9 @@ TEST(Switch, FindsWhatIsNotChosenOnlyWhenAllIsSearched) {
 }
 
 TEST(Switch, ChildrenAreReadAsOneAListOrNull) {
-  const TestWorld world("Group { children [ DEF A Switch { choice Shape { } } DEF B Switch { choice [ NULL Shape { } ] } DEF C "
-                        "Switch { choice [ ] } ] }");
+  const TestWorld world(
+      "Group { children [ DEF A Switch { choice Shape { } } DEF B Switch { choice [ NULL Shape { } ] } DEF C "
+      "Switch { choice [ ] } ] }");
   ASSERT_TRUE(world.root()) << world.messages.text();
   EXPECT_EQ(world.get<VrmlSwitch>("A")->getNumChildren(), 1);
   EXPECT_EQ(world.get<VrmlSwitch>("B")->getNumChildren(), 2);
@@ -103,7 +108,8 @@ TEST(Switch, ChildrenAreReadAsOneAListOrNull) {
 }
 
 TEST(Lod, WithoutAViewerHasAllLevelsInItsBoxAndInTheHandsOfCallbacks) {
-  const TestWorld world(std::string_view{std::string("DEF L LOD { range [ 10 20 ] level ") + threeBoxes + " }"});
+  const TestWorld world(
+      std::string_view{std::string("DEF L LOD { range [ 10 20 ] level ") + threeBoxes + " }"});
   auto* levels = world.get<VrmlLOD>("L");
   ASSERT_TRUE(levels) << world.messages.text();
   EXPECT_EQ(levels->range.getNum(), 2);

@@ -21,8 +21,9 @@ using tessel::test::RouteProbe;
 namespace {
 
 struct ChildrenRoutes : ::testing::Test {
-  ProbeWorld world{"DEF A RouteProbe {} DEF B RouteProbe {}\n"
-                   "DEF G Group { children [ DEF X WorldInfo {} NULL ] } DEF H Group {} DEF K Group {}"};
+  ProbeWorld world{
+      "DEF A RouteProbe {} DEF B RouteProbe {}\n"
+      "DEF G Group { children [ DEF X WorldInfo {} NULL ] } DEF H Group {} DEF K Group {}"};
   RouteProbe &a = world.probe("A"), &b = world.probe("B");
   VrmlGroup &g = *world.get<VrmlGroup>("G"), &h = *world.get<VrmlGroup>("H"), &k = *world.get<VrmlGroup>("K");
   SoNode* const x = world.get<VrmlNode>("X");

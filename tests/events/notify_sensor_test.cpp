@@ -36,8 +36,9 @@ struct Heard {
 };
 
 struct NotifySensor : ::testing::Test {
-  ProbeWorld world{"DEF ROOT Group { children DEF T Transform { children DEF P RouteProbe {} } }\n"
-                   "DEF Q RouteProbe {}"};
+  ProbeWorld world{
+      "DEF ROOT Group { children DEF T Transform { children DEF P RouteProbe {} } }\n"
+      "DEF Q RouteProbe {}"};
   VrmlGroup& root = *world.get<VrmlGroup>("ROOT");
   VrmlTransform& transform = *world.get<VrmlTransform>("T");
   Heard heard;

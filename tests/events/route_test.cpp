@@ -92,8 +92,9 @@ TEST_F(Routes, TheUnnamedAreNamedAsSuchInTheWarning) {
   const SoRef<RouteProbe> nameless(new RouteProbe);
   SoSFFloat loose;
   for (int i = 0; i < 2; ++i) VrmlRoute::add(&loose, &nameless->in);
-  EXPECT_EQ(world.messages.text(), "Coin warning in VrmlRoute::add(): ROUTE already exists from "
-                                   "<NONAME>.<UNKNOWN> to <NONAME>.in!  Ignoring...");
+  EXPECT_EQ(world.messages.text(),
+            "Coin warning in VrmlRoute::add(): ROUTE already exists from "
+            "<NONAME>.<UNKNOWN> to <NONAME>.in!  Ignoring...");
 }
 
 TEST_F(Routes, ARemovedRouteIsGoneAndComesBackOnANewInput) {
@@ -197,9 +198,9 @@ TEST_F(Routes, ListsLookThroughFanInsAndLeaveOutWhatIsNoRoute) {
 TEST_F(Routes, ObserversHearOfEachRouteOnce) {
   std::vector<std::string> heard;
   const auto observer = [](void* data, SoField* from, SoField* to, int added) {
-    static_cast<std::vector<std::string>*>(data)->push_back(
-        std::string(added ? "+" : "-") + from->getContainer()->getName().getString() +
-        to->getContainer()->getName().getString());
+    static_cast<std::vector<std::string>*>(data)->push_back(std::string(added ? "+" : "-") +
+                                                            from->getContainer()->getName().getString() +
+                                                            to->getContainer()->getName().getString());
   };
   VrmlRoute::addCallback(observer, &heard);
   VrmlRoute::add(&a.out, &b.in);

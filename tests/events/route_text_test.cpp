@@ -22,8 +22,8 @@ constexpr const char* twoProbes = "DEF A RouteProbe {} DEF B RouteProbe {}\n";
 
 struct Statement {
   const char* text;
-  const char* complaint;        // what is said first
-  bool bad = true;              // then: "Bad ROUTE specification"
+  const char* complaint;  // what is said first
+  bool bad = true;        // then: "Bad ROUTE specification"
 
   friend void PrintTo(const Statement& s, std::ostream* out) { *out << s.text; }
 };
@@ -52,33 +52,36 @@ TEST_P(BadRoute, EndsTheReadWithItsLine) {
   EXPECT_EQ(world.messages.all(), expected);
 }
 
-INSTANTIATE_TEST_SUITE_P(Forms, GoodRoute, ::testing::Values(
-    Statement{"ROUTE A.level TO B.level", ""},
-    Statement{"ROUTE A.level_changed TO B.set_level", ""},
-    Statement{"ROUTE A . level_changed TO B\t.\tset_level", ""},
-    Statement{"Group { ROUTE A.level TO B.level }", ""}));
+INSTANTIATE_TEST_SUITE_P(Forms, GoodRoute,
+                         ::testing::Values(Statement{"ROUTE A.level TO B.level", ""},
+                                           Statement{"ROUTE A.level_changed TO B.set_level", ""},
+                                           Statement{"ROUTE A . level_changed TO B\t.\tset_level", ""},
+                                           Statement{"Group { ROUTE A.level TO B.level }", ""}));
 
-INSTANTIATE_TEST_SUITE_P(Faults, BadRoute, ::testing::Values(
-    Statement{"ROUTE A.level to B.level", ""},
-    Statement{"ROUTE A.level TO", ""},
-    Statement{"ROUTE A TO B.level", ""},
-    Statement{"ROUTE A. TO B.level", "Unknown eventOut \"TO\" in node \"A\""},
-    Statement{"ROUTE A.level TO C.level DEF C RouteProbe {}", "Unknown node \"C\""},
-    Statement{"ROUTE A.in TO B.level", "\"in\" in node \"A\" is not an eventOut"},
-    Statement{"ROUTE A.level TO B.out", "\"out\" in node \"B\" is not an eventIn"},
-    Statement{"ROUTE A.size TO B.level", "\"size\" in node \"A\" is not an eventOut"},
-    Statement{"ROUTE A.size_changed TO B.level", "\"size_changed\" in node \"A\" is not an exposed field"},
-    Statement{"ROUTE A.level TO B.set_in", "\"set_in\" in node \"B\" is not an exposed field"},
-    Statement{"ROUTE A.level TO B.set_", "Unknown eventIn \"set_\" in node \"B\""},
-    Statement{"ROUTE A._changed TO B.level", "Unknown eventOut \"_changed\" in node \"A\""},
-    Statement{"ROUTE A.set_level TO B.level", "Unknown eventOut \"set_level\" in node \"A\""},
-    Statement{"ROUTE A.level TO B.level_changed", "Unknown eventIn \"level_changed\" in node \"B\""},
-    Statement{"ROUTE A.level TO B.time", "ROUTE types do not match", false},
-    Statement{"ROUTE A.level TO B.nodes", "ROUTE types do not match", false}));
+INSTANTIATE_TEST_SUITE_P(
+    Faults, BadRoute,
+    ::testing::Values(
+        Statement{"ROUTE A.level to B.level", ""}, Statement{"ROUTE A.level TO", ""},
+        Statement{"ROUTE A TO B.level", ""},
+        Statement{"ROUTE A. TO B.level", "Unknown eventOut \"TO\" in node \"A\""},
+        Statement{"ROUTE A.level TO C.level DEF C RouteProbe {}", "Unknown node \"C\""},
+        Statement{"ROUTE A.in TO B.level", "\"in\" in node \"A\" is not an eventOut"},
+        Statement{"ROUTE A.level TO B.out", "\"out\" in node \"B\" is not an eventIn"},
+        Statement{"ROUTE A.size TO B.level", "\"size\" in node \"A\" is not an eventOut"},
+        Statement{"ROUTE A.size_changed TO B.level",
+                  "\"size_changed\" in node \"A\" is not an exposed field"},
+        Statement{"ROUTE A.level TO B.set_in", "\"set_in\" in node \"B\" is not an exposed field"},
+        Statement{"ROUTE A.level TO B.set_", "Unknown eventIn \"set_\" in node \"B\""},
+        Statement{"ROUTE A._changed TO B.level", "Unknown eventOut \"_changed\" in node \"A\""},
+        Statement{"ROUTE A.set_level TO B.level", "Unknown eventOut \"set_level\" in node \"A\""},
+        Statement{"ROUTE A.level TO B.level_changed", "Unknown eventIn \"level_changed\" in node \"B\""},
+        Statement{"ROUTE A.level TO B.time", "ROUTE types do not match", false},
+        Statement{"ROUTE A.level TO B.nodes", "ROUTE types do not match", false}));
 
 TEST(RouteReading, TheSameRouteTwiceIsAWarningWithItsLine) {
-  ProbeWorld world("DEF A RouteProbe {} DEF B RouteProbe {}\n"
-                   "ROUTE A.level TO B.in\n\nROUTE A.level_changed TO B.in");
+  ProbeWorld world(
+      "DEF A RouteProbe {} DEF B RouteProbe {}\n"
+      "ROUTE A.level TO B.in\n\nROUTE A.level_changed TO B.in");
   EXPECT_EQ(world.status, ReadStatus::world);
   EXPECT_EQ(world.messages.text(),
             "Coin warning in VrmlRoute::add(): ROUTE already exists from A.level to B.in!  Ignoring..."
@@ -92,7 +95,8 @@ std::string written(SoField& from, SoField& to, int referenceOf = -1) {
   constexpr std::size_t room = 4096;
   out.setBuffer(std::malloc(room), room, std::realloc);
   if (referenceOf >= 0)
-    while (out.addReference(from.getContainer()) < referenceOf) {}
+    while (out.addReference(from.getContainer()) < referenceOf) {
+    }
   VrmlRoute::write(&out, &from, &to);
   void* text = nullptr;
   std::size_t size = 0;

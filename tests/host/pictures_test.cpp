@@ -21,10 +21,11 @@ TEST_P(PicturesGL, LookAsExpected) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Worlds, PicturesGL,
-                         ::testing::Values("solid-colours", "face-and-vertex-colours", "creases", "concave-faces",
-                                           "three-lights", "transparency", "transforms-and-use", "billboards",
-                                           "lines-and-points", "sides-of-faces", "scaled-normals", "light-scopes",
-                                           "spots", "clear-colours"),
+                         ::testing::Values("solid-colours", "face-and-vertex-colours", "creases",
+                                           "concave-faces", "three-lights", "transparency",
+                                           "transforms-and-use", "billboards", "lines-and-points",
+                                           "sides-of-faces", "scaled-normals", "light-scopes", "spots",
+                                           "clear-colours"),
                          [](const auto& info) {
                            std::string name = info.param;
                            std::erase(name, '-');

@@ -43,11 +43,14 @@ TEST(ScriptDeclarations, EachScriptHasItsOwn) {
   const auto* a = world.get<VrmlScript>("A");
   const auto* b = world.get<VrmlScript>("B");
   ASSERT_TRUE(a && b) << world.messages.text();
-  EXPECT_EQ(fieldNames(*a), (std::vector<std::string>{"url", "mustEvaluate", "directOutput", "go", "speed", "place"}));
+  EXPECT_EQ(fieldNames(*a),
+            (std::vector<std::string>{"url", "mustEvaluate", "directOutput", "go", "speed", "place"}));
   EXPECT_EQ(fieldNames(*b), (std::vector<std::string>{"url", "mustEvaluate", "directOutput", "words"}));
 
-  const std::pair<const char*, FieldKind> kinds[] = {{"url", FieldKind::exposedField}, {"directOutput", FieldKind::field},
-                                                     {"go", FieldKind::eventIn},       {"speed", FieldKind::field},
+  const std::pair<const char*, FieldKind> kinds[] = {{"url", FieldKind::exposedField},
+                                                     {"directOutput", FieldKind::field},
+                                                     {"go", FieldKind::eventIn},
+                                                     {"speed", FieldKind::field},
                                                      {"place", FieldKind::eventOut}};
   for (const auto& [name, kind] : kinds)
     EXPECT_EQ(a->getFieldType(a->getField(name)), static_cast<int>(kind)) << name;
@@ -59,7 +62,8 @@ TEST(ScriptDeclarations, EachScriptHasItsOwn) {
 }
 
 TEST(ScriptDeclarations, StartWithTheNeutralValueOfTheirType) {
-  const TestWorld world("DEF S Script { eventOut SFRotation turn eventIn MFNode nodes eventOut SFNode node }");
+  const TestWorld world(
+      "DEF S Script { eventOut SFRotation turn eventIn MFNode nodes eventOut SFNode node }");
   const auto* script = world.get<VrmlScript>("S");
   ASSERT_TRUE(script) << world.messages.text();
   EXPECT_EQ(static_cast<SoSFRotation*>(script->getField("turn"))->getValue(), SbRotation::identity());
@@ -69,7 +73,8 @@ TEST(ScriptDeclarations, StartWithTheNeutralValueOfTheirType) {
 
 TEST(ScriptDeclarations, NodesInFieldsMayBeTheScriptOrAboveIt) {
   const TestWorld world(
-      "DEF TOP Group { children DEF S Script { field SFNode self USE S field MFNode all [ USE TOP NULL ] } }");
+      "DEF TOP Group { children DEF S Script { field SFNode self USE S field MFNode all [ USE TOP NULL ] } "
+      "}");
   const auto* script = world.get<VrmlScript>("S");
   ASSERT_TRUE(script) << world.messages.text();
   EXPECT_EQ(static_cast<SoSFNode*>(script->getField("self"))->getValue(), script);
@@ -117,16 +122,17 @@ TEST_P(BadDeclaration, IsReportedWithItsLine) {
   EXPECT_EQ(world.messages.count("line   3"), 1) << world.messages.text();
 }
 
-INSTANTIATE_TEST_SUITE_P(Script, BadDeclaration,
-                         testing::Values(BadBody{"eventIn SFBol on", "Unknown event or field type: \"SFBol\""},
-                                         BadBody{"eventIn SFMatrix on", "Unknown event or field type: \"SFMatrix\""},
-                                         BadBody{"eventOut }", "Expected event or field type for eventOut"},
-                                         BadBody{"field SFBool [", "Expected name for field"},
-                                         BadBody{"field SFFloat x \"1\"", "Couldn't read value for field \"x\""},
-                                         BadBody{"eventIn SFBool on TRUE", "Unknown field \"TRUE\""},
-                                         BadBody{"exposedField SFBool on TRUE", "Unknown field \"exposedField\""},
-                                         BadBody{"eventIn SFBool on IS start", "IS statement outside PROTO definition"},
-                                         BadBody{"field SFBool on IS 1", "Missing event or field name for IS"}));
+INSTANTIATE_TEST_SUITE_P(
+    Script, BadDeclaration,
+    testing::Values(BadBody{"eventIn SFBol on", "Unknown event or field type: \"SFBol\""},
+                    BadBody{"eventIn SFMatrix on", "Unknown event or field type: \"SFMatrix\""},
+                    BadBody{"eventOut }", "Expected event or field type for eventOut"},
+                    BadBody{"field SFBool [", "Expected name for field"},
+                    BadBody{"field SFFloat x \"1\"", "Couldn't read value for field \"x\""},
+                    BadBody{"eventIn SFBool on TRUE", "Unknown field \"TRUE\""},
+                    BadBody{"exposedField SFBool on TRUE", "Unknown field \"exposedField\""},
+                    BadBody{"eventIn SFBool on IS start", "IS statement outside PROTO definition"},
+                    BadBody{"field SFBool on IS 1", "Missing event or field name for IS"}));
 
 TEST(Prototypes, AreRefusedWithTheirLine) {
   for (const char* statement : {"Group { }\nPROTO P [ ] { }", "Group { }\nEXTERNPROTO P [ ] \"p.wrl\""}) {

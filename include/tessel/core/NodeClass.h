@@ -27,8 +27,7 @@ struct FieldSpec;
 /// `static constexpr bool standsInNoFile = true;`: its name means nothing in a file. The toolkit knows the
 /// type as "Vrml" plus the name in the file, so the toolkit's own names stay the toolkit's.
 /// The definitions are in the library: a class's source instantiates them once.
-template <class Self, class Parent>
-class TESSEL_API NodeClass : public Parent {
+template <class Self, class Parent> class TESSEL_API NodeClass : public Parent {
 public:
   using Parent::Parent;
 

@@ -16,11 +16,11 @@ public:
   static constexpr const char* fileFormatName = "CullingGroup";
   static std::span<const tessel::FieldSpec> fields();
 
-  VrmlMFChildren children;      ///< exposedField: the group's child list
-  VrmlMFNode addChildren;       ///< eventIn: nodes to add that are not there yet; takes effect after the event
-  VrmlMFNode removeChildren;    ///< eventIn: nodes to remove; after all additions
-  SoSFVec3f bboxCenter;         ///< field: centre of the declared box, 0 0 0
-  SoSFVec3f bboxSize;           ///< field: size of the declared box; -1 -1 -1: computed from the children
+  VrmlMFChildren children;    ///< exposedField: the group's child list
+  VrmlMFNode addChildren;     ///< eventIn: nodes to add that are not there yet; takes effect after the event
+  VrmlMFNode removeChildren;  ///< eventIn: nodes to remove; after all additions
+  SoSFVec3f bboxCenter;       ///< field: centre of the declared box, 0 0 0
+  SoSFVec3f bboxSize;         ///< field: size of the declared box; -1 -1 -1: computed from the children
 
   static void initClass();
 

@@ -27,9 +27,9 @@ public:
   static constexpr const char* fileFormatName = "Script";
   static std::span<const tessel::FieldSpec> fields();
 
-  SoMFString url;          ///< exposedField, one empty string: alternatives; "vrmlscript:" and a text is run
-  SoSFBool mustEvaluate;   ///< field, FALSE: without effect
-  SoSFBool directOutput;   ///< field, FALSE: without effect
+  SoMFString url;         ///< exposedField, one empty string: alternatives; "vrmlscript:" and a text is run
+  SoSFBool mustEvaluate;  ///< field, FALSE: without effect
+  SoSFBool directOutput;  ///< field, FALSE: without effect
 
   VrmlScript();
 

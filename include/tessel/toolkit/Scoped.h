@@ -8,8 +8,7 @@
 namespace tessel {
 
 /// Gives a variable another value for a scope.
-template <class T>
-class [[nodiscard]] ScopedValue {
+template <class T> class [[nodiscard]] ScopedValue {
 public:
   ScopedValue(T& variable, T value) : target(variable), before(std::exchange(variable, std::move(value))) {}
   ~ScopedValue() { target = std::move(before); }
@@ -22,8 +21,7 @@ private:
 };
 
 /// Silences the notification of a field or a node for a scope.
-template <class T>
-class [[nodiscard]] NotifyOff {
+template <class T> class [[nodiscard]] NotifyOff {
 public:
   explicit NotifyOff(T& object) : target(object), before(object.enableNotify(FALSE)) {}
   ~NotifyOff() { target.enableNotify(before); }
@@ -36,8 +34,7 @@ private:
 };
 
 /// Pushes a traversal state for a scope.
-template <class State>
-class [[nodiscard]] StateScope {
+template <class State> class [[nodiscard]] StateScope {
 public:
   explicit StateScope(State* s) : state(s) { state->push(); }
   ~StateScope() { state->pop(); }

@@ -8,8 +8,7 @@ namespace tessel {
 /// Holds one reference on a toolkit object (node, path, engine, list entry) by its own count.
 ///
 /// A new value is referenced before the old one is released, since the old object may own the new one.
-template <class T>
-class SoRef {
+template <class T> class SoRef {
 public:
   SoRef() = default;
   explicit SoRef(T* object) noexcept : ptr(object) {

@@ -16,14 +16,14 @@ class TESSEL_API VrmlContainerElement : public SoInt32Element {
 
 public:
   enum TypeBits : int {
-    shape = 0x1,        ///< inside a shape: appearance and geometry act only if set
-    appearance = 0x2,   ///< inside an appearance: material and textures act only if set
-    coordinate = 0x8,   ///< the geometry takes a Coordinate
-    normal = 0x10,      ///< the place of a Normal
-    color = 0x20,       ///< the geometry takes a Color
-    texCoord = 0x40,    ///< the geometry takes a TextureCoordinate
-    fontStyle = 0x80,   ///< the place of a FontStyle
-    anchor = 0x10000,   ///< below an Anchor
+    shape = 0x1,       ///< inside a shape: appearance and geometry act only if set
+    appearance = 0x2,  ///< inside an appearance: material and textures act only if set
+    coordinate = 0x8,  ///< the geometry takes a Coordinate
+    normal = 0x10,     ///< the place of a Normal
+    color = 0x20,      ///< the geometry takes a Color
+    texCoord = 0x40,   ///< the geometry takes a TextureCoordinate
+    fontStyle = 0x80,  ///< the place of a FontStyle
+    anchor = 0x10000,  ///< below an Anchor
     all = -1,
   };
 
