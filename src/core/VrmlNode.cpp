@@ -21,6 +21,8 @@
 
 SO_NODE_ABSTRACT_SOURCE(VrmlNode);
 
+int VrmlNode::optimizedNotify = 0;
+
 namespace {
 bool deepCopying = false;
 }

@@ -117,6 +117,10 @@ public:
   /// False unless a class says otherwise: the state that a VRML node changes is gone when it is done.
   SbBool affectsState() const override { return FALSE; }
   SoNode* addToCopyDict() const override;
+  /// A host's switch, 0 at first: whether a change of what shows nothing by itself (the input of a sensor, a Fog
+  /// that is not bound) is kept from the nodes above, and so asks for no redraw.
+  static int optimizedNotify;
+
   /// Passes a notification on. With TV_OPTIMIZE_NOTIFICATION in the environment, one that the node has seen
   /// already by another way stops here.
   void notify(SoNotList* list) override;
