@@ -27,7 +27,7 @@ std::string writePng(const Image& image, const std::string& path) {
   const bool closed = std::fclose(file.release()) == 0;
   if (packed && closed) return {};
 
-  const std::string reason = errno ? std::strerror(errno) : png.message;
+  std::string reason = errno ? std::strerror(errno) : png.message;
   // Half a picture is worse than none; a device stays, of course.
   std::error_code ignored;
   if (std::filesystem::is_regular_file(path, ignored)) std::filesystem::remove(path, ignored);

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cmath>
 
 #include <GL/glx.h>
 #include <X11/Xlib.h>
@@ -198,7 +199,7 @@ bool Window::next(WindowEvent& event) {
 void Window::wait(double seconds) {
   if (XPending(state->display) > 0) return;
   pollfd connection{ConnectionNumber(state->display), POLLIN, 0};
-  poll(&connection, 1, static_cast<int>(std::max(0.0, seconds) * 1000 + 0.5));
+  poll(&connection, 1, static_cast<int>(std::lround(std::max(0.0, seconds) * 1000)));
 }
 
 }  // namespace tessel::host

@@ -171,7 +171,7 @@ template <class Value> std::size_t expectedValues(const Lexer& lexer) {
   if constexpr (std::is_same_v<Value, SbTime>)
     return lexer.countToBracket();
   else if constexpr (std::is_trivially_copyable_v<Value>)
-    return lexer.countToBracket() / (sizeof(Value) / sizeof(float));
+    return lexer.countToBracket() * sizeof(float) / sizeof(Value);
   else
     return gatheredValues<Value>;
 }

@@ -183,11 +183,9 @@ bool WorldReader::isOpen(const VrmlNode* node) const {
 }
 
 bool WorldReader::makesCycle(const VrmlNode* node) const {
-  for (auto i = open.rbegin(); i != open.rend(); ++i) {
-    if (i->holdsWeakly) return false;
-    if (i->node == node) return true;
-  }
-  return false;
+  const auto met = std::find_if(open.rbegin(), open.rend(),
+                                [node](const OpenNode& one) { return one.holdsWeakly || one.node == node; });
+  return met != open.rend() && !met->holdsWeakly;
 }
 
 SoRef<VrmlNode> WorldReader::createNode(std::string_view typeName) {
