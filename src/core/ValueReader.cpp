@@ -81,7 +81,9 @@ bool readOne(WorldReader& reader, SbMatrix& out) {
 
 bool readOne(WorldReader& reader, SbString& out) {
   Lexer& lexer = reader.lexer();
-  if (lexer.peek() == '"') {
+  const bool quoted = lexer.peek() == '"';
+  reader.noteString();
+  if (quoted) {
     std::string text;
     if (!lexer.quoted(text)) return reader.error("The file ends inside of a string");
     out = text.c_str();

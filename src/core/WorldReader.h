@@ -66,6 +66,8 @@ public:
   Lexer& lexer() { return tokens; }
   const ReadOptions& options() const { return readOptions; }
   const std::string& fileName() const { return source.fileName; }
+  /// The same as a name, which many may keep at no cost.
+  const SbName& fileNameAsName() const { return sourceName; }
 
   /// Reads statements until one node is complete. Null with `error` false at the end of the text.
   SoRef<VrmlNode> readTopNode(bool& error);
@@ -87,6 +89,13 @@ public:
   Reference& addReference(std::string_view name, VrmlNode* node);
   /// Puts another set of references in place, for the body of a prototype; gives the old one.
   References* setReferences(References* references);
+
+  /// From now on the line of each string that is read goes into the list; null ends that.
+  void setStringLines(std::vector<int>* lines) { stringLines = lines; }
+  /// To be called where a string begins.
+  void noteString() {
+    if (stringLines) stringLines->push_back(tokens.line());
+  }
 
   /// Posts a read error in printf style. False, for `return reader.error(...)`.
   [[gnu::format(printf, 2, 3)]] bool error(const char* format, ...);
@@ -126,6 +135,7 @@ private:
   std::vector<OpenNode> open;
   std::uint64_t expanded = 0;  // of the nodes at file level
   int errors = 0;
+  std::vector<int>* stringLines = nullptr;
 };
 
 }  // namespace tessel

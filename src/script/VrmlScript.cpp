@@ -75,8 +75,25 @@ bool VrmlScript::readBody(tessel::WorldReader& reader) {
     const std::string_view word = reader.lexer().strictName();
     if (word.empty()) return true;
     const Keyword* keyword = keywordNamed(word);
-    if (!(keyword ? readDeclaration(reader, *keyword) : reader.readField(*this, word))) return false;
+    if (!(keyword         ? readDeclaration(reader, *keyword)
+          : word == "url" ? readUrl(reader)
+                          : reader.readField(*this, word)))
+      return false;
   }
+}
+
+// With the line of each string: what a program complains of is found by it.
+bool VrmlScript::readUrl(tessel::WorldReader& reader) {
+  urlLines.clear();
+  urlFile = reader.fileNameAsName();
+  reader.setStringLines(&urlLines);
+  const bool ok = reader.readField(*this, "url");
+  reader.setStringLines(nullptr);
+  return ok;
+}
+
+int VrmlScript::getUrlLine(int i) const {
+  return i >= 0 && i < static_cast<int>(urlLines.size()) ? urlLines[static_cast<std::size_t>(i)] : 0;
 }
 
 // `field SFBool on TRUE`, `eventIn SFBool set IS on`: type, name, then a value for a field, or IS for any.
@@ -108,18 +125,21 @@ static void discountCopy(const SoNode* original, SoNode* copy) {
 }
 
 void VrmlScript::copyContents(const SoFieldContainer* from, SbBool copyConnections) {
-  for (const Declared& one : static_cast<const VrmlScript*>(from)->declared)
+  const auto* original = static_cast<const VrmlScript*>(from);
+  urlFile = original->urlFile;
+  urlLines = original->urlLines;
+  for (const Declared& one : original->declared)
     addField(one.kind, tessel::valueTypeOf(*one.field), one.name);
   NodeClass::copyContents(from, copyConnections);
   // What the original knows above itself its copy knows too, as a copy.
   for (const Declared& one : declared) {
-    const SoField* original = from->getField(one.name);
-    if (!original || one.kind == FieldKind::internal) continue;
+    const SoField* field = from->getField(one.name);
+    if (!field || one.kind == FieldKind::internal) continue;
     if (tessel::valueTypeOf(*one.field) == ValueType::sfNode)
-      discountCopy(static_cast<const SoSFNode*>(original)->getValue(),
+      discountCopy(static_cast<const SoSFNode*>(field)->getValue(),
                    static_cast<SoSFNode&>(*one.field).getValue());
     if (tessel::valueTypeOf(*one.field) == ValueType::mfNode) {
-      const auto& originals = *static_cast<const SoMFNode*>(original);
+      const auto& originals = *static_cast<const SoMFNode*>(field);
       const auto& copies = static_cast<SoMFNode&>(*one.field);
       for (int i = 0; i < std::min(originals.getNum(), copies.getNum()); ++i)
         discountCopy(originals[i], copies[i]);

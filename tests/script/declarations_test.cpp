@@ -35,6 +35,25 @@ std::vector<std::string> fieldNames(const VrmlScript& script) {
   return names;
 }
 
+TEST(ScriptUrl, LinesOfItsStringsAreKept) {
+  const TestWorld world(
+      "Group { children [\n  DEF A Script { url [ # a remark\n\n   \"first\n  of two lines\"\n\"second\" ]"
+      " field MFString other [ \"x\"\n \"y\" ] }\n DEF B Script { url \"one\" } ] }");
+  const auto* a = world.get<VrmlScript>("A");
+  const auto* b = world.get<VrmlScript>("B");
+  ASSERT_TRUE(a && b) << world.messages.text();
+  const int first = a->getUrlLine(0);
+  EXPECT_EQ(a->getUrlLine(1), first + 2);
+  EXPECT_EQ(a->getUrlLine(2), 0);
+  EXPECT_EQ(a->getUrlLine(-1), 0);
+  EXPECT_EQ(b->getUrlLine(0), first + 4);
+  EXPECT_EQ(a->getDef()->line + 2, first);
+  EXPECT_EQ(a->getUrlFile(), a->getDef()->file);
+
+  const SoRef<SoNode> copy(VrmlNode::deepCopy(a, FALSE));
+  EXPECT_EQ(static_cast<VrmlScript*>(copy.get())->getUrlLine(1), first + 2);
+}
+
 TEST(ScriptDeclarations, EachScriptHasItsOwn) {
   const TestWorld world(R"(Group { children [
     DEF A Script { eventIn SFBool go field SFFloat speed 2.5 directOutput TRUE eventOut SFVec3f place url "vrmlscript:" }

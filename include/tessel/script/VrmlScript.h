@@ -37,6 +37,11 @@ public:
   /// Under a name that the node has already it is nobody's business but the node's.
   SoField* addField(tessel::FieldKind kind, tessel::ValueType type, const SbName& name);
 
+  /// The file that `url` was read from, empty if it came otherwise.
+  const SbName& getUrlFile() const { return urlFile; }
+  /// The line of that file on which value `i` of `url` begins, counted from 1; 0 if it is not known.
+  int getUrlLine(int i) const;
+
   int getFieldType(const SoField* field) const override;
   int isSpatial() const override { return 0; }
   /// A script may know nodes above it.
@@ -60,7 +65,10 @@ private:
 
   static const Keyword* keywordNamed(std::string_view word);
   bool readDeclaration(tessel::WorldReader& reader, const Keyword& keyword);
+  bool readUrl(tessel::WorldReader& reader);
 
   std::unique_ptr<SoFieldData> allFields;  // those of the class, then the declared ones
   std::vector<Declared> declared;          // in file order
+  SbName urlFile;
+  std::vector<int> urlLines;  // of the values that were read
 };
