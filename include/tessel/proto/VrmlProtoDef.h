@@ -6,6 +6,8 @@
 
 #include <string_view>
 
+#include <Inventor/SbName.h>
+
 class SoField;
 
 /// A prototype: an interface of fields and events, and the body that each instance copies. It stands in no
@@ -17,6 +19,8 @@ public:
   static std::span<const tessel::FieldSpec> fields();
   /// Also enters the PROTO statement and the IS clause with the reader.
   static void initClass();
+
+  SbName name;  ///< the prototype's name
 
   VrmlProtoDef();
 
