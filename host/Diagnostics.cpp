@@ -8,6 +8,8 @@
 #include <Inventor/errors/SoDebugError.h>
 #include <Inventor/errors/SoReadError.h>
 
+#include <tessel/toolkit/PlainReport.h>
+
 #include "JsonWriter.h"
 #include "Text.h"
 
@@ -82,11 +84,13 @@ Diagnostics::Diagnostics(Output o)
       oldLive{SoDebugError::getHandlerCallback(), SoDebugError::getHandlerData()} {
   SoReadError::setHandlerCallback(readErrorCB, this);
   SoDebugError::setHandlerCallback(liveErrorCB, this);
+  setPlainReportHandler(plainReportCB, this);
 }
 
 Diagnostics::~Diagnostics() {
   SoReadError::setHandlerCallback(oldRead.function, oldRead.data);
   SoDebugError::setHandlerCallback(oldLive.function, oldLive.data);
+  setPlainReportHandler(nullptr, nullptr);
 }
 
 void Diagnostics::beginWorld(std::string name) {
@@ -147,6 +151,11 @@ void Diagnostics::liveErrorCB(const SoError* error, void* self) {
   const bool info = static_cast<const SoDebugError*>(error)->getSeverity() == SoDebugError::INFO;
   const Severity severity = info ? Severity::note : Severity::warning;
   diagnostics.add(parseLiveComplaint(error->getDebugString().getString(), severity, diagnostics.world));
+}
+
+void Diagnostics::plainReportCB(std::string_view text, void* self) {
+  text = text.substr(0, text.find_last_not_of('\n') + 1);
+  static_cast<Diagnostics*>(self)->report(Severity::warning, text);
 }
 
 void Diagnostics::add(Message message) {

@@ -37,8 +37,8 @@ Message parseLiveComplaint(std::string_view posted, Severity severity, std::stri
 /// `FILE:LINE: error: TEXT`, without the line where there is none.
 std::string formatted(const Message& message);
 
-/// Listens to the toolkit's read and debug errors for as long as it lives, and reports them on standard error
-/// as they come: equal ones once, with their count at the end of the world. At most `maxDistinct` different
+/// Listens to the toolkit's read and debug errors, and to the library's plain texts, for as long as it lives, and
+/// reports them on standard error as they come: equal ones once, with their count at the end of the world. At most `maxDistinct` different
 /// ones of each severity a world, so that a hostile file can't fill memory or terminal.
 class Diagnostics {
 public:
@@ -78,6 +78,7 @@ private:
 
   static void readErrorCB(const SoError* error, void* self);
   static void liveErrorCB(const SoError* error, void* self);
+  static void plainReportCB(std::string_view text, void* self);
   void add(Message message);
   bool shown(Severity severity) const;
 

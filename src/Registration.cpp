@@ -20,6 +20,7 @@
 #include <tessel/events/VrmlColorInterpolator.h>
 #include <tessel/events/VrmlCoordinateInterpolator.h>
 #include <tessel/events/VrmlFanIn.h>
+#include <tessel/events/VrmlInterpEvalManager.h>
 #include <tessel/events/VrmlInterpolator.h>
 #include <tessel/events/VrmlNormalInterpolator.h>
 #include <tessel/events/VrmlOrientationInterpolator.h>
@@ -116,6 +117,7 @@ void registerAll() {
   VrmlCoordinateInterpolator::initClass();
   VrmlNormalInterpolator::initClass();
   VrmlScalarInterpolator::initClass();
+  VrmlInterpEvalManager::initClass();
   VrmlBaseGroup::initClass();
   VrmlCullingGroup::initClass();
   VrmlGroup::initClass();

@@ -2,6 +2,7 @@
 #include <tessel/events/VrmlColorInterpolator.h>
 
 #include "core/NodeClassImpl.h"
+#include "events/KeyFrames.h"
 
 using tessel::FieldKind;
 using tessel::FieldSpec;
@@ -15,8 +16,19 @@ std::span<const FieldSpec> VrmlColorInterpolator::fields() {
   return table;
 }
 
-VrmlColorInterpolator::VrmlColorInterpolator() { setUpFields(); }
+VrmlColorInterpolator::VrmlColorInterpolator() {
+  setUpFields();
+  connectOutput();
+}
 
 VrmlColorInterpolator::~VrmlColorInterpolator() = default;
+
+void VrmlColorInterpolator::evaluate() {
+  evaluateSingle(
+      keyValue, value_changed, SbColor(0, 0, 0),
+      [](float w, const SbColor& a, const SbColor& b) { return SbColor(a * w + b * (1 - w)); },
+      "VrmlColorInterpolator Warning: The number of keys does not match the number of values.\n"
+      "         Adjustments being made...\n");
+}
 
 template class tessel::NodeClass<VrmlColorInterpolator, VrmlInterpolator>;

@@ -2,6 +2,7 @@
 #include <tessel/events/VrmlNormalInterpolator.h>
 
 #include "core/NodeClassImpl.h"
+#include "events/KeyFrames.h"
 
 using tessel::FieldKind;
 using tessel::FieldSpec;
@@ -15,8 +16,22 @@ std::span<const FieldSpec> VrmlNormalInterpolator::fields() {
   return table;
 }
 
-VrmlNormalInterpolator::VrmlNormalInterpolator() { setUpFields(); }
+VrmlNormalInterpolator::VrmlNormalInterpolator() {
+  setUpFields();
+  connectOutput();
+}
 
 VrmlNormalInterpolator::~VrmlNormalInterpolator() = default;
+
+void VrmlNormalInterpolator::evaluate() {
+  evaluateLists(keyValue, value_changed, SbVec3f(0, 0, -1), lists,
+                [](float w, const SbVec3f* a, const SbVec3f* b, SbVec3f* result, int length) {
+                  const float u = 1 - w;
+                  for (int i = 0; i < length; ++i) {
+                    result[i] = a[i] * w + b[i] * u;
+                    if (result[i].normalize() == 0) result[i] = a[i];
+                  }
+                });
+}
 
 template class tessel::NodeClass<VrmlNormalInterpolator, VrmlInterpolator>;

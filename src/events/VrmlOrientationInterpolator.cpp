@@ -2,6 +2,7 @@
 #include <tessel/events/VrmlOrientationInterpolator.h>
 
 #include "core/NodeClassImpl.h"
+#include "events/KeyFrames.h"
 
 using tessel::FieldKind;
 using tessel::FieldSpec;
@@ -16,8 +17,17 @@ std::span<const FieldSpec> VrmlOrientationInterpolator::fields() {
   return table;
 }
 
-VrmlOrientationInterpolator::VrmlOrientationInterpolator() { setUpFields(); }
+VrmlOrientationInterpolator::VrmlOrientationInterpolator() {
+  setUpFields();
+  connectOutput();
+}
 
 VrmlOrientationInterpolator::~VrmlOrientationInterpolator() = default;
+
+void VrmlOrientationInterpolator::evaluate() {
+  evaluateSingle(
+      keyValue, value_changed, SbRotation(SbVec3f(0, 0, 1), 0),
+      [](float w, const SbRotation& a, const SbRotation& b) { return SbRotation::slerp(a, b, 1 - w); });
+}
 
 template class tessel::NodeClass<VrmlOrientationInterpolator, VrmlInterpolator>;

@@ -2,6 +2,7 @@
 #include <tessel/events/VrmlScalarInterpolator.h>
 
 #include "core/NodeClassImpl.h"
+#include "events/KeyFrames.h"
 
 using tessel::FieldKind;
 using tessel::FieldSpec;
@@ -15,8 +16,16 @@ std::span<const FieldSpec> VrmlScalarInterpolator::fields() {
   return table;
 }
 
-VrmlScalarInterpolator::VrmlScalarInterpolator() { setUpFields(); }
+VrmlScalarInterpolator::VrmlScalarInterpolator() {
+  setUpFields();
+  connectOutput();
+}
 
 VrmlScalarInterpolator::~VrmlScalarInterpolator() = default;
+
+void VrmlScalarInterpolator::evaluate() {
+  evaluateSingle(keyValue, value_changed, 0.0F,
+                 [](float w, float a, float b) { return w * a + (1 - w) * b; });
+}
 
 template class tessel::NodeClass<VrmlScalarInterpolator, VrmlInterpolator>;

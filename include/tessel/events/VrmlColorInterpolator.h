@@ -16,6 +16,8 @@ public:
   SoSFColor value_changed;  ///< eventOut, 0 0 0: the colour at the fraction
 
   VrmlColorInterpolator();
+  void evaluate() override;
+  SoField* getOutputField() override { return &value_changed; }
 
 protected:
   ~VrmlColorInterpolator() override;

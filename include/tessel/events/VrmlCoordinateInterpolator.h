@@ -16,7 +16,12 @@ public:
   SoMFVec3f value_changed;  ///< eventOut, one 0 0 0: the points at the fraction
 
   VrmlCoordinateInterpolator();
+  void evaluate() override;
+  SoField* getOutputField() override { return &value_changed; }
 
 protected:
   ~VrmlCoordinateInterpolator() override;
+
+private:
+  Lists lists;
 };

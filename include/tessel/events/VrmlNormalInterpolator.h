@@ -15,7 +15,12 @@ public:
   SoMFVec3f value_changed;  ///< eventOut, one 0 0 -1: the normals at the fraction
 
   VrmlNormalInterpolator();
+  void evaluate() override;
+  SoField* getOutputField() override { return &value_changed; }
 
 protected:
   ~VrmlNormalInterpolator() override;
+
+private:
+  Lists lists;
 };

@@ -17,6 +17,8 @@ public:
   SoSFRotation value_changed;  ///< eventOut, identity: the rotation at the fraction
 
   VrmlOrientationInterpolator();
+  void evaluate() override;
+  SoField* getOutputField() override { return &value_changed; }
 
 protected:
   ~VrmlOrientationInterpolator() override;

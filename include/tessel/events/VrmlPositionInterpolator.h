@@ -17,6 +17,8 @@ public:
   SoSFVec3f value_changed;  ///< eventOut, 0 0 0: the point at the fraction
 
   VrmlPositionInterpolator();
+  void evaluate() override;
+  SoField* getOutputField() override { return &value_changed; }
 
 protected:
   ~VrmlPositionInterpolator() override;

@@ -16,6 +16,8 @@ public:
   SoSFFloat value_changed;  ///< eventOut, 0: the number at the fraction
 
   VrmlScalarInterpolator();
+  void evaluate() override;
+  SoField* getOutputField() override { return &value_changed; }
 
 protected:
   ~VrmlScalarInterpolator() override;
