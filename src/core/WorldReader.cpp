@@ -122,7 +122,7 @@ void WorldReader::warnOfRest() {
   if (tokens.peek() >= 0)
     warning("VrmlDB::read", "\"%c\" here ends the world; what follows is not read", tokens.peek());
   tokens.stop();
-  if (tokens.endedInComment()) error("EOF reached before end of comment");
+  if (tokens.endedInComment()) warning("VrmlDB::read", "EOF reached before end of comment");
 }
 
 SoRef<VrmlNode> WorldReader::readNode(bool& ok) {

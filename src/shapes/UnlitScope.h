@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <cstdint>
+
 #include <Inventor/elements/SoGLLazyElement.h>
 #include <Inventor/elements/SoGLTextureEnabledElement.h>
+#include <Inventor/elements/SoOverrideElement.h>
 #include <Inventor/misc/SoState.h>
 
 #include <tessel/toolkit/VrmlContainerElement.h>
@@ -29,16 +32,25 @@ public:
   UnlitScope(const UnlitScope&) = delete;
   UnlitScope& operator=(const UnlitScope&) = delete;
 
-  /// Sends the state, and the first of the node's own colors if it has any.
+  /// Sends the state, and the color to begin with: the first of the node's own; else the one that the material emits,
+  /// if it emits any.
   void send(const VrmlVertexPropertyCache& properties) {
     SoGLLazyElement::getInstance(state)->send(state, SoLazyElement::ALL_MASK);
-    if (!properties.colorIsInVP) return;
-    sentColors = true;
-    const SbColor& first = *static_cast<const SbColor*>(properties.colorPtr);
-    SoGLLazyElement::sendPackedDiffuse(state, first.getPackedValue(0));
+    if (properties.colorIsInVP) {
+      sendColor(static_cast<const SbColor*>(properties.colorPtr)->getPackedValue(0));
+    } else if (!SoOverrideElement::getDiffuseColorOverride(state)) {
+      const SbColor& emitted = SoLazyElement::getEmissive(state);
+      if (emitted != SbColor(0, 0, 0))
+        sendColor(emitted.getPackedValue(SoLazyElement::getTransparency(state, 0)));
+    }
   }
 
 private:
+  void sendColor(std::uint32_t packed) {
+    sentColors = true;
+    SoGLLazyElement::sendPackedDiffuse(state, packed);
+  }
+
   SoState* state;
   bool sentColors = false;
 };

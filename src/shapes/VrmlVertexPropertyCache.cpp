@@ -52,11 +52,11 @@ void VrmlVertexPropertyCache::fillInCache(VrmlCoordinate* coord, VrmlColor* colo
     SoDebugError::post("VrmlVertexPropertyCache::fillInCache", "no coordinates specified\n");
   }
 
-  // An override of the diffuse color stands for a Color that is not there.
-  const bool useColors =
-      color && hasValues(color->color) && !SoOverrideElement::getDiffuseColorOverride(state);
+  // Under an override of the diffuse color the own ones are not drawn; indices into them are right all the same.
+  const bool hasColors = color && hasValues(color->color);
+  const bool useColors = hasColors && !SoOverrideElement::getDiffuseColorOverride(state);
   materialBinding = overall;
-  numColors = 1;
+  numColors = hasColors ? color->color.getNum() : 1;
   if (SoGLLazyElement::isColorIndex(state)) {
     const SoLazyElement* lazy = SoLazyElement::getInstance(state);
     colorFunc = sendIndexColor;

@@ -16,6 +16,7 @@
 #include <Inventor/elements/SoGLCacheContextElement.h>
 #include <Inventor/nodes/SoComplexity.h>
 #include <Inventor/nodes/SoDrawStyle.h>
+#include <Inventor/nodes/SoMaterial.h>
 
 #include "shapes/Probe.h"
 #include "support/TestWorld.h"
@@ -152,6 +153,41 @@ TEST(LinesGL, KnowNeitherLightNorTexture) {
   TestWorld world("Shape { " + appearance + "geometry IndexedLineSet { " + repeated(threeLines, 0) + "} }");
   LitDrawing drawing(world.root());
   expectThree(drawing, red, red, red);
+}
+
+TEST(LinesGL, TakeTheColourThatTheMaterialEmits) {
+  const auto line = [](const char* material, const char* y, int times) {
+    return repeated(std::string("Shape { appearance Appearance { material Material { ") + material +
+                        " } } geometry IndexedLineSet { coord Coordinate { point [ -1 " + y + " 0, 1 " + y +
+                        " 0 ] } coordIndex [ 0 1 @-1 @0 @1 ] } } ",
+                    times);
+  };
+  // In display lists, and large enough to have buffers of their own.
+  for (const int times : {0, 1000}) {
+    TestWorld world("Group { children [ " + line("emissiveColor 0 1 0", "1", times) +
+                    line("diffuseColor 1 0 0", "0", times) +
+                    line("diffuseColor 1 0 0 emissiveColor 0 0 1", "-1", times) + "] }");
+    LitDrawing drawing(world.root());
+    for (int frame = 0; frame < 4; ++frame) expectThree(drawing, green, red, blue);
+  }
+}
+
+TEST(LinesGL, AnOverriddenColourLeavesIndicesRight) {
+  const std::string body = repeated(threeLines, 0) + "colorIndex [ 0 0 -1 1 1 -1 2 2 ] " + redGreenBlue;
+  TestWorld world("Group { children [ Shape { geometry IndexedLineSet { " + body +
+                  " } } Shape { geometry IndexedFaceSet { coord Coordinate { point [ -1 0.4 0, 1 0.4 0, 0 0.6 0 ] } "
+                  "coordIndex [ 0 1 2 -1 ] colorIndex [ 0 1 2 -1 ] " +
+                  redGreenBlue + "} } ] }");
+  const tessel::SoRef<SoSeparator> root(new SoSeparator);
+  auto* material = new SoMaterial;
+  material->diffuseColor.setValue(0, 0, 1);
+  material->setOverride(TRUE);
+  root->addChild(material);
+  root->addChild(world.root());
+  LitDrawing drawing(root.get());
+  expectThree(drawing, blue, blue, blue);
+  EXPECT_EQ(drawing.at(0, 0.5f), blue);
+  EXPECT_TRUE(world.messages.empty()) << world.messages.text();
 }
 
 TEST(LinesGL, AnEmptyPolylineTakesAColour) {
