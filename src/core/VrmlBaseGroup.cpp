@@ -71,10 +71,12 @@ template <class Change> void VrmlBaseGroup::changeChildren(Change change) {
 void VrmlBaseGroup::childrenChanged() { startNotify(); }
 
 void VrmlBaseGroup::addChild(VrmlNode* child) {
+  if (!child) return;
   changeChildren([&](SoChildList& list) { list.append(child); });
 }
 
 void VrmlBaseGroup::insertChild(VrmlNode* child, int index) {
+  if (!child || index < 0) return;
   changeChildren([&](SoChildList& list) {
     if (index < list.getLength())
       list.insert(child, index);
@@ -100,7 +102,7 @@ void VrmlBaseGroup::removeAllChildren() {
 }
 
 void VrmlBaseGroup::replaceChild(int index, VrmlNode* child) {
-  if (index < 0) return;
+  if (!child || index < 0) return;
   const tessel::SoRef<SoNode> keep((*childList)[index]);
   changeChildren([&](SoChildList& list) { list.set(index, child); });
 }
@@ -322,25 +324,48 @@ void VrmlBaseGroup::handleEvent(SoHandleEventAction* action) {
   }
   sensorHandled = 0;
   const tessel::SoRef<VrmlBaseGroup> alive(this);  // an event may take the group out of the world
-  if (action->getGrabber() == this && grabPath)
-    dispatchToGrabbingSensors(action);
-  else
+  if (action->getGrabber() != this || !grabPath)
     dispatchToChildren(action);
+  else if (grabs.empty())
+    action->setGrabber(nullptr);  // its sensors have gone: the event takes its way through the world
+  else
+    dispatchToGrabbingSensors(action);
+}
+
+void VrmlBaseGroup::incrementGrabs(VrmlNode* sensor) {
+  if (std::ranges::find(grabs, sensor, &tessel::SoRef<VrmlNode>::get) == grabs.end())
+    grabs.emplace_back(sensor);
+}
+
+void VrmlBaseGroup::decrementGrabs(VrmlNode* sensor) {
+  std::erase_if(grabs, [sensor](const auto& grab) { return grab.get() == sensor; });
+}
+
+// A sensor that has left the group gets no release any more.
+void VrmlBaseGroup::dropLostGrabs() {
+  std::vector<tessel::SoRef<VrmlNode>> lost;
+  for (const auto& grab : grabs)
+    if (findChild(grab.get()) < 0) lost.push_back(grab);
+  for (const auto& sensor : lost) {
+    decrementGrabs(sensor.get());
+    sensor->grabEventsCleanup();
+  }
 }
 
 void VrmlBaseGroup::dispatchToChildren(SoHandleEventAction* action) {
   bool handledBySensor = false;
-  numGrabs = 0;
+  grabs.clear();
   action->pushCurPath();
   const std::vector<int> order = orders().event;  // a child may change the children
   const std::size_t firstSensor = order.size() - orders().numSensors;
   for (std::size_t n = 0; n < order.size() && order[n] < childList->getLength(); ++n) {
-    SoNode* child = (*childList)[order[n]];
-    action->popPushCurPath(order[n], child);
-    action->traverse(child);
-    if (n >= firstSensor && action->getGrabber() == child) {
-      static_cast<VrmlNode*>(child)->ignoreGrabRelease();
-      incrementGrabs();
+    const tessel::SoRef<SoNode> child((*childList)[order[n]]);
+    action->popPushCurPath(order[n], child.get());
+    action->traverse(child.get());
+    if (n >= firstSensor && action->getGrabber() == child.get()) {
+      auto* sensor = static_cast<VrmlNode*>(child.get());
+      sensor->ignoreGrabRelease();
+      incrementGrabs(sensor);
     }
     if (!action->hasTerminated()) continue;
     if (n < firstSensor) {
@@ -355,7 +380,7 @@ void VrmlBaseGroup::dispatchToChildren(SoHandleEventAction* action) {
     sensorHandled = 1;
   }
   action->popCurPath();
-  if (numGrabs == 0) return;
+  if (grabs.empty()) return;
   grabbing = true;
   action->setGrabber(this);
   grabPath.reset(action->getCurPath()->copy());
@@ -385,16 +410,16 @@ void VrmlBaseGroup::dispatchToGrabbingSensors(SoHandleEventAction* action) {
   const std::vector<int> order = orders().event;
   for (std::size_t n = order.size() - orders().numSensors;
        n < order.size() && order[n] < childList->getLength(); ++n) {
-    auto* sensor = static_cast<VrmlNode*>((*childList)[order[n]]);
-    action->popPushCurPath(order[n], sensor);
-    action->traverse(sensor);
+    const tessel::SoRef<VrmlNode> sensor(static_cast<VrmlNode*>((*childList)[order[n]]));
+    action->popPushCurPath(order[n], sensor.get());
+    action->traverse(sensor.get());
     if (SoNode* grabber = action->getGrabber(); grabber != this) {
-      if (grabber == sensor) {
+      if (grabber == sensor.get()) {
         sensor->ignoreGrabRelease();
-        incrementGrabs();
+        incrementGrabs(sensor.get());
       } else if (!grabber) {
         sensor->grabEventsCleanup();
-        decrementGrabs();
+        decrementGrabs(sensor.get());
       }
       action->setGrabber(this);
     }
@@ -411,7 +436,7 @@ void VrmlBaseGroup::dispatchToGrabbingSensors(SoHandleEventAction* action) {
     action->setHandled();
     sensorHandled = 1;
   }
-  if (numGrabs > 0) return;
+  if (!grabs.empty()) return;
   grabbing = false;
   action->setGrabber(nullptr);
   action->setHandled();
@@ -423,6 +448,7 @@ void VrmlBaseGroup::grabEventsCleanup() {
   if (!dispatchingGrab) {
     grabbing = false;
     grabPath.reset();
+    grabs.clear();
     const Orders o = orders();  // what the sensors send may change the children
     for (std::size_t n = o.event.size() - o.numSensors;
          n < o.event.size() && o.event[n] < childList->getLength(); ++n)
@@ -443,7 +469,10 @@ void VrmlBaseGroup::notify(SoNotList* list) {
                                   : source && source->isOfType(VrmlNode::getClassTypeId()) &&
                                         static_cast<const VrmlNode*>(source)->holdsChildren();
     if (structural) kidType = tessel::KidType::notComputed;
-    if (structural && record->getType() == SoNotRec::CONTAINER) recalcTraverseOrder();
+    if (structural && record->getType() == SoNotRec::CONTAINER) {
+      recalcTraverseOrder();
+      if (!grabs.empty() && isNotifyEnabled()) dropLostGrabs();
+    }
   }
   VrmlNode::notify(list);
 }

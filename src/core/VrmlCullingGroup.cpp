@@ -85,13 +85,6 @@ VrmlCullingGroup::~VrmlCullingGroup() = default;
 void VrmlCullingGroup::setNumRenderCaches(int number) { numRenderCaches = number; }
 int VrmlCullingGroup::getNumRenderCaches() { return numRenderCaches; }
 
-bool VrmlCullingGroup::readBody(tessel::WorldReader& reader) {
-  const tessel::NotifyOff a(static_cast<SoField&>(children)), b(static_cast<SoField&>(addChildren)),
-      c(static_cast<SoField&>(removeChildren)), d(static_cast<SoField&>(bboxCenter)),
-      e(static_cast<SoField&>(bboxSize));
-  return NodeClass::readBody(reader);
-}
-
 // Boxes.
 
 // Many files write the defaults out: a size below zero is none, whoever gave it.

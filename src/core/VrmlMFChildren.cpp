@@ -65,32 +65,35 @@ void VrmlMFChildren::copyFrom(const SoField& source) {
   setChildren(nodes);
 }
 
-bool VrmlMFChildren::holds(std::span<SoNode* const> nodes) const {
-  if (static_cast<std::size_t>(value->getLength()) != nodes.size()) return false;
-  for (std::size_t i = 0; i < nodes.size(); ++i) {
-    SoNode* child = (*value)[static_cast<int>(i)];
-    if (nodes[i] ? nodes[i] != child : !child->isOfType(VrmlNULL::getClassTypeId())) return false;
-  }
-  return true;
-}
-
 void VrmlMFChildren::setChildren(std::span<SoNode* const> nodes) {
   if (!value) return;
-  if (!holds(nodes)) {
-    std::vector<tessel::SoRef<VrmlNode>> wanted;
-    wanted.reserve(nodes.size());
-    VrmlBaseGroup* const group = groupOf(*this);
-    for (SoNode* node : nodes)
-      if (VrmlNode* child = node && group ? group->acceptableChild(node) : asChild(node))
-        wanted.emplace_back(child);
+  VrmlBaseGroup* const group = groupOf(*this);
+  // What stays at the head and at the tail of the list is not touched, so that paths through it live on.
+  const auto stays = [this](int index, SoNode* node) {
+    SoNode* child = (*value)[index];
+    return node ? node == child : child->isOfType(VrmlNULL::getClassTypeId());
+  };
+  int first = 0, end = value->getLength();
+  while (!nodes.empty() && first < end && stays(first, nodes.front())) {
+    nodes = nodes.subspan(1);
+    ++first;
+  }
+  while (!nodes.empty() && first < end && stays(end - 1, nodes.back())) {
+    nodes = nodes.first(nodes.size() - 1);
+    --end;
+  }
+  std::vector<tessel::SoRef<VrmlNode>> wanted;
+  wanted.reserve(nodes.size());
+  for (SoNode* node : nodes)
+    if (VrmlNode* child = node && group ? group->acceptableChild(node) : asChild(node))
+      wanted.emplace_back(child);
 
+  {
     const tessel::NotifyOff silence(*this);
-    if (group) {
-      group->removeAllChildren();
-      for (const auto& child : wanted) group->addChild(child.get());
-    } else {
-      value->truncate(0);
-      for (const auto& child : wanted) value->append(child.get());
+    while (end > first) group ? group->removeChild(--end) : value->remove(--end);
+    for (const auto& child : wanted) {
+      group ? group->insertChild(child.get(), first) : value->insert(child.get(), first);
+      ++first;
     }
   }
   valueChanged();

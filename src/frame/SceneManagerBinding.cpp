@@ -174,6 +174,7 @@ VrmlViewpoint* VrmlSceneManager::boundViewpoint() const {
 }
 
 void VrmlSceneManager::setViewpointManager(std::unique_ptr<VrmlViewpointManager> manager) {
+  if (!manager) return;
   viewpointManager = std::move(manager);
   viewpointManager->setSceneManager(this);
   bindingsDirty = true;

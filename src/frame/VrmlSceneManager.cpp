@@ -34,6 +34,7 @@
 #include <tessel/toolkit/Scoped.h>
 
 #include "frame/MatrixRotation.h"
+#include "frame/PathTail.h"
 
 using tessel::ScopedValue;
 using tessel::SoRef;
@@ -379,6 +380,13 @@ void VrmlSceneManager::checkViewpointMoved() {
   // of one Transform, only the first is heard of at the root, and the others have not their values by then.
   VrmlViewpoint* viewpoint = boundViewpoint();
   if (!viewpoint || !viewpoint->getPath()) return;
+  if (bindingsDirty && tessel::tailOf(viewpoint->getPath()) != viewpoint) {
+    // The change has cut the path. In the middle of a frame or of an update the next frame finds the new one.
+    if (pathsOfUpdate || this == activeSceneManager) return;
+    updateBindingNodes();
+    viewpoint = boundViewpoint();
+    if (!viewpoint || !viewpoint->getPath()) return;
+  }
   const SbUniqueId change = latestTransformChange(viewpoint->getPath());
   if (change == viewpointChange) return;
   viewpointChange = change;

@@ -13,4 +13,10 @@ template <class T> T* realNode(const VrmlSFNode& field) {
   return node && node->isOfType(T::getClassTypeId()) ? static_cast<T*>(node) : nullptr;
 }
 
+/// Lets the property of class T that a field holds act. An event may have put any other node there, even one that
+/// stands above.
+template <class T> void actIfReal(SoAction* action, const VrmlSFNode& field) {
+  if (T* node = realNode<T>(field)) node->doAction(action);
+}
+
 }  // namespace tessel

@@ -17,7 +17,10 @@
 
 #include <tessel/actions/VrmlCollideAction.h>
 #include <tessel/actions/VrmlCountAction.h>
+#include <tessel/shapes/VrmlColor.h>
 #include <tessel/shapes/VrmlCoordinate.h>
+#include <tessel/shapes/VrmlNormal.h>
+#include <tessel/shapes/VrmlTextureCoordinate.h>
 #include <tessel/toolkit/Scoped.h>
 #include <tessel/toolkit/VrmlContainerElement.h>
 
@@ -113,8 +116,10 @@ void VrmlIndexedFaceSet::sendShapeHintsToState(SoState* state) {
 }
 
 void VrmlIndexedFaceSet::doVertexPropertyAction(SoAction* action) {
-  for (const VrmlSFNode* property : {&coord, &normal, &color, &texCoord})
-    if (SoNode* node = property->getValue()) node->doAction(action);
+  tessel::actIfReal<VrmlCoordinate>(action, coord);
+  tessel::actIfReal<VrmlNormal>(action, normal);
+  tessel::actIfReal<VrmlColor>(action, color);
+  tessel::actIfReal<VrmlTextureCoordinate>(action, texCoord);
 }
 
 // Primitives

@@ -306,8 +306,8 @@ int VrmlIndexedLineSet::getMaterialBinding(SoAction* action) {
 }
 
 void VrmlIndexedLineSet::doVertexPropertyAction(SoAction* action) {
-  for (const VrmlSFNode* property : {&coord, &color})
-    if (SoNode* node = property->getRealValue()) node->doAction(action);
+  tessel::actIfReal<VrmlCoordinate>(action, coord);
+  tessel::actIfReal<VrmlColor>(action, color);
 }
 
 void VrmlIndexedLineSet::generatePrimitives(SoAction* action) {

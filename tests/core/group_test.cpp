@@ -16,6 +16,8 @@
 #include <tessel/actions/VrmlCountAction.h>
 #include <tessel/core/VrmlBillboard.h>
 #include <tessel/core/VrmlGroup.h>
+#include <tessel/core/VrmlLOD.h>
+#include <tessel/core/VrmlSwitch.h>
 #include <tessel/core/VrmlTransform.h>
 #include <tessel/core/VrmlWorldInfo.h>
 #include <tessel/events/VrmlNotifySensor.h>
@@ -150,6 +152,29 @@ TEST(Group, NoEventMakesAGroupItsOwnDescendant) {
   inner->addChildren.setValue(inner);
   EXPECT_EQ(inner->getNumChildren(), 0);
   EXPECT_EQ(world.messages.count("was not added to a group that stands below it"), 2);
+}
+
+TEST(Group, NorDoesOneToTheChildrenOfASwitchOrALOD) {
+  const TestWorld world(
+      "DEF A Group { children [ DEF S Switch { choice WorldInfo { } } DEF L LOD { level WorldInfo { } } ] }");
+  SoNode* const above[] = {world.get<VrmlGroup>("A")};
+  world.get<VrmlSwitch>("S")->choice.setChildren(above);
+  world.get<VrmlLOD>("L")->level.setChildren(above);
+  EXPECT_EQ(world.get<VrmlSwitch>("S")->getNumChildren(), 0);
+  EXPECT_EQ(world.get<VrmlLOD>("L")->getNumChildren(), 0);
+  EXPECT_EQ(world.messages.count("was not added to a group that stands below it"), 2);
+}
+
+TEST(Group, WithoutAChildNothingIsAdded) {
+  const SoRef<VrmlGroup> group(new VrmlGroup);
+  group->addChild(nullptr);
+  group->insertChild(nullptr, 0);
+  group->insertChild(new VrmlGroup, 7);
+  const SoRef<VrmlGroup> other(new VrmlGroup);
+  group->insertChild(other.get(), -1);
+  group->replaceChild(0, nullptr);
+  EXPECT_EQ(group->getNumChildren(), 1);
+  EXPECT_EQ(group->findChild(other.get()), -1);
 }
 
 TEST(Group, CopiesKeepSharing) {

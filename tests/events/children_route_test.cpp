@@ -9,6 +9,7 @@
 
 #include <vector>
 
+#include <Inventor/SoFullPath.h>
 #include <Inventor/misc/SoChildList.h>
 #include <Inventor/nodes/SoCube.h>
 
@@ -63,6 +64,29 @@ TEST_F(ChildrenRoutes, NodesReplaceTheChildrenAtOnceInOrderAndAsOneEvent) {
   EXPECT_EQ(b.notifications, before + 1);
   send(a.nodes, {});
   EXPECT_EQ(childrenOf(g), Nodes{});
+}
+
+TEST_F(ChildrenRoutes, PathsThroughChildrenThatStayLiveOn) {
+  VrmlRoute::add(&a.nodes, &h.children);
+  send(a.nodes, {x, y.get(), z.get(), nullptr});
+  const auto pathTo = [&](int child) {
+    SoRef<SoPath> path(new SoPath(&h));
+    path->append(child);
+    return path;
+  };
+  const auto first = pathTo(0), middle = pathTo(1), last = pathTo(2);
+  const SoRef<RouteProbe> other(new RouteProbe);
+  send(a.nodes, {x, other.get(), other.get(), z.get(), nullptr});
+  EXPECT_EQ(childrenOf(h), (Nodes{x, other.get(), other.get(), z.get(), nullptr}));
+  const auto end = [](const SoRef<SoPath>& path) {
+    return static_cast<const SoFullPath*>(path.get())->getTail();
+  };
+  EXPECT_EQ(end(first), x);
+  EXPECT_EQ(end(middle), &h) << "cut, where it led to a child that is gone";
+  EXPECT_EQ(end(last), z.get());
+  send(a.nodes, {z.get(), nullptr});
+  EXPECT_EQ(childrenOf(h), (Nodes{z.get(), nullptr}));
+  EXPECT_EQ(end(last), z.get());
 }
 
 TEST_F(ChildrenRoutes, FieldsOfNodesSeeTheChildrenWithNullForNone) {

@@ -7,6 +7,7 @@
 #include <Inventor/SbViewVolume.h>
 #include <Inventor/nodes/SoPerspectiveCamera.h>
 
+#include <tessel/core/VrmlGroup.h>
 #include <tessel/core/VrmlTransform.h>
 #include <tessel/frame/VrmlNavigationInfo.h>
 #include <tessel/pointing/VrmlPlaneSensor.h>
@@ -63,6 +64,21 @@ TEST(Viewpoint, AJumpOfTheUserIsAJumpWhateverTheNodeSays) {
   EXPECT_FALSE(b->jump.getValue());
   const SoRef<VrmlViewpoint> stranger(new VrmlViewpoint);
   EXPECT_EQ(stage.manager.getViewpointManager()->jumpToViewpoint(stranger.get()), 0);
+}
+
+TEST(Viewpoint, AnEventThatPutsItElsewhereInItsGroupMovesNobody) {
+  Stage stage(
+      "DEF G Group { children [ DEF T Transform { translation 1 2 3 children DEF A Viewpoint {} } "
+      "DEF B Group {} ] }");
+  stage.takeCameraCalls();
+  SoNode* const turned[] = {stage.get<VrmlNode>("B"), stage.get<VrmlNode>("T")};
+  stage.get<VrmlGroup>("G")->children.setChildren(turned);
+  EXPECT_TRUE(stage.takeCameraCalls().empty());
+  EXPECT_EQ(stage.bound<VrmlViewpoint>(), "A");
+  stage.get<VrmlTransform>("T")->translation.setValue(4, 5, 6);
+  const auto calls = stage.takeCameraCalls();
+  ASSERT_EQ(modesOf(calls), Modes{VrmlViewpointManager::moved});
+  EXPECT_TRUE(same(calls.back().origin, SbVec3f(4, 5, 6)));
 }
 
 TEST(Viewpoint, AMovingTransformAboveCarriesTheViewer) {

@@ -12,10 +12,14 @@
 #include <tessel/shapes/VrmlAppearance.h>
 #include <tessel/shapes/VrmlBox.h>
 #include <tessel/shapes/VrmlCoordinate.h>
+#include <tessel/shapes/VrmlIndexedFaceSet.h>
+#include <tessel/shapes/VrmlIndexedLineSet.h>
 #include <tessel/shapes/VrmlMaterial.h>
+#include <tessel/shapes/VrmlPointSet.h>
 #include <tessel/shapes/VrmlShape.h>
 #include <tessel/shapes/VrmlSphere.h>
 
+#include "shapes/Probe.h"
 #include "support/TestWorld.h"
 
 using namespace tessel::test;
@@ -80,6 +84,27 @@ TEST(ShapeSync, ANodeOfTheWrongTypeFailsTheReadAndBecomesNullByAnEvent) {
   look->texture = new VrmlBox;
   EXPECT_EQ(look->texture.getValue(), nullptr);
   EXPECT_EQ(childrenOf(look.get()), (Nodes{material}));
+}
+
+TEST(ShapeSync, AGroupInThePlaceOfAPropertyIsNoWayRoundForATraversal) {
+  const std::string values = "coord Coordinate { point [ 0 0 0, 1 0 0, 0 1 0 ] } coordIndex [ 0 1 2 ]";
+  TestWorld world("DEF G Group { children [ Shape { geometry DEF F IndexedFaceSet { " + values +
+                  " } } Shape { geometry DEF L IndexedLineSet { " + values +
+                  " } } Shape { geometry DEF P PointSet { coord Coordinate { point [ 2 0 0 ] } } } ] }");
+  auto* group = world.get<VrmlGroup>("G");
+  for (VrmlVertexShape* shape : {static_cast<VrmlVertexShape*>(world.get<VrmlIndexedFaceSet>("F")),
+                                 static_cast<VrmlVertexShape*>(world.get<VrmlIndexedLineSet>("L")),
+                                 static_cast<VrmlVertexShape*>(world.get<VrmlPointSet>("P"))}) {
+    shape->color.setValue(group);
+    EXPECT_EQ(trianglesOf(world.root()).size(), 1U);
+    EXPECT_EQ(hitsOf(world.root(), SbVec3f(0.2f, 0.2f, 5), SbVec3f(0, 0, -1)).size(), 1U);
+    shape->color.setValue(nullptr);
+  }
+  world.get<VrmlIndexedFaceSet>("F")->coord.setValue(group);
+  EXPECT_EQ(trianglesOf(world.root()).size(), 0U);
+  EXPECT_GT(countLit(world.root()), 0) << "the lines";
+  group->addChild(new VrmlGroup);
+  world.get<VrmlIndexedFaceSet>("F")->coord.setValue(nullptr);
 }
 
 TEST(ShapeSync, AChangeFarBelowIsToldAboveOnce) {

@@ -174,10 +174,11 @@ TEST(LinesGL, TakeTheColourThatTheMaterialEmits) {
 
 TEST(LinesGL, AnOverriddenColourLeavesIndicesRight) {
   const std::string body = repeated(threeLines, 0) + "colorIndex [ 0 0 -1 1 1 -1 2 2 ] " + redGreenBlue;
-  TestWorld world("Group { children [ Shape { geometry IndexedLineSet { " + body +
-                  " } } Shape { geometry IndexedFaceSet { coord Coordinate { point [ -1 0.4 0, 1 0.4 0, 0 0.6 0 ] } "
-                  "coordIndex [ 0 1 2 -1 ] colorIndex [ 0 1 2 -1 ] " +
-                  redGreenBlue + "} } ] }");
+  TestWorld world(
+      "Group { children [ Shape { geometry IndexedLineSet { " + body +
+      " } } Shape { geometry IndexedFaceSet { coord Coordinate { point [ -1 0.4 0, 1 0.4 0, 0 0.6 0 ] } "
+      "coordIndex [ 0 1 2 -1 ] colorIndex [ 0 1 2 -1 ] " +
+      redGreenBlue + "} } ] }");
   const tessel::SoRef<SoSeparator> root(new SoSeparator);
   auto* material = new SoMaterial;
   material->diffuseColor.setValue(0, 0, 1);

@@ -20,6 +20,8 @@ public:
   static constexpr const char* fileFormatName = "BaseGroup";
   static std::span<const tessel::FieldSpec> fields();
 
+  // Without a child or with a negative index these change nothing.
+
   /// Appends a child; the group holds it.
   virtual void addChild(VrmlNode* child);
   /// Inserts a child, or appends it if `index` is not below the count.
@@ -28,7 +30,6 @@ public:
   /// The index of a child by identity, -1 if it is not there.
   virtual int findChild(const VrmlNode* child) const;
   virtual int getNumChildren() const;
-  /// A negative index does nothing.
   virtual void removeChild(int index);
   virtual void removeAllChildren();
   virtual void replaceChild(int index, VrmlNode* child);
@@ -72,8 +73,9 @@ public:
 
   /// The children are as a change behind the group's back left them: find the orders anew.
   void recalcTraverseOrder();
-  void incrementGrabs() { ++numGrabs; }
-  void decrementGrabs() { --numGrabs; }
+  /// A sensor in the group holds a grab from now on; it stays alive until it lets go or leaves the group.
+  void incrementGrabs(VrmlNode* sensor);
+  void decrementGrabs(VrmlNode* sensor);
 
 protected:
   VrmlBaseGroup();
@@ -101,10 +103,11 @@ private:
   template <class Change> void changeChildren(Change change);
   void dispatchToChildren(SoHandleEventAction* action);
   void dispatchToGrabbingSensors(SoHandleEventAction* action);
+  void dropLostGrabs();
 
   mutable std::unique_ptr<Orders> computedOrders;
   int sensorHandled = 0;
-  int numGrabs = 0;
+  std::vector<tessel::SoRef<VrmlNode>> grabs;  // the sensors that hold one
   bool grabbing = false;
   bool dispatchingGrab = false;
   tessel::SoRef<SoPath> grabPath;

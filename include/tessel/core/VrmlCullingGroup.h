@@ -42,7 +42,6 @@ public:
   void collisionDetect(VrmlCollideAction* action) override;
   void count(VrmlCountAction* action) override;
   void notify(SoNotList* list) override;
-  bool readBody(tessel::WorldReader& reader) override;
 
 protected:
   VrmlCullingGroup();

@@ -23,7 +23,8 @@ public:
   static void initClass();
 
   /// Puts these nodes in the place of the children of the field's group, a VrmlNULL for each null pointer, as
-  /// one change. Toolkit nodes are left out. What is a child before and after stays alive.
+  /// one change. Toolkit nodes are left out. What is a child before and after stays alive, and those at both ends of
+  /// the list that stay where they are keep their paths.
   void setChildren(std::span<SoNode* const> nodes);
 
   /// Puts the copies of the group's children in their place.
@@ -34,5 +35,4 @@ public:
 
 private:
   void write1Value(SoOutput* out, SoNode* child) const;
-  bool holds(std::span<SoNode* const> nodes) const;
 };

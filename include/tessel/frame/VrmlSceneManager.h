@@ -92,7 +92,7 @@ public:
   void updateBindingNodes();
 
   VrmlViewpointManager* getViewpointManager() const { return viewpointManager.get(); }
-  /// Puts a host's own manager of viewpoints in place; it must not be null.
+  /// Puts a host's own manager of viewpoints in place; null leaves the one that is there.
   void setViewpointManager(std::unique_ptr<VrmlViewpointManager> manager);
   /// Jumps to the viewpoint of that name in the file; an unknown name does nothing.
   void bindToNamedViewpoint(const char* name);
