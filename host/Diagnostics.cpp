@@ -109,10 +109,13 @@ void Diagnostics::endWorld() {
     std::cerr << printable(world) << ": note: " << counted(dropped, "further message") << " not shown\n";
 }
 
-void Diagnostics::report(Severity severity, std::string_view text) {
+void Diagnostics::report(Severity severity, std::string_view text) { report(severity, world, 0, text); }
+
+void Diagnostics::report(Severity severity, std::string_view file, int line, std::string_view text) {
   Message message;
   message.severity = severity;
-  message.file = world;
+  message.file = file;
+  message.line = line;
   message.text = printable(text);
   add(std::move(message));
 }

@@ -57,6 +57,8 @@ public:
 
   /// A complaint of the program's own about the current world.
   void report(Severity severity, std::string_view text);
+  /// The same about a line of another file.
+  void report(Severity severity, std::string_view file, int line, std::string_view text);
   /// Progress on long work; printed in verbose mode only.
   void progress(std::string_view text) const;
   /// What is wrong with the surroundings or the usage: `tessel: TEXT`, in every mode.

@@ -8,6 +8,7 @@
 #include <Inventor/sensors/SoSensorManager.h>
 
 #include "Diagnostics.h"
+#include "fetch/Fetcher.h"
 
 namespace tessel::host {
 namespace {
@@ -16,6 +17,7 @@ using namespace std::chrono_literals;
 
 constexpr auto lookInterval = 300ms;  // between looks at the file
 constexpr auto frameInterval = 16ms;  // a display shows no more
+constexpr auto answerTime = 50ms;     // in a frame; what is left waits for the next one
 constexpr float wheelNotch = 0.05f;   // as if dragged over that part of the window
 
 /// The way of moving that the world asks for: the first of its types that there is.
@@ -30,10 +32,11 @@ Navigation::Mode wantedMode(const VrmlNavigationInfo& info) {
 
 }  // namespace
 
-Viewer::Viewer(Window& w, std::string p, const World& world, const ReadOptions& o, Diagnostics& d)
+Viewer::Viewer(Window& w, std::string p, const World& world, const ReadOptions& o, Fetcher& f, Diagnostics& d)
     : window(w),
       path(std::move(p)),
       options(o),
+      fetcher(f),
       diagnostics(d),
       stage(w.width(), w.height()),
       watch(path),
@@ -56,6 +59,7 @@ void Viewer::run() {
   WindowEvent event;
   while (!closed) {
     while (!closed && window.next(event)) handle(event);
+    fetcher.answer(answerTime);
     sensors.processTimerQueue();
     sensors.processDelayQueue(TRUE);
     checkFile();
@@ -73,6 +77,7 @@ void Viewer::run() {
 double Viewer::secondsToSleep() const {
   using Seconds = std::chrono::duration<double>;
   const auto now = Clock::now();
+  if (fetcher.pending() > 0) return 0;
   double sleep = Seconds(nextLook - now).count();
   if (dirty) sleep = std::min(sleep, Seconds(nextFrame - now).count());
   SbTime due;
@@ -182,7 +187,7 @@ void Viewer::reload(bool asked) {
   }
   diagnostics.endWorld();
   diagnostics.beginWorld(path);
-  const World world = loadWorld(path, options, diagnostics);
+  const World world = fetcher.open(path, options);
   if (!world.good() || !world.root) {
     diagnostics.report(Severity::warning, "the world that was read before stays");
     return;

@@ -13,12 +13,13 @@
 namespace tessel::host {
 
 class Diagnostics;
+class Fetcher;
 
 /// A world in a window, with mouse and keyboard. Draws only when something changed.
 class Viewer {
 public:
   /// `path` is where the world came from and is read again from; `-` can't be.
-  Viewer(Window& window, std::string path, const World& world, const ReadOptions& options,
+  Viewer(Window& window, std::string path, const World& world, const ReadOptions& options, Fetcher& fetcher,
          Diagnostics& diagnostics);
 
   /// Runs until the window is closed.
@@ -43,6 +44,7 @@ private:
   Window& window;
   std::string path;
   ReadOptions options;
+  Fetcher& fetcher;
   Diagnostics& diagnostics;
   Stage stage;
   Navigation navigation;

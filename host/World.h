@@ -11,8 +11,6 @@
 
 namespace tessel::host {
 
-class Diagnostics;
-
 /// A world as it came from its file.
 struct World {
   ExitStatus status =
@@ -26,10 +24,6 @@ struct World {
 void startLibrary();
 /// The same on a clock that stands still but for VrmlDB::setClock.
 void startLibrary(const SbTime& virtualStart);
-
-/// Reads a world from a path, or from standard input for `-`. What is wrong with it goes to `diagnostics`,
-/// which must have begun a world; after a failure at least one message has.
-World loadWorld(const std::string& path, const ReadOptions& options, Diagnostics& diagnostics);
 
 /// The title that the world gives itself, else its file's name.
 std::string titleOf(SoNode* root, const std::string& path);

@@ -10,6 +10,7 @@
 
 #include "../Diagnostics.h"
 #include "../ExitStatus.h"
+#include "../fetch/Fetcher.h"
 
 namespace tessel::host {
 

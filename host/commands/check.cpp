@@ -16,17 +16,19 @@ public:
   explicit CheckCommand(CLI::App& program)
       : Command(program, "check", "Read worlds and report what is wrong with them") {
     takeWorlds();
+    app.add_flag("--follow", follow, "Read the files that the worlds ask for, too");
     app.add_flag("--json", json, "Report on standard output, as JSON");
   }
   ExitStatus run() override;
 
 private:
-  bool json = false;
+  bool json = false, follow = false;
 };
 
 ExitStatus CheckCommand::run() {
   startLibrary();
   Diagnostics diagnostics(json ? Diagnostics::Output::collectOnly : output());
+  Fetcher fetcher(diagnostics, {.missingIsError = true});
   JsonWriter out(std::cout);
   if (json) {
     out.beginObject();
@@ -37,7 +39,11 @@ ExitStatus CheckCommand::run() {
   int good = 0;
   for (const std::string& path : worlds) {
     diagnostics.beginWorld(path == "-" ? "<stdin>" : path);
-    const World world = loadWorld(path, readOptions, diagnostics);
+    World world = fetcher.open(path, readOptions);
+    if (follow && world.good()) {
+      fetcher.settle(world.root.get(), true);
+      if (diagnostics.hasErrors()) world.status = ExitStatus::badWorld;
+    }
     diagnostics.endWorld();
     good += world.good();
     status = std::max(status, world.status);

@@ -28,7 +28,8 @@ ExitStatus InfoCommand::run() {
   Diagnostics diagnostics(output());
   const std::string& path = worlds.front();
   diagnostics.beginWorld(path == "-" ? "<stdin>" : path);
-  const World world = loadWorld(path, readOptions, diagnostics);
+  Fetcher fetcher(diagnostics);
+  const World world = fetcher.open(path, readOptions);
   if (world.good()) {
     const Contents contents = contentsOf(world.root.get());
     if (json) {

@@ -56,7 +56,8 @@ public:
   ExitStatus run() override;
 
 private:
-  ExitStatus shoot(const std::string& path, const std::string& target, Diagnostics& diagnostics);
+  ExitStatus shoot(const std::string& path, const std::string& target, Diagnostics& diagnostics,
+                   Fetcher& fetcher);
   std::string targetFor(const std::string& path);
 
   std::string output_;
@@ -81,6 +82,7 @@ std::string ShotCommand::targetFor(const std::string& path) {
 ExitStatus ShotCommand::run() {
   startLibrary(SbTime(virtualStart));
   Diagnostics diagnostics(output());
+  Fetcher fetcher(diagnostics);
   if (worlds.size() > 1 && !output_.empty() && !fs::is_directory(output_)) {
     std::error_code error;
     fs::create_directories(output_, error);
@@ -99,7 +101,7 @@ ExitStatus ShotCommand::run() {
   int drawn = 0;
   for (const std::string& path : worlds) {
     diagnostics.beginWorld(path == "-" ? "<stdin>" : path);
-    const ExitStatus one = shoot(path, targetFor(path), diagnostics);
+    const ExitStatus one = shoot(path, targetFor(path), diagnostics, fetcher);
     diagnostics.endWorld();
     drawn += one == ExitStatus::done;
     status = std::max(status, one);
@@ -110,10 +112,11 @@ ExitStatus ShotCommand::run() {
   return status;
 }
 
-ExitStatus ShotCommand::shoot(const std::string& path, const std::string& target, Diagnostics& diagnostics) {
+ExitStatus ShotCommand::shoot(const std::string& path, const std::string& target, Diagnostics& diagnostics,
+                              Fetcher& fetcher) {
   srand48(0);
   VrmlDB::setClock(SbTime(virtualStart));
-  const World world = loadWorld(path, readOptions, diagnostics);
+  const World world = fetcher.open(path, readOptions);
   if (!world.good()) return world.status;
   if (!world.root) {
     diagnostics.report(Severity::error, "there is nothing to show");
@@ -121,6 +124,7 @@ ExitStatus ShotCommand::shoot(const std::string& path, const std::string& target
   }
   Stage stage(size.width, size.height);
   stage.setWorld(world.root.get());
+  fetcher.settle(world.root.get(), false);
   if (!viewpoint.empty() && !stage.showViewpoint(viewpoint)) {
     diagnostics.report(Severity::error, "there is no viewpoint " + viewpoint);
     return ExitStatus::badWorld;
@@ -130,6 +134,11 @@ ExitStatus ShotCommand::shoot(const std::string& path, const std::string& target
   sensors.processDelayQueue(TRUE);
   diagnostics.progress("drawing");
   stage.draw();
+  // What is asked for when it is drawn comes into the picture, too.
+  while (fetcher.answer() > 0) {
+    fetcher.settle(world.root.get(), false);
+    stage.draw();
+  }
   const std::string failure = writePng(context->picture(), target);
   if (!failure.empty()) {
     diagnostics.complain("can't write " + target + ": " + failure);

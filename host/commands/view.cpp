@@ -24,7 +24,8 @@ ExitStatus ViewCommand::run() {
   Diagnostics diagnostics(output());
   const std::string& path = worlds.front();
   diagnostics.beginWorld(path == "-" ? "<stdin>" : path);
-  const World world = loadWorld(path, readOptions, diagnostics);
+  Fetcher fetcher(diagnostics);
+  const World world = fetcher.open(path, readOptions);
   if (!world.good()) {
     diagnostics.endWorld();
     return world.status;
@@ -39,7 +40,7 @@ ExitStatus ViewCommand::run() {
     diagnostics.complain(failure);
     return ExitStatus::surroundings;
   }
-  Viewer(*window, path, world, readOptions, diagnostics).run();
+  Viewer(*window, path, world, readOptions, fetcher, diagnostics).run();
   diagnostics.endWorld();
   return ExitStatus::done;
 }

@@ -2,6 +2,8 @@
 #include <string>
 #include <string_view>
 
+#include <Inventor/fields/SoMFString.h>
+#include <tessel/core/FetchConvention.h>
 #include <tessel/core/VrmlDB.h>
 
 namespace {
@@ -76,4 +78,10 @@ void VrmlDB::expandURL(const SbString& baseText, const SbString& urlText, SbStri
   }
   removeDotDots(full);
   result = full.c_str();
+}
+
+SbString tessel::fullURL(const SbString& base, const SoMFString& url, int index) {
+  SbString full;
+  if (index >= 0 && index < url.getNum()) VrmlDB::expandURL(base, url[index], full);
+  return full;
 }

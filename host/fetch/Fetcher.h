@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <string>
+#include <vector>
+
+#include <tessel/core/VrmlDB.h>
+#include <tessel/toolkit/SoRef.h>
+
+#include "../World.h"
+#include "FileChain.h"
+
+class VrmlInline;
+
+namespace tessel::host {
+
+class Diagnostics;
+enum class Severity;
+
+/// What a Fetcher may do.
+struct FetchOptions {
+  int maxChain = 32;                                     ///< files that lead to one another
+  int maxFiles = 10'000;                                 ///< read for one world
+  std::uint64_t maxTotalBytes = std::uint64_t{2} << 30;  ///< of all of them
+  bool missingIsError = false;  ///< report what could not be had by any alternative as an error
+};
+
+/// Gets what worlds ask for, and gives it to the nodes that asked.
+///
+/// Requests are noted when the library calls, in the middle of whatever it does, and are answered by `answer`, which
+/// the loop of the program calls between ticks: at the start of a frame, before anything else. A world from the
+/// network gets nothing from the disk. There is one at a time, and it speaks for one world at a time.
+class Fetcher {
+public:
+  explicit Fetcher(Diagnostics& diagnostics, const FetchOptions& options = {});
+  /// Nothing is asked for any more, and what was is forgotten.
+  ~Fetcher();
+  Fetcher(const Fetcher&) = delete;
+  Fetcher& operator=(const Fetcher&) = delete;
+
+  /// Reads a world, from a path or from standard input for `-`, and from now on fetches for this world alone. What
+  /// is wrong with it goes to the diagnostics, which must have begun a world; after a failure at least one message
+  /// has.
+  World open(const std::string& path, const ReadOptions& options);
+
+  /// Answers all requests that can be answered now, those too that come up meanwhile; how many it were. Goes on for
+  /// `budget`, then leaves the rest to the next call.
+  int answer(std::chrono::nanoseconds budget = std::chrono::nanoseconds::max());
+  /// How many requests wait for their answer.
+  int pending() const { return static_cast<int>(queue.size()); }
+
+  /// Asks for every Inline of a world that is not there yet, and for those that come with them, until there are no
+  /// more. With `all`, also for those that no traversal of the scene as it stands would come to.
+  void settle(SoNode* root, bool all);
+
+private:
+  struct Request {
+    SoRef<VrmlInline> node;
+    std::string url;
+    bool forPrototypes;  // by an EXTERNPROTO: many files may ask for one reading
+  };
+  /// The bytes of a URL, or why there are none.
+  struct Data {
+    std::string bytes, failure;
+    std::string url;   // where they came from in the end, without a fragment
+    std::string name;  // for messages
+  };
+  /// A file of prototypes, read once for all who ask.
+  struct Library {
+    int stack;
+    int file;
+  };
+
+  static void requestCB(const SbString& url, void* self, VrmlInline* node);
+  void forgetWorld();
+  void serve(const Request& request);
+  /// Where the request leads: a URL of the network, or the URL of a file on this disk. Empty with a `failure`.
+  std::string target(const Request& request, std::string& failure) const;
+  std::string limitReached(int asker) const;
+  Data readLocal(const std::string& url) const;
+  void give(const Request& request, const Data& data);
+  /// Reads a file under a stack of its own and gives the number of the stack.
+  int readWorld(const Data& data, int file, SoRef<SoNode>& root, ReadStatus& status);
+  void fail(const Request& request, const std::string& why, Severity atLeast);
+  int askForMissing(SoNode* root, bool all);
+
+  Diagnostics& diagnostics;
+  FetchOptions options;
+  ReadOptions readOptions;
+  FileChain files;
+  std::deque<Request> queue;
+  std::map<std::string, Library> libraries;  // by URL
+  std::uint64_t totalBytes = 0;
+};
+
+}  // namespace tessel::host
