@@ -5,8 +5,6 @@
 #include <memory>
 #include <string>
 
-#include <Inventor/SoDB.h>
-#include <Inventor/SoInteraction.h>
 #include <Inventor/nodes/SoPerspectiveCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
 #include <Inventor/system/gl.h>
@@ -17,17 +15,6 @@
 #include <tessel/toolkit/SoRef.h>
 
 #include "host/gl/OffscreenContext.h"
-
-/// Starts the toolkit and the library, once.
-inline void start() {
-  static const bool once = [] {
-    SoDB::init();
-    SoInteraction::init();
-    VrmlDB::init();
-    return true;
-  }();
-  (void)once;
-}
 
 /// A context, a camera that sees all of a world, and the action that draws it.
 class Frame {
@@ -40,7 +27,8 @@ public:
       : root(new SoSeparator), action(SbViewportRegion(width, height)) {
     context().makeCurrent();
     tessel::ReadStatus status;
-    world.reset(VrmlDB::read("#VRML V2.0 utf8\n" + text, "bench.wrl", status));
+    world.reset(
+        VrmlDB::read(text.starts_with("#VRML") ? text : "#VRML V2.0 utf8\n" + text, "bench.wrl", status));
     if (!world) std::abort();
     camera = new SoPerspectiveCamera;
     root->addChild(camera);
@@ -58,7 +46,7 @@ public:
     glFinish();
   }
 
-  void clear() {
+  static void clear() {
     context().makeCurrent();
     glEnable(GL_DEPTH_TEST);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);

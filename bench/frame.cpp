@@ -9,13 +9,18 @@
 #include <string>
 #include <vector>
 
+#include <Inventor/SoFullPath.h>
 #include <Inventor/SoPrimitiveVertex.h>
 #include <Inventor/actions/SoCallbackAction.h>
+#include <Inventor/actions/SoSearchAction.h>
 
 #include <tessel/core/VrmlTransform.h>
 #include <tessel/shapes/VrmlGeometry.h>
+#include <tessel/shapes/VrmlShape.h>
 
 #include "Frame.h"
+#include "support/Bench.h"
+#include "support/Worlds.h"
 
 namespace {
 
@@ -51,9 +56,11 @@ public:
   }
 
   void draw(bool blended) const {
+    Frame::clear();
     const SbViewVolume volume = camera->getViewVolume(static_cast<float>(Frame::width) / Frame::height);
     SbMatrix viewing, projection;
     volume.getMatrices(viewing, projection);
+    glPushAttrib(GL_ALL_ATTRIB_BITS);
     glMatrixMode(GL_PROJECTION);
     glLoadMatrixf(projection[0]);
     glMatrixMode(GL_MODELVIEW);
@@ -71,10 +78,7 @@ public:
       glMaterialfv(GL_FRONT_AND_BACK, GL_AMBIENT, d.ambient.getValue());
       glCallList(d.list);
     }
-    if (blended) {
-      glDisable(GL_BLEND);
-      glDepthMask(GL_TRUE);
-    }
+    glPopAttrib();
     glFinish();
   }
 
@@ -165,7 +169,7 @@ std::string tree(int n, int& made, int arity) {
   return text + "] }\n";
 }
 
-std::string shapesTree(int n) {
+std::string cylinders(int n) {
   int made = 0;
   return tree(n, made, 8);
 }
@@ -182,45 +186,74 @@ std::string glass(int n) {
   return text + "] }\n";
 }
 
-using Build = std::string (*)(int);
-constexpr Build builds[] = {shapesTree, flat, glass};
+/// The tree of many parts that is also read and measured in memory.
+std::string parts(int n) { return bench::textOf(bench::partTree(n)); }
 
-void bare(benchmark::State& state) {
-  start();
-  Frame frame(builds[state.range(0)](static_cast<int>(state.range(1))));
+using Build = std::string (*)(int);
+
+/// Drawing as such takes no result.
+template <class Draw> auto drawing(Draw draw) {
+  return [draw] {
+    draw();
+    return 0;
+  };
+}
+
+void still(benchmark::State& state, Build build, double limit) {
+  bench::start();
+  Frame frame(build(static_cast<int>(state.range(0))));
   const BareLoop loop(frame);
-  for (auto _ : state) {
-    frame.clear();
-    loop.draw(state.range(0) == 2);
+  {
+    bench::Duel duel(state, limit);
+    for (auto _ : state) {
+      duel.rival(drawing([&] { loop.draw(build == glass); }));
+      duel.library(drawing([&] { frame.draw(); }));
+    }
   }
   state.counters["shapes"] = static_cast<double>(loop.size());
   state.counters["triangles"] = static_cast<double>(loop.triangles());
 }
 
-void still(benchmark::State& state) {
-  start();
-  Frame frame(builds[state.range(0)](static_cast<int>(state.range(1))));
-  for (auto _ : state) frame.draw();
+/// Ten Transforms right above shapes, all over the world.
+std::vector<VrmlTransform*> moversOf(const Frame& frame) {
+  SoSearchAction search;
+  search.setType(VrmlShape::getClassTypeId());
+  search.setInterest(SoSearchAction::ALL);
+  search.apply(frame.getWorld());
+  const SoPathList& found = search.getPaths();
+  std::vector<VrmlTransform*> movers;
+  for (int i = 0; i < 10; ++i) {
+    const auto* path = static_cast<const SoFullPath*>(found[i * found.getLength() / 10]);
+    movers.push_back(static_cast<VrmlTransform*>(path->getNodeFromTail(1)));
+  }
+  return movers;
 }
 
-void moving(benchmark::State& state) {
-  start();
-  const int n = static_cast<int>(state.range(1));
-  Frame frame(builds[state.range(0)](n));
-  std::vector<VrmlTransform*> movers;
-  for (int i = 0; i < 10; ++i)
-    movers.push_back(static_cast<VrmlTransform*>(SoNode::getByName(partName(i * n / 10).c_str())));
+void moving(benchmark::State& state, Build build, double limit) {
+  bench::start();
+  const std::string text = build(static_cast<int>(state.range(0)));
+  Frame atRest(text), frame(text);
+  const std::vector<VrmlTransform*> movers = moversOf(frame);
   int step = 0;
+  bench::Duel duel(state, limit);
   for (auto _ : state) {
-    ++step;
-    for (VrmlTransform* t : movers) t->translation.setValue(scatter(step, 0), 0, 0);
-    frame.draw();
+    duel.rival(drawing([&] { atRest.draw(); }));
+    duel.library(drawing([&] {
+      ++step;
+      for (VrmlTransform* t : movers) t->translation.setValue(scatter(step, 0), 0, 0);
+      frame.draw();
+    }));
   }
 }
 
 }  // namespace
 
-// World (0 tree, 1 flat, 2 transparent boxes) and number of shapes.
-BENCHMARK(bare)->Args({0, 20000})->Args({1, 20000})->Args({2, 1000})->Unit(benchmark::kMillisecond);
-BENCHMARK(still)->Args({0, 20000})->Args({1, 20000})->Args({2, 1000})->Unit(benchmark::kMillisecond);
-BENCHMARK(moving)->Args({0, 20000})->Args({1, 20000})->Unit(benchmark::kMillisecond);
+#define FRAMES(kind, world, limit) \
+  BENCHMARK_CAPTURE(kind, world, world, limit)->UseManualTime()->Unit(benchmark::kMillisecond)
+FRAMES(still, parts, 1.2)->Arg(20000);
+FRAMES(still, cylinders, 1.2)->Arg(20000);
+FRAMES(still, flat, 1.2)->Arg(20000);
+FRAMES(still, glass, 4)->Arg(1000);
+FRAMES(moving, parts, 1.2)->Arg(20000);
+FRAMES(moving, cylinders, 1.2)->Arg(20000);
+FRAMES(moving, flat, 3)->Arg(20000);

@@ -23,6 +23,7 @@
 #include <tessel/shapes/VrmlIndexedFaceSet.h>
 
 #include "Frame.h"
+#include "support/Bench.h"
 
 namespace {
 
@@ -214,7 +215,7 @@ std::string worldOf(benchmark::State& state) {
 }
 
 void list(benchmark::State& state) {
-  start();
+  bench::start();
   Frame frame(worldOf(state), 0);
   const DisplayList rival(frame);
   for (auto _ : state) {
@@ -225,14 +226,14 @@ void list(benchmark::State& state) {
 }
 
 void still(benchmark::State& state) {
-  start();
+  bench::start();
   Frame frame(worldOf(state));
   for (auto _ : state) frame.draw();
 }
 
 // To be held against four frames of the list. Memory is that after the first frame beside that after reading.
 void firstPicture(benchmark::State& state) {
-  start();
+  bench::start();
   const std::string world = worldOf(state);
   double memory = 0;
   for (auto _ : state) {
@@ -271,7 +272,7 @@ void blend(const std::vector<SbVec3f>& from, const std::vector<SbVec3f>& to, flo
 
 /// A mesh with normals of its own corners, whose points move in every frame.
 void moving(benchmark::State& state) {
-  start();
+  bench::start();
   Frame frame(quads(state.range(0) ? "creaseAngle 1" : ""));
   const auto from = pointsOf();
   auto to = from;
@@ -288,14 +289,14 @@ void moving(benchmark::State& state) {
 
 /// The same frame of a mesh that stands still.
 void standing(benchmark::State& state) {
-  start();
+  bench::start();
   Frame frame(quads(state.range(0) ? "creaseAngle 1" : ""));
   for (auto _ : state) frame.draw();
 }
 
 /// The least that has to be computed for the points in motion: blend, normals of faces, normals of points.
 void plainLoops(benchmark::State& state) {
-  start();
+  bench::start();
   Frame frame(quads(""), 0);
   const auto from = pointsOf();
   auto to = from;
