@@ -23,6 +23,8 @@ enum class Run { strip, fan };
 template <bool normals, bool texCoords> class GLSink {
 public:
   static constexpr bool wantsTexCoords = texCoords;
+  /// Drivers join strips in a display list to one draw, but no fans.
+  static constexpr bool wantsFans = false;
 
   explicit GLSink(SoMaterialBundle& bundle) : materials(bundle) {}
 
@@ -87,6 +89,7 @@ template <class Describe> void drawPrimitive(SoGLRenderAction* action, Describe&
 class PipelineSink {
 public:
   static constexpr bool wantsTexCoords = true;
+  static constexpr bool wantsFans = true;
 
   PipelineSink(VrmlGeometry* g, SoAction* a) : geometry(g), action(a) {
     SoState* state = action->getState();

@@ -41,7 +41,7 @@ bool crossesLevel(const SbLine& line, float y, SbVec3f& point);
 
 enum class Facing { up, down };
 
-/// A disc at height y, rings from the outside in and a fan in the middle. Its texture is seen upright from
+/// A disc at height y, rings from the outside in and a fan in the middle, or a ring without a hole. Its texture is seen upright from
 /// outside.
 template <class Sink>
 void describeDisc(Sink& sink, const RoundCut& cut, float radius, float y, Facing facing) {
@@ -57,7 +57,8 @@ void describeDisc(Sink& sink, const RoundCut& cut, float radius, float y, Facing
   const auto ring = [&](int i) { return 1.0f - static_cast<float>(i) / static_cast<float>(cut.sections); };
 
   sink.normal(SbVec3f(0, up ? 1.0f : -1.0f, 0));
-  for (int i = 0; i + 1 < cut.sections; ++i) {
+  const int strips = Sink::wantsFans ? cut.sections - 1 : cut.sections;
+  for (int i = 0; i < strips; ++i) {
     sink.begin(Run::strip);
     for (int step = 0; step <= sides; ++step) {
       corner(step, up, ring(i));
@@ -65,6 +66,7 @@ void describeDisc(Sink& sink, const RoundCut& cut, float radius, float y, Facing
     }
     sink.end();
   }
+  if (!Sink::wantsFans) return;
   sink.begin(Run::fan);
   sink.texCoord(0.5f, 0.5f);
   sink.vertex(SbVec3f(0, y, 0));
