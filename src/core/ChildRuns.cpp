@@ -2,6 +2,7 @@
 #include "core/ChildRuns.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <Inventor/misc/SoChildList.h>
 #include <Inventor/nodes/SoNode.h>
@@ -18,6 +19,8 @@ constexpr std::size_t runLength = 64;
 
 std::span<const std::unique_ptr<ChildRuns::Run>> ChildRuns::update(const SoChildList& list,
                                                                    std::span<const int> order) {
+  if (!std::exchange(stale, false) && order.data() == seen.data() && order.size() == seen.size()) return runs;
+  seen = order;
   runs.resize((order.size() + runLength - 1) / runLength);
   for (std::size_t i = 0; i < runs.size(); ++i) {
     if (!runs[i]) runs[i] = std::make_unique<Run>(VrmlCullingGroup::getNumRenderCaches());

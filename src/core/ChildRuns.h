@@ -34,11 +34,13 @@ public:
   /// The runs of the children with the indices in `order`, which must outlive them. Boxes and lists of runs in
   /// which a child has changed are dropped.
   std::span<const std::unique_ptr<Run>> update(const SoChildList& list, std::span<const int> order);
-  /// The group has other children.
-  void clear() { runs.clear(); }
+  /// Something in the group has changed.
+  void setStale() { stale = true; }
 
 private:
   std::vector<std::unique_ptr<Run>> runs;
+  std::span<const int> seen;  // the order of the last update
+  bool stale = true;
 };
 
 }  // namespace tessel

@@ -239,6 +239,7 @@ void VrmlCullingGroup::notify(SoNotList* list) {
   if (allCaches) {
     allCaches->box.drop();
     allCaches->drawing.invalidate();
+    allCaches->runs.setStale();
   }
   const SoField* field = list->getLastField();
   if (isNotifyEnabled() && list->getLastRec() && list->getLastRec()->getType() == SoNotRec::CONTAINER &&
