@@ -70,7 +70,8 @@ void RenderCache::open(SoGLRenderAction* action) {
   SoState* state = action->getState();
   autoCacheOutside = SoGLCacheContextElement::resetAutoCacheBits(state);
   shapesBefore = shapesMet;
-  if (capacity <= 0 || SoCacheElement::anyOpen(state) || unchanged++ < patience || keptOut ||
+  // What is drawn unchanged into a list of a larger branch is ready for one when that is lost.
+  if (unchanged++ < patience || capacity <= 0 || SoCacheElement::anyOpen(state) || keptOut ||
       numShapes > static_cast<unsigned>(maxShapes))
     return;
   if (static_cast<int>(entries.size()) >= capacity) {

@@ -26,8 +26,8 @@ class DelayedRecording;
 ///     cache.close(action);
 class RenderCache {
 public:
-  /// Of more shapes a branch makes no list.
-  static constexpr int manyShapes = 512;
+  /// Of more shapes a branch makes no list: the first that moved would cost all of them.
+  static constexpr int manyShapes = 128;
 
   /// `capacity`: how many lists may stand side by side, for several contexts or surroundings.
   /// `maxShapes`: how many shapes a list may hold.
