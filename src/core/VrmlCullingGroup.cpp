@@ -32,6 +32,20 @@ namespace {
 
 int numRenderCaches = 2;
 
+// Has a group find its box. To make an action costs several times what it does for most groups, so one serves all; it
+// is never destroyed, since the toolkit may be gone before static objects are.
+void measure(SoNode* group, const SbViewportRegion& region) {
+  static auto* const shared = new SoGetBoundingBoxAction(region);
+  static bool busy = false;
+  if (busy) {  // asked from within
+    SoGetBoundingBoxAction(region).apply(group);
+    return;
+  }
+  const tessel::ScopedValue<bool> inUse(busy, true);
+  shared->setViewportRegion(region);
+  shared->apply(group);
+}
+
 // The groups that have child events waiting, and the one sensor that serves them behind the notification.
 struct WaitingGroups {
   std::vector<tessel::SoRef<VrmlCullingGroup>> groups;
@@ -96,8 +110,7 @@ bool VrmlCullingGroup::hasDeclaredBox() const {
 void VrmlCullingGroup::updateBoundingBox(SoAction* action) {
   if (caches().box.get()) return;
   if (!hasDeclaredBox()) {
-    SoGetBoundingBoxAction fill(SoViewportRegionElement::get(action->getState()));
-    fill.apply(this);
+    measure(this, SoViewportRegionElement::get(action->getState()));
     return;
   }
   const SbVec3f half = bboxSize.getValue() / 2;

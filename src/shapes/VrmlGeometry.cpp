@@ -120,7 +120,8 @@ SbVec2s VrmlGeometry::getScreenSize(SoState* state, const SbBox3f& box) {
   for (int axis = 0; axis < 2; ++axis) {
     // From -1 to 1 across the viewport: half the extent is the share of its size.
     const float extent = (projected.getMax()[axis] - projected.getMin()[axis]) * 0.5f * pixels[axis] * 0.5f;
-    size[axis] = static_cast<short>(std::clamp(extent, -32768.0f, 32767.0f));
+    size[axis] =
+        extent < 32767 ? static_cast<short>(std::max(extent, -32768.0f)) : 32767;  // also what is no number
   }
   return size;
 }
