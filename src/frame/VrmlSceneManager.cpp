@@ -361,7 +361,7 @@ void VrmlSceneManager::notifyHandlerCB(void* data, SoSensor* sensor) {
   auto* manager = static_cast<VrmlSceneManager*>(data);
   const auto* source = static_cast<const VrmlNotifySensor*>(sensor);
   manager->scheduleRedraw();
-  if (!manager->moveSensor.isScheduled()) manager->moveSensor.schedule();
+  if (!manager->moveSensor.isScheduled() && manager->viewpointMayMove()) manager->moveSensor.schedule();
   SoField* field = source->getTriggerField();
   SoNode* node = changedNode(*source);
   if (!node) return;
@@ -369,6 +369,13 @@ void VrmlSceneManager::notifyHandlerCB(void* data, SoSensor* sensor) {
     manager->fieldChanged(node, field);
   else
     manager->structureChanged(node);
+}
+
+// Every event asks: most viewpoints stand below no Transform, and did not before.
+bool VrmlSceneManager::viewpointMayMove() const {
+  if (viewpointChange != 0) return true;
+  const VrmlViewpoint* viewpoint = boundViewpoint();
+  return viewpoint && latestTransformChange(viewpoint->getPath()) != 0;
 }
 
 void VrmlSceneManager::moveCB(void* data, SoSensor*) {

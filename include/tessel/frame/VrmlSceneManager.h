@@ -125,6 +125,7 @@ private:
   void doFog(SoGLRenderAction* action);
   void preTraverse(std::uint32_t kidTypes, int silence);
   void checkSoundTraversal();
+  bool viewpointMayMove() const;
   void checkViewpointMoved();
   void fieldChanged(SoNode* node, SoField* field);
   void bindingFieldChanged(VrmlBindingNode* node, SoField* field);
