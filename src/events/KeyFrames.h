@@ -5,8 +5,13 @@
 
 #include <algorithm>
 
+#include <tessel/events/OnDemand.h>
 #include <tessel/events/VrmlInterpolator.h>
 #include <tessel/toolkit/PlainReport.h>
+
+#include "core/ValueType.h"
+
+template <class Field> struct tessel::ValueTypeOf<tessel::OnDemand<Field>> : tessel::ValueTypeOf<Field> {};
 
 template <class Values, class Output, class Value, class Blend>
 void VrmlInterpolator::evaluateSingle(const Values& values, Output& output, const Value& none, Blend blend,

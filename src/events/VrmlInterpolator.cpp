@@ -41,7 +41,31 @@ void VrmlInterpolator::copyContents(const SoFieldContainer* from, SbBool copyCon
   NodeClass::copyContents(from, copyConnections);
 }
 
+bool VrmlInterpolator::ownsOutput() {
+  SoEngineOutput* master = nullptr;
+  return getOutputField()->getConnectedEngine(master) && master == &engine->output;
+}
+
+bool tessel::evaluateOnDemand(const SoField& output) {
+  auto* interpolator = static_cast<VrmlInterpolator*>(output.getContainer());
+  if (!interpolator->ownsOutput()) return false;
+  const NotifyOff silence(*interpolator->getOutputField());
+  interpolator->evaluate();
+  return true;
+}
+
 // Notification.
+
+// What the engine would do, which knows one destination only.
+void VrmlInterpolator::sendOutput() {
+  SoField& output = *getOutputField();
+  if (ownsOutput()) {
+    output.setDirty(TRUE);
+    output.touch();
+  } else {
+    engine->startNotify();
+  }
+}
 
 void VrmlInterpolator::notify(SoNotList* list) {
   if (!isNotifyEnabled()) return;
@@ -49,7 +73,7 @@ void VrmlInterpolator::notify(SoNotList* list) {
   const SoNotRec* last = list->getLastRec();
   if (!field || !last || last->getType() != SoNotRec::CONTAINER || field == getOutputField()) return;
   if (enableState == EnableState::enabled)
-    engine->startNotify();
+    sendOutput();
   else
     enableState = EnableState::changed;
 }
@@ -58,7 +82,7 @@ void VrmlInterpolator::enable(int on) {
   const bool held = enableState == EnableState::changed;
   if (on) {
     enableState = EnableState::enabled;
-    if (held) engine->startNotify();
+    if (held) sendOutput();
   } else if (!held) {
     enableState = EnableState::disabled;
   }

@@ -108,18 +108,21 @@ void VrmlTimeSensor::copyContents(const SoFieldContainer* from, SbBool copyConne
 
 // Inputs.
 
+int VrmlTimeSensor::bitOf(const SoField* field) const {
+  if (field == &cycleInterval) return cycleIntervalBit;
+  if (field == &enabled) return enabledBit;
+  if (field == &loop) return loopBit;
+  if (field == &startTime) return startTimeBit;
+  return field == &stopTime ? stopTimeBit : 0;
+}
+
 void VrmlTimeSensor::notify(SoNotList* list) {
   if (!isNotifyEnabled()) return;
   const SoField* field = list->getLastField();
   if (field && list->getLastRec() && list->getLastRec()->getType() == SoNotRec::CONTAINER) {
-    const std::pair<const SoField*, int> inputs[] = {{&cycleInterval, cycleIntervalBit},
-                                                     {&enabled, enabledBit},
-                                                     {&loop, loopBit},
-                                                     {&startTime, startTimeBit},
-                                                     {&stopTime, stopTimeBit}};
-    const auto* input = std::ranges::find(inputs, field, &std::pair<const SoField*, int>::first);
-    if (input == std::end(inputs)) return;  // an output: nobody above listens
-    changedMask |= input->second;
+    const int input = bitOf(field);
+    if (input == 0) return;  // an output: nobody above listens
+    changedMask |= input;
     inputSensor.schedule();
   }
   if (optimizedNotify)
@@ -261,9 +264,13 @@ void VrmlTimeSensor::setActive(bool active) {
   if (static_cast<bool>(isActive.getValue()) != active) isActive.setValue(active);
 }
 
-// How far `t` is in its cycle, 0 where a cycle begins.
+// How far `t` is in its cycle, 0 where a cycle begins. `fmod` takes long where many cycles have passed.
 double VrmlTimeSensor::inCycle(double t) const {
-  const double passed = std::fmod(t - activeStart, activeInterval);
+  constexpr double mostCycles = 1e15;
+  const double elapsed = t - activeStart;
+  const double cycles = std::floor(elapsed / activeInterval);
+  const double passed =
+      cycles < mostCycles ? std::fma(-cycles, activeInterval, elapsed) : std::fmod(elapsed, activeInterval);
   return isSame(passed, 0) || isSame(passed, activeInterval) ? 0 : passed;
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <tessel/events/OnDemand.h>
 #include <tessel/events/VrmlInterpolator.h>
 
 #include <Inventor/fields/SoMFColor.h>
@@ -12,8 +13,8 @@ public:
   static constexpr const char* fileFormatName = "ColorInterpolator";
   static std::span<const tessel::FieldSpec> fields();
 
-  SoMFColor keyValue;       ///< exposedField, one 0 0 0: a colour a key
-  SoSFColor value_changed;  ///< eventOut, 0 0 0: the colour at the fraction
+  SoMFColor keyValue;                         ///< exposedField, one 0 0 0: a colour a key
+  tessel::OnDemand<SoSFColor> value_changed;  ///< eventOut, 0 0 0: the colour at the fraction
 
   VrmlColorInterpolator();
   void evaluate() override;

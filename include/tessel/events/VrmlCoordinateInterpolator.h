@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <tessel/events/OnDemand.h>
 #include <tessel/events/VrmlInterpolator.h>
 
 #include <Inventor/fields/SoMFVec3f.h>
@@ -12,8 +13,8 @@ public:
   static constexpr const char* fileFormatName = "CoordinateInterpolator";
   static std::span<const tessel::FieldSpec> fields();
 
-  SoMFVec3f keyValue;       ///< exposedField, one 0 0 0: equally many points for each key
-  SoMFVec3f value_changed;  ///< eventOut, one 0 0 0: the points at the fraction
+  SoMFVec3f keyValue;                         ///< exposedField, one 0 0 0: equally many points for each key
+  tessel::OnDemand<SoMFVec3f> value_changed;  ///< eventOut, one 0 0 0: the points at the fraction
 
   VrmlCoordinateInterpolator();
   void evaluate() override;

@@ -3,6 +3,7 @@
 
 #include <tessel/core/NodeClass.h>
 #include <tessel/core/VrmlNode.h>
+#include <tessel/events/OnDemand.h>
 #include <tessel/events/VrmlInterpEvalManager.h>
 #include <tessel/toolkit/SoRef.h>
 
@@ -67,8 +68,11 @@ protected:
                      Blend blend);
 
 private:
+  friend bool tessel::evaluateOnDemand(const SoField& output);
   enum class EnableState { enabled, disabled, changed };
 
+  bool ownsOutput();
+  void sendOutput();
   bool countKeys();
   void limitKeys(int numValues);
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <tessel/events/OnDemand.h>
 #include <tessel/events/VrmlInterpolator.h>
 
 #include <Inventor/fields/SoMFRotation.h>
@@ -13,8 +14,8 @@ public:
   static constexpr const char* fileFormatName = "OrientationInterpolator";
   static std::span<const tessel::FieldSpec> fields();
 
-  SoMFRotation keyValue;       ///< exposedField, one identity: a rotation a key
-  SoSFRotation value_changed;  ///< eventOut, identity: the rotation at the fraction
+  SoMFRotation keyValue;                         ///< exposedField, one identity: a rotation a key
+  tessel::OnDemand<SoSFRotation> value_changed;  ///< eventOut, identity: the rotation at the fraction
 
   VrmlOrientationInterpolator();
   void evaluate() override;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <tessel/events/OnDemand.h>
 #include <tessel/events/VrmlInterpolator.h>
 
 #include <Inventor/fields/SoMFFloat.h>
@@ -12,8 +13,8 @@ public:
   static constexpr const char* fileFormatName = "ScalarInterpolator";
   static std::span<const tessel::FieldSpec> fields();
 
-  SoMFFloat keyValue;       ///< exposedField, one 0: a number a key
-  SoSFFloat value_changed;  ///< eventOut, 0: the number at the fraction
+  SoMFFloat keyValue;                         ///< exposedField, one 0: a number a key
+  tessel::OnDemand<SoSFFloat> value_changed;  ///< eventOut, 0: the number at the fraction
 
   VrmlScalarInterpolator();
   void evaluate() override;

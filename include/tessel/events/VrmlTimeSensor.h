@@ -51,6 +51,7 @@ protected:
 private:
   static void inputChangedCB(void* self, SoSensor*);
   static void sensorCB(void* self);
+  int bitOf(const SoField* field) const;
   void checkInputs();
   void setUpSensor(bool loopTurnedOff, int changes);
   void tick();
