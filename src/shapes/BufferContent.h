@@ -24,6 +24,8 @@ struct VertexFormat {
   std::size_t colorAt() const { return !normals ? 12 : shortNormals ? 20 : 24; }
   std::size_t texCoordAt() const { return colorAt() + (colors ? 4 : 0); }
   std::size_t stride() const { return texCoordAt() + (texCoords ? 8 : 0); }
+
+  bool operator==(const VertexFormat&) const = default;
 };
 
 /// Writes a value as a part of a vertex.

@@ -100,7 +100,7 @@ bool MeshBuffers::isReady(SoState* state) const {
 
 void MeshBuffers::fill(SoState* state, const BufferContent& mesh, bool large) {
   const std::uint32_t context = contextOf(state);
-  form = mesh.format;
+  const bool sameForm = std::exchange(form, mesh.format) == mesh.format;
   vertexCount = mesh.vertexCount;
   indexCount = mesh.indices.size();
   const bool wereShort = std::exchange(shortIndices, vertexCount <= largestShortMesh);
@@ -115,7 +115,7 @@ void MeshBuffers::fill(SoState* state, const BufferContent& mesh, bool large) {
   auto* in = const_cast<InContext*>(find(context));
   if (!in) in = &contexts.emplace_back(InContext{context});
   if (!shortIndices && mesh.primitiveSize > 0 && partsFunction(context)) shortIndices = split(mesh);
-  if (shortIndices != wereShort)  // a context that can do less came in
+  if (shortIndices != wereShort || !sameForm)  // a context that can do less, or needs more, came in
     for (InContext& other : contexts) other.current = false;
   fillBuffers(*in, mesh);
 }
