@@ -326,8 +326,8 @@ private:
   std::vector<int> index = quads();
 };
 
-/// A frame in which a CoordinateInterpolator moves the points of a mesh with generated normals, less one in which
-/// the mesh stands still: run it with GALLIUM_NOOP=1, or the software driver's share is in it.
+/// A frame in which a CoordinateInterpolator moves the points of a mesh with generated normals, beside those loops
+/// alone. Run it with GALLIUM_NOOP=1, or all of the drawing is in it too; the driver's buffers still are.
 void points(benchmark::State& state) {
   startAll();
   const bool smooth = state.range(0) != 0;
