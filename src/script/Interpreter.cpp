@@ -1,0 +1,319 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The loop of the interpreter: what is done on plain numbers, and where everything else goes.
+#include "script/Interpreter.h"
+
+#include "script/Arithmetic.h"
+#include "script/JsMath.h"
+#include "script/VsField.h"
+#include "script/VsParseTree.h"
+
+namespace tessel::script {
+
+Location Interpreter::location() const {
+  if (!function) return tree.locationOf(0);
+  const auto i = static_cast<std::size_t>(at - function->code.data());
+  return tree.locationOf(i < function->lines.size() ? function->lines[i] : 0);
+}
+
+bool Interpreter::run(Function& called, std::span<const Value> arguments, Value* result) {
+  outcome = result;
+  bottom = tree.stack.depth();
+  if (tree.stepsLeft <= 0) return false;
+  if (!enter(called)) return true;
+  const std::size_t count = std::min(arguments.size(), static_cast<std::size_t>(called.numArgs));
+  for (std::size_t i = 0; i < count; ++i) window[i].setValue(arguments[i]);
+  if (loop()) return true;
+  while (tree.stack.depth() > bottom) leave();
+  return false;
+}
+
+// Begins a run. What it returns to is where the interpreter stands.
+bool Interpreter::enter(Function& called) {
+  if (tree.stack.isFull(called)) {
+    VsError::postRuntimeError("Functions are called more than %zu deep", CallStack::depthLimit);
+    return false;
+  }
+  const bool isFirst = !function;
+  window = tree.stack.enter(called, {function, window, isFirst ? nullptr : at + 2, isFirst ? -1 : at->dst});
+  function = &called;
+  return true;
+}
+
+// A value that is given back is assigned where the call stands. A run without one leaves there what it finds.
+void Interpreter::giveBack(const Value& value) {
+  const CallStack::Caller& caller = tree.stack.innermost();
+  if (tree.stack.depth() > bottom + 1) {
+    caller.window[caller.dst].setValue(value);
+  } else if (outcome) {
+    outcome->setValue(value);
+  }
+}
+
+void Interpreter::leave() {
+  const CallStack::Caller caller = tree.stack.leave(*function, window);
+  function = caller.function;
+  window = caller.window;
+  at = caller.next;
+}
+
+bool Interpreter::takeStep(const Instruction& instruction) {
+  if (--tree.stepsLeft > 0) return true;
+  at = &instruction;
+  VsError::postStopped("Script was stopped: it takes too many steps");
+  return false;
+}
+
+// Two plain numbers for an operation.
+static inline bool arePlain(const Value& a, const Value& b) {
+  return a.type() == Type::sfTime && b.type() == Type::sfTime;
+}
+
+bool Interpreter::loop() {
+  const Instruction* pc = function->code.data();
+  Value* base = window;
+
+  const auto arith = [&]<Op op, bool assigns>() __attribute__((always_inline)) {
+    const Instruction& i = *pc;
+    const Value& a = base[i.a];
+    const Value& b = base[i.b];
+    if (arePlain(a, b)) [[likely]] {
+      const double result = number::rounded(arithmetic<op>(a.time(), b.time()));
+      base[i.dst].setWhole(result);
+      if constexpr (assigns) base[i.c].setWhole(result);
+    } else {
+      slowArith(i);
+    }
+    ++pc;
+  };
+  const auto compare = [&]<Op op>() __attribute__((always_inline)) {
+    const Instruction& i = *pc;
+    const Value& a = base[i.a];
+    const Value& b = base[i.b];
+    if (arePlain(a, b)) [[likely]] {
+      base[i.dst].setBool(comparison<op>(a.time(), b.time()));
+    } else {
+      slowCompare(i);
+    }
+    ++pc;
+  };
+  // The next instruction is the jump that waits for the result.
+  const auto compareUnless = [&]<Op op>() __attribute__((always_inline)) {
+    const Instruction& i = *pc;
+    const Value& a = base[i.a];
+    const Value& b = base[i.b];
+    if (arePlain(a, b)) [[likely]] {
+      const bool result = comparison<op>(a.time(), b.time());
+      base[i.dst].setBool(result);
+      pc = result ? pc + 2 : function->code.data() + pc[1].b;
+    } else {
+      slowCompare(i);
+      ++pc;
+    }
+  };
+
+  for (;;) {
+    const Instruction& i = *pc;
+    switch (i.op) {
+#define TESSEL_ARITH(name)                        \
+  case Op::name:                                  \
+    arith.template operator()<Op::name, false>(); \
+    break;                                        \
+  case Op::name##Assign:                          \
+    arith.template operator()<Op::name, true>();  \
+    break
+      TESSEL_ARITH(add);
+      TESSEL_ARITH(subtract);
+      TESSEL_ARITH(multiply);
+      TESSEL_ARITH(divide);
+      TESSEL_ARITH(remainder);
+      TESSEL_ARITH(bitAnd);
+      TESSEL_ARITH(bitOr);
+      TESSEL_ARITH(bitXor);
+      TESSEL_ARITH(shiftLeft);
+      TESSEL_ARITH(shiftRight);
+      TESSEL_ARITH(shiftRightSigned);
+#undef TESSEL_ARITH
+#define TESSEL_COMPARE(name)                       \
+  case Op::name:                                   \
+    compare.template operator()<Op::name>();       \
+    break;                                         \
+  case Op::name##Unless:                           \
+    compareUnless.template operator()<Op::name>(); \
+    break
+      TESSEL_COMPARE(equal);
+      TESSEL_COMPARE(notEqual);
+      TESSEL_COMPARE(less);
+      TESSEL_COMPARE(lessEqual);
+      TESSEL_COMPARE(greater);
+      TESSEL_COMPARE(greaterEqual);
+#undef TESSEL_COMPARE
+      case Op::negate:
+      case Op::complement:
+      case Op::logicalNot:
+        slowUnary(i);
+        ++pc;
+        break;
+      case Op::andLeft:
+      case Op::orLeft:
+        pc = decides(i) ? function->code.data() + i.b : pc + 1;
+        break;
+      case Op::andRight:
+      case Op::orRight:
+        andOr(i);
+        ++pc;
+        break;
+      case Op::incrementVariable: {
+        Value& variable = base[i.a];
+        if (variable.type() == Type::sfTime) [[likely]] {
+          const double before = variable.time();
+          const double after = number::rounded(before + i.aux);
+          variable.setWhole(after);
+          base[i.dst].setWhole(i.b ? after : before);
+        } else {
+          slowIncrement(i);
+        }
+        ++pc;
+        break;
+      }
+      case Op::increment:
+        pc = incrementOther(i) ? pc + 1 : function->code.data() + i.b;
+        break;
+      case Op::keepNumber:
+        base[i.dst] = base[i.a];
+        ++pc;
+        break;
+      case Op::assign:
+        if (base[i.a].isScalar() && i.b < 0) [[likely]] {
+          base[i.dst].setValue(base[i.a]);
+        } else {
+          assign(i);
+        }
+        ++pc;
+        break;
+      case Op::copy:
+        at = pc;
+        checkVariable(i.a);
+        base[i.dst] = base[i.a];
+        ++pc;
+        break;
+      case Op::copyResult:
+        if (base[i.a].isNone()) {
+          base[i.dst].clear();
+        } else {
+          base[i.dst].setValue(base[i.a]);
+        }
+        ++pc;
+        break;
+      case Op::setNone:
+        base[i.dst].clear();
+        ++pc;
+        break;
+      case Op::checkVariable:
+        if (base[i.a].type() == Type::undefined) {
+          at = pc;
+          checkVariable(i.a);
+        }
+        ++pc;
+        break;
+      case Op::checkIndex:
+        pc = isIndex(i) ? pc + 1 : function->code.data() + i.b;
+        break;
+      case Op::loadGlobal:
+        tree.global(i.a).read(base[i.dst]);
+        ++pc;
+        break;
+      case Op::storeGlobal:
+        at = pc;
+        assign(i);
+        ++pc;
+        break;
+      case Op::jump:
+        pc = function->code.data() + i.b;
+        break;
+      case Op::jumpBack:
+        if (!takeStep(i)) return false;
+        pc = function->code.data() + i.b;
+        break;
+      case Op::jumpUnless: {
+        const Value& value = base[i.a];
+        bool isNumber = true;
+        if (value.type() == Type::sfBool ? value.getBool() : truth(i, value, isNumber)) {
+          ++pc;
+        } else {
+          pc = function->code.data() + (isNumber ? i.b : i.c);
+        }
+        break;
+      }
+      case Op::jumpIfNone:
+        pc = base[i.a].isNone() ? function->code.data() + i.b : pc + 1;
+        break;
+      case Op::passArgument:
+        if (base[i.a].isNone()) {
+          pc = function->code.data() + i.b;
+        } else {
+          at = pc;
+          checkVariable(i.a);
+          base[i.dst].clear(Type::undefined);
+          base[i.dst].setValue(base[i.a]);
+          ++pc;
+        }
+        break;
+      case Op::call: {
+        at = pc;
+        if (!takeStep(i)) return false;
+        Function& called = tree.function(i.a);
+        Value* passed = base + i.b;
+        const int count = i.c;
+        if (!enter(called)) {
+          ++pc;
+          break;
+        }
+        base = window;
+        for (int k = 0; k < count; ++k) base[k].swap(passed[k]);
+        pc = called.code.data();
+        break;
+      }
+      case Op::giveBack:
+        at = pc;
+        checkVariable(i.a);
+        giveBack(base[i.a]);
+        [[fallthrough]];
+      case Op::end:
+        leave();
+        if (tree.stack.depth() == bottom) return true;
+        base = window;
+        pc = at;
+        break;
+      case Op::getElement:
+        getElement(i);
+        ++pc;
+        break;
+      case Op::setElement:
+        setElement(i);
+        ++pc;
+        break;
+      case Op::callMath:
+        callMath(i);
+        ++pc;
+        break;
+      case Op::mathProperty:
+        base[i.dst].setTime(JsMath::evaluateProperty(static_cast<Property>(i.aux)));
+        ++pc;
+        break;
+      case Op::parseInt:
+      case Op::parseFloat:
+        parseNumber(i);
+        ++pc;
+        break;
+      case Op::acceptsCall:
+      case Op::appendElement:
+        pc = onObject(i) ? pc + 1 : function->code.data() + i.b;
+        break;
+      default:
+        onObject(i);
+        ++pc;
+    }
+  }
+}
+
+}  // namespace tessel::script

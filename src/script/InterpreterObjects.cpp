@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The operations of the interpreter on field objects, the Math and the Browser object.
+#include <vector>
+
+#include <tessel/script/RuntimeErrors.h>
+
+#include "script/Interpreter.h"
+#include "script/VsBrowser.h"
+#include "script/VsField.h"
+#include "script/VsParseTree.h"
+
+namespace tessel::script {
+namespace {
+
+// The arguments of one call, in place where they are few.
+class ArgumentList {
+public:
+  ArgumentList(const Function& function, const Value* window, const Instruction& i) {
+    const auto count = static_cast<std::size_t>(i.c);
+    const Value** out = few;
+    if (count > std::size(few)) {
+      many.resize(count);
+      out = many.data();
+    }
+    const std::int32_t* places = function.arguments.data() + i.b;
+    for (std::size_t k = 0; k < count; ++k) out[k] = window + places[k];
+    arguments = {out, count};
+  }
+  operator Arguments() const { return arguments; }
+
+private:
+  const Value* few[8];
+  std::vector<const Value*> many;
+  Arguments arguments;
+};
+
+// An object that stays while it is worked on: what is done to it may send events that reach this script again.
+VsField* objectOf(const Value& value) { return isHeldByField(value.type()) ? value.object() : nullptr; }
+
+}  // namespace
+
+bool Interpreter::onObject(const Instruction& i) {
+  at = &i;
+  switch (i.op) {
+    case Op::getMember: {
+      checkVariable(i.a);
+      const Value holder = window[i.a];
+      if (VsField* object = objectOf(holder))
+        object->memberEvaluate(window[i.dst], static_cast<Property>(i.aux), tree.memberName(i.b));
+      return true;
+    }
+    case Op::setMember: {
+      checkVariable(i.a);
+      const Value holder = window[i.a];
+      window[i.dst].clear();
+      if (VsField* object = objectOf(holder))
+        object->memberAssign(window[i.dst], static_cast<Property>(i.aux), tree.memberName(i.b), window[i.c]);
+      return true;
+    }
+    case Op::setMathMember:
+      VsError::postRuntimeError("%s", RTE_FUNC_MATH_ASSIGN);
+      window[i.dst].clear();
+      return true;
+    case Op::acceptsCall: {
+      checkVariable(i.a);
+      VsField* object = objectOf(window[i.a]);
+      return object && object->acceptsCall(static_cast<Method>(i.aux), i.c);
+    }
+    case Op::callMethod: {
+      const Value holder = window[i.a];
+      if (VsField* object = objectOf(holder))
+        object->methodCall(window[i.dst], static_cast<Method>(i.aux), ArgumentList(*function, window, i));
+      return true;
+    }
+    case Op::callBrowser:
+      VsBrowser::evaluateMethod(window[i.dst], static_cast<Method>(i.aux),
+                                ArgumentList(*function, window, i));
+      return true;
+    case Op::allocField:
+      window[i.dst] = newFieldObject(static_cast<Type>(i.aux));
+      return true;
+    case Op::constructField:
+      if (VsField* object = objectOf(window[i.dst]))
+        object->constructField(ArgumentList(*function, window, i));
+      return true;
+    case Op::appendElement: {
+      checkVariable(i.a);
+      VsField* object = objectOf(window[i.dst]);
+      return object && !window[i.a].isNone() && object->append(window[i.a]);
+    }
+    default:
+      return true;
+  }
+}
+
+}  // namespace tessel::script

@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "script/Names.h"
+#include "script/Token.h"
+
+namespace tessel::script {
+
+struct Function;
+
+enum class ExprKind : std::uint8_t {
+  number,
+  string,
+  local,
+  global,
+  assign,     ///< a = b
+  arrayVar,   ///< a[b]
+  arith,      ///< a sign b
+  incDec,     ///< sign a, or a sign
+  comma,      ///< a, b
+  condExpr,   ///< a ? b : c
+  unary,      ///< sign a: - ~ !
+  logic,      ///< a sign b
+  member,     ///< a.text, Math.text
+  method,     ///< a.text(list), Math.text(list), Browser.text(list)
+  call,       ///< function(list)
+  construct,  ///< new constructor(list), parseInt(list), parseFloat(list)
+  invalid     ///< what was complained of; it is never compiled
+};
+
+/// An expression. The target of `x += 1` is the target of an assignment and an operand at once.
+struct Expr {
+  ExprKind kind = ExprKind::invalid;
+  Sign sign = Sign::end;
+  Owner owner = Owner::ownOBJECT;
+  Method method = Method::unknown;
+  Property property = Property::other;
+  bool isPrefix = false;
+  int line = 0;
+  int height = 1;   ///< of the tree below, this one included
+  int index = -1;   ///< of a local, global, constant or member access
+  int result = -1;  ///< where the compiler keeps its result
+  Expr* a = nullptr;
+  Expr* b = nullptr;
+  Expr* c = nullptr;
+  Function* function = nullptr;
+  const Constructor* constructor = nullptr;
+  std::vector<Expr*> list;
+
+  bool isVariable() const {
+    return kind == ExprKind::local || kind == ExprKind::global || kind == ExprKind::arrayVar ||
+           kind == ExprKind::member;
+  }
+};
+
+enum class StmtKind : std::uint8_t { expression, result, choice, loop, leave, proceed, invalid };
+
+/// A statement: `expr;`, `return expr;`, `if (expr) body else other`, `for (init; expr; step) body` (and `while`),
+/// `break;`, `continue;`.
+struct Stmt {
+  StmtKind kind = StmtKind::invalid;
+  bool hasOther = false;
+  int line = 0;
+  Expr* init = nullptr;
+  Expr* expr = nullptr;
+  Expr* step = nullptr;
+  std::vector<Stmt*> body;
+  std::vector<Stmt*> other;
+};
+
+/// Owns what one parse builds.
+struct SyntaxTree {
+  std::deque<Expr> expressions;
+  std::deque<Stmt> statements;
+};
+
+}  // namespace tessel::script

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "script/Value.h"
+
+#include "script/VsField.h"
+
+namespace tessel::script {
+
+Value::Value(Type type, VsField* object, std::int32_t element) noexcept
+    : kind(type), place(element), number{.object = object} {
+  share();
+}
+
+void Value::share() const { number.object->ref(); }
+
+void Value::drop() {
+  kind = Type::none;
+  place = -1;
+  number.object->unref();
+}
+
+bool Value::getBool() const {
+  switch (kind) {
+    case Type::sfFloat:
+      return number.real != 0;
+    case Type::sfTime:
+      return number.time != 0;
+    default:
+      return number.integer != 0;
+  }
+}
+
+std::int32_t Value::getInt() const {
+  switch (kind) {
+    case Type::sfFloat:
+      return number::truncated(number.real);
+    case Type::sfTime:
+      return number::truncated(number.time);
+    default:
+      return number.integer;
+  }
+}
+
+float Value::getFloat() const {
+  switch (kind) {
+    case Type::sfFloat:
+      return number.real;
+    case Type::sfTime:
+      return static_cast<float>(number.time);
+    default:
+      return static_cast<float>(number.integer);
+  }
+}
+
+double Value::getTime() const {
+  switch (kind) {
+    case Type::sfFloat:
+      return number.real;
+    case Type::sfTime:
+      return number.time;
+    default:
+      return number.integer;
+  }
+}
+
+void Value::setNumber(double x, Type like) {
+  switch (like) {
+    case Type::sfBool:
+      return setBool(x != 0);
+    case Type::sfInt32:
+      return setInt(number::truncated(x));
+    case Type::sfFloat:
+      return setFloat(static_cast<float>(x));
+    default:
+      return setTime(x);
+  }
+}
+
+void Value::setObject(const Value& newValue) {
+  if (!isHeldByField(newValue.kind)) return;
+  if (isVector(newValue.kind)) {
+    newValue.object()->copyVector(*this, newValue.element());
+  } else {
+    *this = newValue;
+  }
+}
+
+}  // namespace tessel::script

@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+#include "script/Names.h"
+#include "script/Value.h"
+
+class SoField;
+class SoFieldContainer;
+
+namespace tessel::script {
+
+/// A new value of the script's own, with the neutral value of its type; one of the types sfString to mfRotation.
+Value newFieldObject(Type type);
+/// A value over a toolkit field, `none` for a field that scripts can't hold. With `keepsNode` the node that has the
+/// field lives as long as the value.
+Value fieldObjectOver(SoField& field, bool keepsNode);
+
+/// The evaluated arguments of a method or constructor.
+using Arguments = std::span<const Value* const>;
+
+/// What a script value holds that is no number: one field value with the properties and methods of its type.
+///
+/// It is either a value of the script's own or stands over a toolkit field of a node, which it then reads and
+/// writes in place. It counts its shares; the last one deletes it.
+class VsField {
+public:
+  VsField(const VsField&) = delete;
+  VsField& operator=(const VsField&) = delete;
+
+  void ref() { ++shares; }
+  void unref() {
+    if (--shares == 0) dispose();
+  }
+  /// Only one value holds this object, so it may be overwritten in place.
+  bool isUnshared() const { return shares == 1; }
+
+  virtual Type type() const = 0;
+  /// The toolkit field that this stands over; null for a value of the script's own.
+  SoField* liveField() const { return field; }
+  /// A value that lives on may keep nodes from going.
+  virtual bool keepsNodes() const { return node != nullptr; }
+
+  /// Over a toolkit field: gives it what was assigned in its place, of the same type or an element of it.
+  virtual void postExecute(const Value& /*current*/) {}
+  /// Vectors over a toolkit field: gives it a vector or element now.
+  virtual void setVecValue(const Value& /*newValue*/) {}
+
+  /// Whether a call of the method may go on to its arguments: it exists, with that many. Reports what is wrong.
+  virtual bool acceptsCall(Method /*method*/, int /*count*/) { return false; }
+  /// Calls a method that was accepted. Without a result, `result` stays as it is.
+  virtual void methodCall(Value& /*result*/, Method /*method*/, Arguments /*arguments*/) {}
+  /// Reads a property into `result`; `name` is its name as written.
+  virtual void memberEvaluate(Value& /*result*/, Property /*property*/, std::string_view /*name*/) {}
+  /// Sets a property; `holder` gets what the expression yields.
+  virtual void memberAssign(Value& /*holder*/, Property /*property*/, std::string_view /*name*/,
+                            const Value& /*newValue*/) {}
+
+  /// Whether it has elements or components at all.
+  virtual bool isArray() const { return false; }
+  /// Reads element or component `i`, the component of element `element` where this is the whole that it belongs
+  /// to. Without one, `result` stays as it is, after a report.
+  virtual void getElement(Value& /*result*/, std::int32_t /*element*/, std::int32_t /*i*/) {}
+  /// Sets one in the same way. False, after a report, if that can't be done.
+  virtual bool setElement(Value& /*result*/, std::int32_t /*element*/, std::int32_t /*i*/,
+                          const Value& /*newValue*/) {
+    return false;
+  }
+
+  /// Fills a new value of the script's own with what a constructor was given.
+  virtual void constructField(Arguments /*arguments*/) {}
+  /// Multiples: adds one more value. False, after a report, if it is of the wrong type.
+  virtual bool append(const Value& /*newValue*/) { return false; }
+
+  /// Vectors and multiples of these: copies the whole, or the element, into a value of the script's own.
+  virtual void copyVector(Value& /*target*/, std::int32_t /*element*/) const {}
+
+protected:
+  VsField() = default;
+  /// Over a field of a node, which is kept from going if `keepsNode` is set.
+  VsField(SoField* field, bool keepsNode);
+  virtual ~VsField();
+
+private:
+  void dispose() { delete this; }
+
+  std::uint32_t shares = 0;
+  SoField* field = nullptr;
+  SoFieldContainer* node = nullptr;
+};
+
+}  // namespace tessel::script

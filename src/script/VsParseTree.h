@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "script/CallStack.h"
+#include "script/Function.h"
+#include "script/GlobalVar.h"
+#include "script/VsError.h"
+
+namespace tessel::script {
+
+/// One parsed script: its functions, the variables that stand for the Script's fields and eventOuts, and the
+/// windows that its functions run in.
+class VsParseTree {
+public:
+  VsParseTree() = default;
+  VsParseTree(const VsParseTree&) = delete;
+  VsParseTree& operator=(const VsParseTree&) = delete;
+
+  /// Where the text of the script came from, for reports. The line is that of its first character, from 1; 0 if
+  /// there is no file.
+  void setSource(std::string file, int line);
+
+  /// Makes a field or eventOut of the Script known, before the parse. False for a type that scripts don't have.
+  bool addGlobalVar(const char* name, SoField& field, AccessType access);
+
+  /// Parses once. False, after reports, if anything is wrong with the script; then it must not be run.
+  bool parse(std::string_view text, std::string_view nodeName);
+
+  /// The first function of a name, null if there is none.
+  Function* findFunction(std::string_view name);
+
+  /// Calls a function. Arguments beyond its parameters are ignored, missing ones are undefined.
+  /// @return false if the script was stopped; it must then do nothing more before the next `preExecute`
+  bool call(Function& function, std::span<const Value> arguments, Value* result = nullptr);
+
+  /// Before and after the calls for the events of one time. What was assigned to strings, nodes, images and multiple
+  /// values goes out in `postExecute`.
+  void preExecute();
+  void postExecute();
+
+  // For the parser and the interpreter.
+  Function& beginFunction(std::string name);
+  int globalNamed(const std::string& name) const;
+  int addMemberAccess(std::string name);
+  void yyerror(std::string_view message, std::string_view line, int lineEnds);
+  void postLongToken(int lineEnds);
+  int errors() const { return errorCount; }
+  Function& function(int index) { return functions[static_cast<std::size_t>(index)]; }
+  GlobalVar& global(int index) { return globals[static_cast<std::size_t>(index)]; }
+  const std::string& memberName(int index) const { return memberNames[static_cast<std::size_t>(index)]; }
+  Location locationOf(int lineEnds) const;
+
+  std::int64_t stepsLeft = 0;  ///< until the script is stopped
+  CallStack stack;
+
+private:
+  std::deque<Function> functions;
+  std::unordered_map<std::string, int> functionPlaces;  // of the first one of each name
+  std::vector<GlobalVar> globals;
+  std::unordered_map<std::string, int> globalPlaces;
+  std::vector<std::string> memberNames;
+  std::string nodeName;
+  std::string file;
+  int firstLine = 0;
+  int errorCount = 0;
+};
+
+}  // namespace tessel::script

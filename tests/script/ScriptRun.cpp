@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "script/ScriptRun.h"
+
+#include "script/VsSFString.h"
+
+using namespace tessel::script;
+
+namespace tessel::test {
+
+ScriptReports::ScriptReports() { setScriptReportHandler(hearCB, this); }
+ScriptReports::~ScriptReports() { setScriptReportHandler(nullptr, nullptr); }
+
+void ScriptReports::hearCB(const ScriptReport& report, void* self) {
+  static_cast<ScriptReports*>(self)->heard.push_back({report.kind, std::string(report.message),
+                                                      std::string(report.text), std::string(report.script),
+                                                      std::string(report.file), report.line});
+}
+
+std::vector<std::string> ScriptReports::messages() const {
+  std::vector<std::string> list;
+  for (const Heard& one : heard) list.push_back(one.message);
+  return list;
+}
+
+std::string written(const Value& value) {
+  static constexpr const char* scalars[] = {"SFBool ", "SFInt32 ", "SFFloat ", "SFTime "};
+  if (value.isScalar())
+    return scalars[static_cast<int>(value.type())] + VsSFString::getStringFromScalar(value);
+  switch (value.type()) {
+    case Type::none:
+      return "none";
+    case Type::undefined:
+      return "undefined";
+    case Type::sfString:
+      return "SFString " + std::string(VsSFString::viewOf(value));
+    default:
+      return "object";
+  }
+}
+
+std::string resultOf(std::string_view text) {
+  VsParseTree tree;
+  if (!tree.parse(text, "")) return "unparsed";
+  Function* test = tree.findFunction("test");
+  if (!test) return "no test";
+  tree.preExecute();
+  Value result;
+  if (!tree.call(*test, {}, &result)) return "stopped";
+  tree.postExecute();
+  return written(result);
+}
+
+}  // namespace tessel::test

@@ -1,0 +1,108 @@
+//= SFTime 0.333333
+function test() { return 1 / 3; }
+//= SFTime 0.666667
+function test() { return 2 / 3; }
+//= SFTime -0.666667
+function test() { return -2 / 3; }
+//= SFTime 2147483647
+function test() { return 1 / 0; }
+//= SFTime 0
+function test() { return 0 / 0; }
+//= SFTime 3.141593
+function test() { return Math.PI; }
+//= SFString a1
+function test() { return "a" + 1; }
+//= SFString a1.5
+function test() { return "a" + 1.5; }
+//= SFString 1.5a
+function test() { return 1.5 + "a"; }
+//= none
+//! Attempt to apply invalid arithmetic operator to a string
+function test() { return "a" - 1; }
+//= SFBool true
+function test() { return 5 == "5"; }
+//= SFBool true
+function test() { return "5" == 5.7; }
+//= SFString 0101
+function b(x) { return x ? "1" : "0"; }
+function test() { return b("b" < "a") + b("a" < "b") + b("a" >= "b") + b("a" != "b"); }
+//= none
+//! Attempt to apply logical operator to values of the wrong type
+function test() { return "a" && 1; }
+//= SFBool false
+function f() { x = y; }
+function test() { return false && f(); }
+//= SFBool true
+function f() { x = y; }
+function test() { return 1 || f(); }
+//= none
+//! Attempt to access an uninitialized variable
+//! Attempt to apply arithmetic operator to values of the wrong type
+function test() { return x + 1; }
+//= SFTime 10
+function test() { a = 1; return a + (a = 5); }
+//= SFTime 10
+//! Attempt to access an uninitialized variable
+function test() { return a + (a = 5); }
+//= SFTime 3
+function test() { i = 1; return i + i++; }
+//= SFTime 255
+function test() { return -2 & 255; }
+//= SFTime 2147483647
+function test() { return -1 | 0; }
+//= SFTime 16
+function test() { return 1 << 36; }
+//= SFTime 1073741823
+function test() { return -1 >>> 1; }
+//= SFTime -1
+function test() { return -1 >>> 0; }
+//= SFTime 2147483647
+function test() { return -1 >> 1; }
+//= SFTime -1
+function test() { return -7 % 3; }
+//= SFTime 0
+function test() { return 7 % 0.5; }
+//= SFTime -6
+function test() { return ~5; }
+//= none
+//! Attempt to apply unary arithmetic operator to a non-numeric value
+//! Attempt to apply unary logical operator to a non-numeric value
+//! Attempt to apply increment/decrement operator to a non-numeric value
+function test() { a = "x"; x = -a; x = !a; x = a++; if (0) return x; }
+//= SFString 5676
+function test() { i = 5; s = "" + i++; s = s + i; s = s + ++i; s = s + --i; return s; }
+//= SFTime 8
+function test() { x = 5; x += 3; return x; }
+//= SFTime 5
+function test() { x = y = 5; return x; }
+//= SFInt32 42
+function test() { return parseInt("42 is it"); }
+//= SFInt32 255
+function test() { return parseInt("ff", 16); }
+//= SFFloat 2.5
+function test() { return parseFloat("2.5m"); }
+//= none
+//! First argument to parseInt function must be a SFString
+//! Second argument to parseInt function must be a scalar
+//! Radix of parseInt function must be >= 0
+//! Argument to parseFloat function must be a SFString
+function test() { parseInt(1); parseInt("1", "2"); parseInt("1", -1); parseFloat(1); }
+//= SFTime -2
+function test() { return Math.round(2.5) + Math.round(-2.2) + Math.round(-2.7) + 1; }
+//= none
+//! Attempt to apply arithmetic operator to values of the wrong type
+function test() { return Math.abs("a"); }
+//= none
+//! Cannot assign to properties of the Math object
+function test() { Math.PI = 3; }
+//= SFTime 1.75
+function test() { return Math.max(1, 0.5) + Math.min(0.75, 3); }
+//= none
+//! Attempt to get element of a value that is not an array
+//! Attempt to get element of a value that is not an array
+//! Array index must be a scalar value
+function test() { a = 1; x = a[0]; s = "a"; s[0] = 1; x = a["b"]; }
+//= SFString abababab
+function test() { s = "ab"; s = s + s; s = s + s; return s; }
+//= SFString abX abY
+function test() { s = "ab"; t = s + "X"; u = s + "Y"; return t + " " + u; }
