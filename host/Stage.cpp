@@ -86,6 +86,11 @@ void Stage::draw() {
   }
 }
 
+void Stage::skipDrawing() {
+  manager->updateBindingNodes();
+  followBindings();
+}
+
 /// Brings in line what the bound nodes may have changed since the last frame.
 void Stage::followBindings() {
   const auto* viewpoint = manager->getViewpointManager()->getCurrViewpoint();

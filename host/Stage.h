@@ -36,6 +36,8 @@ public:
 
   /// Draws a frame.
   void draw();
+  /// In the place of `draw` where there is no GL: bindings and camera follow the world.
+  void skipDrawing();
 
   /// Jumps to a Viewpoint: an exact DEF name, else a description, or `#N` counting from 1 in file order;
   /// `all` frames the whole world. False if there is none such.

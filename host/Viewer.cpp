@@ -17,7 +17,6 @@ using namespace std::chrono_literals;
 
 constexpr auto lookInterval = 300ms;  // between looks at the file
 constexpr auto frameInterval = 16ms;  // a display shows no more
-constexpr auto answerTime = 50ms;     // in a frame; what is left waits for the next one
 constexpr float wheelNotch = 0.05f;   // as if dragged over that part of the window
 
 /// The way of moving that the world asks for: the first of its types that there is.
@@ -55,19 +54,16 @@ void Viewer::show(const World& world) {
 }
 
 void Viewer::run() {
-  SoSensorManager& sensors = *SoDB::getSensorManager();
   WindowEvent event;
   while (!closed) {
     while (!closed && window.next(event)) handle(event);
-    fetcher.answer(answerTime);
-    sensors.processTimerQueue();
-    sensors.processDelayQueue(TRUE);
+    timeline.advance();
     checkFile();
     if (closed) break;
     if (dirty && Clock::now() >= nextFrame) {
       dirty = false;
       nextFrame = Clock::now() + frameInterval;
-      stage.draw();
+      timeline.draw();
       window.swap();
     }
     window.wait(secondsToSleep());

@@ -7,6 +7,7 @@
 #include "FileWatch.h"
 #include "Navigation.h"
 #include "Stage.h"
+#include "Timeline.h"
 #include "World.h"
 #include "gl/Window.h"
 
@@ -47,6 +48,7 @@ private:
   Fetcher& fetcher;
   Diagnostics& diagnostics;
   Stage stage;
+  Timeline timeline{stage, fetcher};
   Navigation navigation;
   FileWatch watch;
   Clock::time_point nextLook;   // at the file

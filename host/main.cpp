@@ -17,7 +17,8 @@ int main(int argc, char** argv) {
   program.failure_message(CLI::FailureMessage::simple);
 
   const std::unique_ptr<Command> commands[] = {makeViewCommand(program), makeShotCommand(program),
-                                               makeCheckCommand(program), makeInfoCommand(program)};
+                                               makeRunCommand(program), makeCheckCommand(program),
+                                               makeInfoCommand(program)};
   ExitStatus status = ExitStatus::wrongUsage;
   try {
     program.parse(argc, argv);

@@ -56,6 +56,7 @@ protected:
 
 std::unique_ptr<Command> makeViewCommand(CLI::App& program);
 std::unique_ptr<Command> makeShotCommand(CLI::App& program);
+std::unique_ptr<Command> makeRunCommand(CLI::App& program);
 std::unique_ptr<Command> makeCheckCommand(CLI::App& program);
 std::unique_ptr<Command> makeInfoCommand(CLI::App& program);
 

@@ -2,16 +2,13 @@
 #include "Command.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <cstdio>
 #include <filesystem>
 #include <iostream>
 #include <set>
 
-#include <Inventor/SoDB.h>
-#include <Inventor/sensors/SoSensorManager.h>
-
 #include "../Image.h"
-#include "../Stage.h"
+#include "../Run.h"
 #include "../Text.h"
 #include "../World.h"
 #include "../WorldFile.h"
@@ -22,7 +19,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr double virtualStart = 1000000000;  // seconds; every run begins at the same moment
 constexpr int largestSide = 16384;
 
 /// Reads `WxH`.
@@ -52,17 +48,26 @@ public:
                    "Where to look from: a Viewpoint's DEF name or description, #N for the N-th, all to frame "
                    "everything")
         ->type_name("NAME|#N|all");
+    options.addTo(app);
+    app.add_option("--frames", frames,
+                   "Folder for a picture of every frame; in folders of their own for several worlds")
+        ->type_name("DIR");
   }
   ExitStatus run() override;
 
 private:
   ExitStatus shoot(const std::string& path, const std::string& target, Diagnostics& diagnostics,
                    Fetcher& fetcher);
+  ExitStatus save(const fs::path& target, const Diagnostics& diagnostics);
   std::string targetFor(const std::string& path);
+  bool makeFolder(const fs::path& folder, const char* purpose, const Diagnostics& diagnostics);
 
   std::string output_;
   Size size;
   std::string viewpoint;
+  RunOptions options;
+  std::string frames;
+  InputFile input;
   std::unique_ptr<OffscreenContext> context;
   std::set<std::string> taken;  // names of pictures in this run
 };
@@ -79,18 +84,23 @@ std::string ShotCommand::targetFor(const std::string& path) {
   return (fs::path(output_) / name).string();
 }
 
+bool ShotCommand::makeFolder(const fs::path& folder, const char* purpose, const Diagnostics& diagnostics) {
+  std::error_code error;
+  fs::create_directories(folder, error);
+  if (error)
+    diagnostics.complain("no folder " + folder.string() + " for " + purpose + ": " + error.message());
+  return !error;
+}
+
 ExitStatus ShotCommand::run() {
-  startLibrary(SbTime(virtualStart));
+  startLibrary(SbTime(options.start));
   Diagnostics diagnostics(output());
   Fetcher fetcher(diagnostics);
-  if (worlds.size() > 1 && !output_.empty() && !fs::is_directory(output_)) {
-    std::error_code error;
-    fs::create_directories(output_, error);
-    if (error) {
-      diagnostics.complain("no folder " + output_ + " for several pictures: " + error.message());
-      return ExitStatus::surroundings;
-    }
-  }
+  if (worlds.size() > 1 && !output_.empty() && !fs::is_directory(output_) &&
+      !makeFolder(output_, "several pictures", diagnostics))
+    return ExitStatus::surroundings;
+  if (!options.input.empty()) input = InputFile::read(options.input, diagnostics);
+  if (input.status != ExitStatus::done) return input.status;
   std::string failure;
   context = OffscreenContext::create(size.width, size.height, failure);
   if (!context) {
@@ -114,37 +124,37 @@ ExitStatus ShotCommand::run() {
 
 ExitStatus ShotCommand::shoot(const std::string& path, const std::string& target, Diagnostics& diagnostics,
                               Fetcher& fetcher) {
-  srand48(0);
-  VrmlDB::setClock(SbTime(virtualStart));
-  const World world = fetcher.open(path, readOptions);
-  if (!world.good()) return world.status;
-  if (!world.root) {
-    diagnostics.report(Severity::error, "there is nothing to show");
-    return ExitStatus::badWorld;
-  }
-  Stage stage(size.width, size.height);
-  stage.setWorld(world.root.get());
-  fetcher.settle(world.root.get(), false);
-  if (!viewpoint.empty() && !stage.showViewpoint(viewpoint)) {
+  Run course(options, input, {}, size.width, size.height, fetcher, diagnostics);
+  const ExitStatus loaded = course.load(path, readOptions);
+  if (loaded != ExitStatus::done) return loaded;
+  if (!viewpoint.empty() && !course.stage.showViewpoint(viewpoint)) {
     diagnostics.report(Severity::error, "there is no viewpoint " + viewpoint);
     return ExitStatus::badWorld;
   }
-  SoSensorManager& sensors = *SoDB::getSensorManager();
-  sensors.processTimerQueue();
-  sensors.processDelayQueue(TRUE);
+  const fs::path folder = worlds.size() > 1 ? fs::path(frames) / fs::path(target).stem() : fs::path(frames);
+  if (!frames.empty() && !makeFolder(folder, "frames", diagnostics)) return ExitStatus::surroundings;
+
   diagnostics.progress("drawing");
-  stage.draw();
-  // What is asked for when it is drawn comes into the picture, too.
-  while (fetcher.answer() > 0) {
-    fetcher.settle(world.root.get(), false);
-    stage.draw();
+  const std::int64_t last = options.lastFrame();
+  for (std::int64_t frame = 0; frame <= last; ++frame) {
+    course.frame(frame, true);
+    if (frames.empty()) continue;
+    char name[32];
+    std::snprintf(name, sizeof name, "%06lld.png", static_cast<long long>(frame));
+    if (save(folder / name, diagnostics) != ExitStatus::done) return ExitStatus::surroundings;
   }
+  if ((frames.empty() || !output_.empty()) && save(target, diagnostics) != ExitStatus::done)
+    return ExitStatus::surroundings;
+  return course.finish();
+}
+
+ExitStatus ShotCommand::save(const fs::path& target, const Diagnostics& diagnostics) {
   const std::string failure = writePng(context->picture(), target);
   if (!failure.empty()) {
-    diagnostics.complain("can't write " + target + ": " + failure);
+    diagnostics.complain("can't write " + target.string() + ": " + failure);
     return ExitStatus::surroundings;
   }
-  diagnostics.progress("written to " + target);
+  diagnostics.progress("written to " + target.string());
   return ExitStatus::done;
 }
 

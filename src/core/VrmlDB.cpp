@@ -149,8 +149,12 @@ SoNode* readAll(std::unique_ptr<WorldReader> reader, ReadStatus& status) {
   }
   status = root->getNumChildren() == 0 ? ReadStatus::empty : ReadStatus::world;
   if (root->getNumChildren() == 0) return nullptr;
+  if (root->getNumChildren() > 1) {
+    root->setDef({SbName::empty(), SbName(reader->fileName().c_str()), 0});
+    reader.reset();
+    return root.release();
+  }
   reader.reset();
-  if (root->getNumChildren() > 1) return root.release();
   SoRef<SoNode> only(root->getChild(0));
   root.reset();
   return only.release();

@@ -14,6 +14,7 @@
 #include <tessel/core/VrmlSFNode.h>
 #include <tessel/toolkit/Scoped.h>
 
+#include "core/EventWatch.h"
 #include "core/FieldSpec.h"
 #include "core/Loops.h"
 #include "core/WorldReader.h"
@@ -49,7 +50,9 @@ VrmlNode::VrmlNode() {
   isBuiltIn = TRUE;
 }
 
-VrmlNode::~VrmlNode() = default;
+VrmlNode::~VrmlNode() {
+  if (tessel::EventWatch::any()) tessel::EventWatch::tellGone(*this);
+}
 
 const char* VrmlNode::getFileFormatName() const { return fileFormatName; }
 
@@ -98,6 +101,7 @@ bool VrmlNode::readBody(tessel::WorldReader& reader) {
 }
 
 void VrmlNode::notify(SoNotList* list) {
+  tessel::EventWatch::tellSent(*this, *list);
   static const bool optimized = std::getenv("TV_OPTIMIZE_NOTIFICATION") != nullptr;
   if (optimized && list->getTimeStamp() <= getNodeId()) return;
   inherited::notify(list);

@@ -18,4 +18,10 @@ FieldKind kindOf(const SoField* field);
 /// The name that somebody gave a node: as its DEF has it, else as the toolkit has it; may be empty.
 std::string givenName(const SoBase& base);
 
+class WorldReader;
+/// The field of a node that a route may begin or end at, under the name that it has there: an exposed field may
+/// be named `x_changed` or `set_x`. Null after a report, which calls the node `nodeName`.
+SoField* findEnd(WorldReader& reader, VrmlNode& node, const std::string& nodeName,
+                 const std::string& fieldName, bool isEventIn);
+
 }  // namespace tessel

@@ -71,15 +71,20 @@ SoField* VrmlRoute::readEnd(tessel::WorldReader& reader, int isEventIn) {
     reader.error("Unknown node \"%s\"", nodeName.c_str());
     return nullptr;
   }
+  return tessel::findEnd(reader, *node, nodeName, fieldName, isEventIn != 0);
+}
+
+SoField* tessel::findEnd(WorldReader& reader, VrmlNode& node, const std::string& nodeName,
+                         const std::string& fieldName, bool isEventIn) {
   const End& end = isEventIn ? destination : source;
-  if (SoField* field = node->getField(fieldName.c_str())) {
+  if (SoField* field = node.getField(fieldName.c_str())) {
     const FieldKind kind = kindOf(field);
     if (kind == FieldKind::exposedField || kind == end.kind) return field;
     reader.error("\"%s\" in node \"%s\" is not an %s", fieldName.c_str(), nodeName.c_str(), end.kindName);
     return nullptr;
   }
   if (end.inEventForm(fieldName)) {
-    if (SoField* field = node->getField(end.plain(fieldName).c_str())) {
+    if (SoField* field = node.getField(end.plain(fieldName).c_str())) {
       if (kindOf(field) == FieldKind::exposedField) return field;
       reader.error("\"%s\" in node \"%s\" is not an exposed field", fieldName.c_str(), nodeName.c_str());
       return nullptr;

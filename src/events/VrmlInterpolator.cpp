@@ -7,6 +7,7 @@
 
 #include <tessel/toolkit/Scoped.h>
 
+#include "core/EventWatch.h"
 #include "core/NodeClassImpl.h"
 
 using tessel::FieldKind;
@@ -68,6 +69,7 @@ void VrmlInterpolator::sendOutput() {
 }
 
 void VrmlInterpolator::notify(SoNotList* list) {
+  tessel::EventWatch::tellSent(*this, *list);
   if (!isNotifyEnabled()) return;
   const SoField* field = list->getLastField();
   const SoNotRec* last = list->getLastRec();

@@ -3,6 +3,7 @@
 
 #include <Inventor/misc/SoNotification.h>
 
+#include "core/EventWatch.h"
 #include "core/NodeClassImpl.h"
 
 int VrmlSensor::allEnabled = 1;
@@ -14,10 +15,12 @@ VrmlSensor::VrmlSensor() { setUpFields(); }
 VrmlSensor::~VrmlSensor() = default;
 
 void VrmlSensor::notify(SoNotList* list) {
-  if (!optimizedNotify)
+  if (!optimizedNotify) {
     NodeClass::notify(list);
-  else if (isNotifyEnabled() && uniqueId < list->getTimeStamp())
-    uniqueId = SoNode::getNextNodeId();
+    return;
+  }
+  tessel::EventWatch::tellSent(*this, *list);
+  if (isNotifyEnabled() && uniqueId < list->getTimeStamp()) uniqueId = SoNode::getNextNodeId();
 }
 
 template class tessel::NodeClass<VrmlSensor, VrmlNode>;

@@ -11,6 +11,7 @@
 #include <tessel/core/VrmlDB.h>
 #include <tessel/toolkit/Scoped.h>
 
+#include "core/EventWatch.h"
 #include "core/NodeClassImpl.h"
 #include "core/PrototypeScope.h"
 
@@ -121,14 +122,19 @@ void VrmlTimeSensor::notify(SoNotList* list) {
   const SoField* field = list->getLastField();
   if (field && list->getLastRec() && list->getLastRec()->getType() == SoNotRec::CONTAINER) {
     const int input = bitOf(field);
-    if (input == 0) return;  // an output: nobody above listens
+    if (input == 0) {  // an output: nobody above listens
+      tessel::EventWatch::tellSent(*this, *list);
+      return;
+    }
     changedMask |= input;
     inputSensor.schedule();
   }
-  if (optimizedNotify)
+  if (optimizedNotify) {
+    tessel::EventWatch::tellSent(*this, *list);
     uniqueId = SoNode::getNextNodeId();
-  else
+  } else {
     NodeClass::notify(list);
+  }
 }
 
 void VrmlTimeSensor::inputChangedCB(void* self, SoSensor*) {

@@ -19,7 +19,8 @@ namespace tessel {
 class WorldReader;
 struct FieldSpec;
 
-/// The name that a file gave a node, as it was written, and where.
+/// The name that a file gave a node, as it was written, and where. An empty name and no line mark the group
+/// that the reader puts round several nodes at the top of a file, which is not in the file.
 struct DefName {
   SbName name;
   SbName file;

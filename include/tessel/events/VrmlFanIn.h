@@ -38,6 +38,9 @@ public:
   int getNumInputs() const { return static_cast<int>(inputs.size()); }
   SoField* getInput(int index) const { return inputs[static_cast<std::size_t>(index)].get(); }
 
+  /// The input that notified last, whose value is passed on; null before the first event.
+  SoField* getLastChanged() const { return lastChanged; }
+
   SoEngineOutput output;  ///< "output", of the field type
 
   void notify(SoNotList* list) override;

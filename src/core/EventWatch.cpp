@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "core/EventWatch.h"
+
+#include <algorithm>
+
+#include <Inventor/fields/SoMFNode.h>
+#include <Inventor/fields/SoSFNode.h>
+#include <Inventor/misc/SoNotification.h>
+
+#include <tessel/core/VrmlNode.h>
+
+namespace tessel {
+
+namespace {
+
+bool holdsNodes(const SoField& field) {
+  return field.isOfType(SoSFNode::getClassTypeId()) || field.isOfType(SoMFNode::getClassTypeId());
+}
+
+// Whether a notification that a node has handed to a field came along a connection. Otherwise the field holds
+// the node, in which something has changed.
+bool cameAlongConnection(const SoField& field, const SoBase& from) {
+  if (!from.isOfType(SoNode::getClassTypeId())) return true;  // an engine
+  SoField* master = nullptr;
+  return field.getConnectedField(master) && master->getContainer() == &from;
+}
+
+// The toolkit tells a node first and the destinations of the field then, so that events are told in the order in
+// which they are sent.
+SoField* eventOf(const VrmlNode& node, const SoNotList& list) {
+  const SoNotRec* record = list.getLastRec();
+  SoField* field = list.getLastField();
+  if (!record || record->getType() != SoNotRec::CONTAINER || record->getBase() != &node) return nullptr;
+  if (!field || field->getContainer() != &node) return nullptr;
+  // What a node does to itself while it is made or read is no event.
+  if (node.getRefCount() == 0 || !node.isNotifyEnabled()) return nullptr;
+  const SoNotRec* before = record->getPrevious();
+  if (before && holdsNodes(*field) && !cameAlongConnection(*field, *before->getBase())) return nullptr;
+  return field;
+}
+
+}  // namespace
+
+std::vector<EventWatch*>& EventWatch::watches() {
+  static std::vector<EventWatch*> list;
+  return list;
+}
+
+EventWatch::EventWatch() {
+  watches().push_back(this);
+  ++count;
+}
+
+EventWatch::~EventWatch() {
+  std::erase(watches(), this);
+  --count;
+}
+
+void EventWatch::tellAll(VrmlNode& node, const SoNotList& list) {
+  SoField* field = eventOf(node, list);
+  if (!field) return;
+  for (EventWatch* watch : watches()) watch->sent(node, *field);
+}
+
+void EventWatch::tellGone(const VrmlNode& node) {
+  // Who came later may ask those who came before about the node.
+  for (auto watch = watches().rbegin(); watch != watches().rend(); ++watch) (*watch)->gone(node);
+}
+
+}  // namespace tessel
