@@ -13,6 +13,7 @@
 
 #include "core/EventWatch.h"
 #include "core/ValueWriter.h"
+#include "output/NodeNamesState.h"
 
 namespace tessel {
 
@@ -44,12 +45,18 @@ bool isNameOf(const std::string& field, FieldKind kind, std::string_view name) {
 }  // namespace
 
 struct EventTrace::State : EventWatch {
+  /// A node, as long as it lives, and then what was its name.
+  struct Mention {
+    const VrmlNode* node = nullptr;
+    std::string lastName;
+    std::size_t place = 0;  // in a value
+  };
   struct Record {
-    const VrmlNode* node;  // null if it is gone
-    std::string nodeName;  // if it is gone
+    Mention sender;
     std::string field;
-    FieldKind kind;
-    std::string value;
+    FieldKind kind = FieldKind::internal;
+    std::string value;               // less the names in it
+    std::vector<Mention> mentioned;  // by place
   };
 
   struct Selection {
@@ -60,8 +67,12 @@ struct EventTrace::State : EventWatch {
   State(NodeNames& n, Sink s) : names(n), sink(std::move(s)) {
     style.oneLine = true;
     style.node = [this](std::string& out, const SoNode& node) {
-      const bool ours = node.isOfType(VrmlNode::getClassTypeId());
-      out += ours ? names.nameOf(static_cast<const VrmlNode&>(node)) : node.getTypeId().getName().getString();
+      if (!node.isOfType(VrmlNode::getClassTypeId())) {
+        out += node.getTypeId().getName().getString();
+        return;
+      }
+      const VrmlNode& ours = static_cast<const VrmlNode&>(node);
+      mentioned.push_back({&ours, plainName(ours), out.size()});
     };
   }
 
@@ -101,17 +112,33 @@ struct EventTrace::State : EventWatch {
     const SoField& source = sourceOf(field);
     const ValueType type = valueTypeOf(source);
     if (type == ValueType::count) return;
-    std::string value;
-    writeValue(value, source, type, style);
-    records.push_back({&node, {}, fieldName.getString(), kind, std::move(value)});
+    Record record;
+    record.sender.node = &node;
+    record.field = fieldName.getString();
+    record.kind = kind;
+    mentioned.clear();
+    writeValue(record.value, source, type, style);
+    record.mentioned = mentioned;
+    records.push_back(std::move(record));
   }
 
   void gone(const VrmlNode& node) override {
+    const auto note = [&](Mention& mention) {
+      if (mention.node != &node) return;
+      mention.node = nullptr;
+      if (const auto known = names.knownName(node); !known.empty()) mention.lastName = known;
+    };
     for (Record& record : records) {
-      if (record.node != &node) continue;
-      record.node = nullptr;
-      record.nodeName = names.knownName(node);
+      note(record.sender);
+      std::ranges::for_each(record.mentioned, note);
     }
+  }
+
+  std::string valueOf(const Record& record) {
+    std::string value = record.value;
+    for (auto mention = record.mentioned.rbegin(); mention != record.mentioned.rend(); ++mention)
+      value.insert(mention->place, mention->node ? names.nameOf(*mention->node) : mention->lastName);
+    return value;
   }
 
   NodeNames& names;
@@ -119,6 +146,7 @@ struct EventTrace::State : EventWatch {
   ValueStyle style;
   std::vector<Selection> selections;
   std::vector<Record> records;
+  std::vector<Mention> mentioned;  // in the value that is being written
 };
 
 EventTrace::EventTrace(NodeNames& names, Sink sink)
@@ -129,13 +157,15 @@ void EventTrace::select(std::string_view what) { state->selections.push_back({st
 
 void EventTrace::flush() {
   const auto records = std::exchange(state->records, {});
-  bool lookedThrough = false;
+  const auto isNew = [this](const State::Record& record) {
+    return record.sender.node && state->names.knownName(*record.sender.node).empty();
+  };
+  if (std::ranges::any_of(records, isNew)) state->names.update();
   for (const State::Record& record : records) {
-    if (record.node && state->names.knownName(*record.node).empty() && !std::exchange(lookedThrough, true))
-      state->names.update();
-    const std::string name(record.node ? state->names.knownName(*record.node) : record.nodeName);
+    const VrmlNode* sender = record.sender.node;
+    const std::string name(sender ? state->names.knownName(*sender) : record.sender.lastName);
     if (!name.empty() && state->isSelected(name, record.field, record.kind))
-      state->sink(name, record.field, record.value);
+      state->sink(name, record.field, state->valueOf(record));
   }
 }
 

@@ -39,6 +39,11 @@ template <class Take> void eachNodeIn(const SoField& field, Take take) {
 
 }  // namespace
 
+std::string plainName(const VrmlNode& node) {
+  const std::string own = node.getDefName().getString();
+  return own.empty() ? node.getFileFormatName() : own;
+}
+
 std::string NameScope::add(const VrmlNode& node) {
   const std::string own = node.getDefName().getString();
   if (own.empty()) {
@@ -57,13 +62,11 @@ void NodeNames::State::gone(const VrmlNode& node) {
   scopes.erase(&node);
 }
 
-const std::string& NodeNames::State::add(VrmlNode& node, NameScope& scope) {
+void NodeNames::State::add(VrmlNode& node, NameScope& scope) {
   const auto [entry, isNew] = names.try_emplace(&node);
-  if (isNew) {
-    entry->second = scope.add(node);
-    nodes.emplace(entry->second, &node);
-  }
-  return entry->second;
+  if (!isNew) return;
+  entry->second = scope.add(node);
+  nodes.emplace(entry->second, &node);
 }
 
 void NodeNames::State::lookThrough() {
@@ -79,8 +82,7 @@ void NodeNames::State::visit(SoNode* node, NameScope& scope) {
   }
   VrmlNode& ours = static_cast<VrmlNode&>(*node);
   if (ours.isOfType(VrmlNULL::getClassTypeId())) return;
-  const bool named = !isFileRoot(ours);
-  if (named) add(ours, scope);
+  if (!isFileRoot(ours)) add(ours, scope);
   visitFields(ours, scope);
   if (!isScope(ours)) {
     visitChildren(ours, scope);
@@ -91,8 +93,8 @@ void NodeNames::State::visit(SoNode* node, NameScope& scope) {
   visitChildren(ours, inner);
 }
 
-// Fields first, in their order in the file format: `children` has its place among them. What an instance has by default stands in its prototype, not in the place of the instance. A value that waits to
-// be fetched goes on waiting.
+// Fields in their order in the file format; `children` has its place among them. What an instance has by default
+// stands in its prototype, not in the place of the instance. A value that waits to be fetched goes on waiting.
 void NodeNames::State::visitFields(const VrmlNode& node, NameScope& scope) {
   const bool onlyOwn = isScope(node);
   SoFieldList fields;
@@ -132,9 +134,9 @@ std::string_view NodeNames::knownName(const VrmlNode& node) const {
 }
 
 std::string NodeNames::nameOf(const VrmlNode& node) {
-  if (!state->world) return NameScope().add(node);
-  if (knownName(node).empty()) state->lookThrough();
-  return state->add(const_cast<VrmlNode&>(node), state->top);
+  if (knownName(node).empty()) update();
+  if (const std::string_view known = knownName(node); !known.empty()) return std::string(known);
+  return plainName(node);
 }
 
 VrmlNode* NodeNames::find(std::string_view name) {

@@ -12,6 +12,9 @@
 
 namespace tessel {
 
+/// The DEF name or the type of a node.
+std::string plainName(const VrmlNode& node);
+
 /// A file or the body of an instance: names and numbers are its own.
 struct NameScope {
   std::string prefix;
@@ -32,11 +35,11 @@ struct NodeNames::State : EventWatch {
   void sent(VrmlNode&, SoField&) override {}
   void gone(const VrmlNode& node) override;
 
-  const std::string& add(VrmlNode& node, NameScope& scope);
   /// Names what has come to the world.
   void lookThrough();
 
 private:
+  void add(VrmlNode& node, NameScope& scope);
   void visit(SoNode* node, NameScope& scope);
   void visitFields(const VrmlNode& node, NameScope& scope);
   void visitChildren(const SoNode& node, NameScope& scope);

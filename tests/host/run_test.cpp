@@ -60,6 +60,7 @@ class RunsGL : public ::testing::TestWithParam<fs::path> {};
 TEST_P(RunsGL, SendTheseEventsInThisOrder) {
   const std::string text = contentOf(GetParam());
   const std::string name = makeFile(GetParam().filename().string(), text);
+  makeFile("part.inc", contentOf(test::testFile("host/runs/part.inc")));  // what some of them ask for
   makeFile("input", joined(remarks(text, "input")));
   std::vector<std::string> arguments = {"run", name, "--input", "input"};
   for (const std::string& argument : argumentsFor(text)) arguments.push_back(argument);

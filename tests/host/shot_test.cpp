@@ -158,6 +158,38 @@ TEST(ShotGL, HeadlightShinesAlongTheView) {
   EXPECT_LT(Picture("dark.png").at(0.5, 0.5)[0], 80);
 }
 
+TEST(ShotGL, TakesPicturesAtATimeAndOfEveryFrame) {
+  makeFile("w.wrl", world("DEF T Transform { children " + shiningBox("0 0 0", "2 2 2", "1 0 0") +
+                          "}\nDEF C TimeSensor { cycleInterval 1 startTime 1000000000 }\n"
+                          "DEF P PositionInterpolator { key [ 0 0.4 1 ] keyValue [ 0 0 0 0 0 0 100 0 0 ] }\n"
+                          "ROUTE C.fraction_changed TO P.set_fraction\n"
+                          "ROUTE P.value_changed TO T.translation\n"));
+  makeFile("in", "0.2 set C.enabled FALSE\n0.2 set T.translation 100 0 0\n");
+  const auto shoot = [](std::vector<std::string> more) {
+    std::vector<std::string> arguments = {"shot", "w.wrl", "--size", "64x64", "--fps", "10"};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    const Outcome run = runTessel(arguments);
+    EXPECT_EQ(run.status, 0) << run.err;
+  };
+  shoot({"--time", "0.9", "--frames", "one/two", "-o", "last.png"});
+  shoot({"--time", "0.9", "--frames", "again"});
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(test::scratchDir() / "one/two"))
+    names.push_back(entry.path().filename());
+  EXPECT_EQ(names.size(), 10u);
+  for (const std::string& name : names) {
+    const Picture picture("one/two/" + name);
+    EXPECT_EQ(picture.bytes, Picture("again/" + name).bytes) << name;
+  }
+  EXPECT_EQ(Picture("one/two/000000.png").at(0.5, 0.5), red);
+  EXPECT_EQ(Picture("one/two/000009.png").at(0.5, 0.5), black);
+  EXPECT_EQ(Picture("last.png").bytes, Picture("one/two/000009.png").bytes);
+  shoot({"--time", "0.3", "-o", "early.png"});
+  EXPECT_EQ(Picture("early.png").at(0.5, 0.5), red);
+  shoot({"--time", "0.3", "-o", "early.png", "--input", "in"});
+  EXPECT_EQ(Picture("early.png").at(0.5, 0.5), black);
+}
+
 TEST(ShotGL, ManyWorldsGoIntoAFolderUnderTheirNames) {
   makeFile("a/w.wrl", world(shiningBox("0 0 0", "2 2 2", "1 0 0")));
   makeFile("b/w.wrl", world(shiningBox("0 0 0", "2 2 2", "0 1 0")));

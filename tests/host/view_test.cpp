@@ -81,6 +81,22 @@ TEST_F(ViewGL, ReadsTheFileAgainWhenItChanges) {
   EXPECT_TRUE(screen->shows(0.5, 0.5, blue));
 }
 
+// Nothing is drawn while it waits, and yet its time comes.
+TEST_F(ViewGL, ATimerThatWaitsStartsOnTime) {
+  const auto start = std::chrono::system_clock::now() + std::chrono::seconds(4);
+  const double seconds = std::chrono::duration<double>(start.time_since_epoch()).count();
+  makeFile("w.wrl",
+           world(shiningBox("0 0 0", "2 2 2", "1 0 0") + shiningBox("100 0 0", "2 2 2", "0 1 0") +
+                 "Viewpoint { }\nDEF V Viewpoint { position 100 0 10 }\nDEF T TimeSensor { startTime " +
+                 std::to_string(seconds) + " }\nROUTE T.isActive TO V.set_bind\n"));
+  ASSERT_TRUE(screen->view({"w.wrl"}));
+  ASSERT_TRUE(screen->shows(0.5, 0.5, red));
+  if (std::chrono::system_clock::now() > start) GTEST_SKIP() << "this machine is too slow today";
+  ASSERT_TRUE(screen->shows(0.5, 0.5, green));
+  EXPECT_GE(std::chrono::system_clock::now(), start);
+  EXPECT_LT(std::chrono::system_clock::now(), start + std::chrono::seconds(3));
+}
+
 TEST_F(ViewGL, AStillWorldCostsNothing) {
   makeFile("w.wrl", world(shiningBox("0 0 0", "2 2 2", "1 0 0")));
   ASSERT_TRUE(screen->view({"w.wrl"}));

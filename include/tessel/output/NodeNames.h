@@ -31,8 +31,7 @@ public:
   /// Names the nodes that have come to the world. To be called when somebody wants to know; the rest does it by
   /// itself where a name is missing.
   void update();
-  /// The name of a node. One that does not stand in the world counts among the world's own from now on; without
-  /// a world each is called as if it were alone.
+  /// The name of a node. One that does not stand in the world is called by its DEF name or its type alone.
   std::string nameOf(const VrmlNode& node);
   /// The name of a node that stood in the world when it was last looked through, else empty.
   std::string_view knownName(const VrmlNode& node) const;
