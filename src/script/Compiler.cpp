@@ -89,8 +89,10 @@ bool givesObjects(Op op) {
     case Op::setMember:
     case Op::callBrowser:
     case Op::constructField:
-    case Op::appendElement: return true;
-    default: return false;
+    case Op::appendElement:
+      return true;
+    default:
+      return false;
   }
 }
 

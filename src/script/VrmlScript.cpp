@@ -4,10 +4,13 @@
 #include <algorithm>
 #include <string>
 
+#include <Inventor/misc/SoNotification.h>
+
 #include <tessel/toolkit/Scoped.h>
 
 #include "core/NodeClassImpl.h"
 #include "core/WorldReader.h"
+#include "script/ScriptRunner.h"
 
 using tessel::FieldKind;
 using tessel::FieldSpec;
@@ -49,6 +52,56 @@ VrmlScript::VrmlScript() {
 }
 
 VrmlScript::~VrmlScript() = default;
+
+int VrmlScript::allEnabled = 1;
+
+// The last function of a program still finds the node whole.
+void VrmlScript::destroy() {
+  if (const auto last = std::move(runner)) {
+    ref();
+    last->shutDown();
+    unrefNoDelete();
+  }
+  NodeClass::destroy();
+}
+
+void VrmlScript::execute() {
+  if (runner) runner->execute();
+}
+
+// Whether a notification came from a node that the field holds.
+static bool cameFromBelow(const SoField& field, const SoNotList& list) {
+  const SoNotRec* before = list.getLastRec()->getPrevious();
+  if (!before) return false;
+  switch (tessel::valueTypeOf(field)) {
+    case ValueType::sfNode:
+      return static_cast<const SoSFNode&>(field).getValue() == before->getBase();
+    case ValueType::mfNode: {
+      const auto& nodes = static_cast<const SoMFNode&>(field);
+      const SoNode* const* first = nodes.getValues(0);
+      return std::find(first, first + nodes.getNum(), before->getBase()) != first + nodes.getNum();
+    }
+    default:
+      return false;
+  }
+}
+
+void VrmlScript::notify(SoNotList* list) {
+  const SoNotRec* record = list->getLastRec();
+  SoField* field = list->getLastField();
+  if (isNotifyEnabled() && field && record && record->getType() == SoNotRec::CONTAINER &&
+      field->getContainer() == this && !cameFromBelow(*field, *list)) {
+    const auto kind = static_cast<FieldKind>(getFieldType(field));
+    if (kind == FieldKind::eventIn) {
+      if (!runner) runner = std::make_unique<tessel::script::ScriptRunner>(*this);
+      if (!runner->take(field)) return;
+    } else if (kind == FieldKind::field && runner) {
+      runner->fieldChanged();
+    }
+    if (optimizedNotify) return;
+  }
+  NodeClass::notify(list);
+}
 
 const SoFieldData* VrmlScript::getFieldData() const { return allFields.get(); }
 

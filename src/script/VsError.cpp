@@ -65,6 +65,10 @@ void VsError::postParseError(std::string_view message, const Location& where) {
        where);
 }
 
+void VsError::postUnusable(std::string_view message, const Location& where) {
+  post(ScriptReportKind::unusable, message, std::string(message) + "\n", where);
+}
+
 void VsError::postLongToken(int limit, const Location& where) {
   const std::string message = "Input string too long, limit " + std::to_string(limit);
   post(ScriptReportKind::longToken, message, message + "\n", where);

@@ -37,6 +37,8 @@ namespace VsError {
 [[gnu::format(printf, 1, 2)]] void postRuntimeError(const char* format, ...);
 void postStopped(std::string_view message);
 void postParseError(std::string_view message, const Location& where);
+/// A Script that has no program, or none that can be run. The text is a line of its own.
+void postUnusable(std::string_view message, const Location& where);
 void postLongToken(int limit, const Location& where);
 
 }  // namespace VsError

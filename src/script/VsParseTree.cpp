@@ -36,7 +36,9 @@ bool VsParseTree::call(Function& called, std::span<const Value> arguments, Value
   return Interpreter(*this).run(called, arguments, result);
 }
 
-void VsParseTree::preExecute() {
+void VsParseTree::preExecute() { allowSteps(); }
+
+void VsParseTree::allowSteps() {
   const std::int64_t limit = scriptStepLimit();
   stepsLeft = limit > 0 ? limit : std::numeric_limits<std::int64_t>::max();
 }

@@ -42,6 +42,9 @@ public:
   /// @return false if the script was stopped; it must then do nothing more before the next `preExecute`
   bool call(Function& function, std::span<const Value> arguments, Value* result = nullptr);
 
+  /// Gives the script all the steps that it may take. `preExecute` does that too.
+  void allowSteps();
+
   /// Before and after the calls for the events of one time. What was assigned to strings, nodes, images and multiple
   /// values goes out in `postExecute`.
   void preExecute();

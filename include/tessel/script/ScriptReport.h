@@ -10,6 +10,7 @@ namespace tessel {
 
 enum class ScriptReportKind : std::uint8_t {
   parse,     ///< a script could not be parsed
+  unusable,  ///< a Script has no program, or fields that programs can't hold
   runtime,   ///< something in a script could not be done; the script went on
   stopped,   ///< a script was ended before its time
   longToken  ///< a word of a script is longer than the scanner bears; the parse fails

@@ -16,6 +16,9 @@
 namespace tessel {
 enum class FieldKind : int;
 enum class ValueType : std::uint8_t;
+namespace script {
+class ScriptRunner;
+}
 }  // namespace tessel
 
 /// Script: a node whose events and fields are declared in the file, and the program behind them.
@@ -33,6 +36,13 @@ public:
 
   VrmlScript();
 
+  /// A host's switch, 1 at first: while it is 0 no Script does anything; events wait.
+  static int allEnabled;
+
+  /// Handles the events that wait: calls their functions, then `eventsProcessed`. It is done by itself at the end of
+  /// the notification that brought an event.
+  void execute();
+
   /// Declares a field or event, with the neutral value of its type. Null for a type that can't be declared.
   /// Under a name that the node has already it is nobody's business but the node's.
   SoField* addField(tessel::FieldKind kind, tessel::ValueType type, const SbName& name);
@@ -43,6 +53,7 @@ public:
   int getUrlLine(int i) const;
 
   int getFieldType(const SoField* field) const override;
+  void notify(SoNotList* list) override;
   int isSpatial() const override { return 0; }
   /// A script may know nodes above it.
   bool holdsNodesWeakly() const override { return true; }
@@ -53,8 +64,10 @@ public:
 protected:
   ~VrmlScript() override;
   const SoFieldData* getFieldData() const override;
+  void destroy() override;
 
 private:
+  friend class tessel::script::ScriptRunner;
   struct Declared {
     SbName name;
     tessel::FieldKind kind;  // internal if the name was taken
@@ -63,6 +76,7 @@ private:
 
   struct Keyword;
 
+  bool takeNotification(SoField& field, const SoNotList& list);
   static const Keyword* keywordNamed(std::string_view word);
   bool readDeclaration(tessel::WorldReader& reader, const Keyword& keyword);
   bool readUrl(tessel::WorldReader& reader);
@@ -70,5 +84,6 @@ private:
   std::unique_ptr<SoFieldData> allFields;  // those of the class, then the declared ones
   std::vector<Declared> declared;          // in file order
   SbName urlFile;
-  std::vector<int> urlLines;  // of the values that were read
+  std::vector<int> urlLines;                             // of the values that were read
+  std::unique_ptr<tessel::script::ScriptRunner> runner;  // made for the first event
 };

@@ -1,0 +1,178 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "script/ScriptRunner.h"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <utility>
+
+#include <tessel/core/FieldKind.h>
+#include <tessel/core/VrmlDB.h>
+#include <tessel/script/VrmlScript.h>
+#include <tessel/toolkit/Scoped.h>
+#include <tessel/toolkit/SoRef.h>
+
+#include "core/ValueType.h"
+#include "script/VsField.h"
+
+namespace tessel::script {
+
+static constexpr std::string_view prefix = "vrmlscript:";
+
+ScriptRunner::ScriptRunner(VrmlScript& node) : node(node), executeSensor(executeSensorCB, this) {
+  executeSensor.setPriority(0);
+  for (const auto& one : node.declared)
+    if (one.kind == FieldKind::eventIn) eventIns.push_back({one.name, one.field.get(), nullptr, {}});
+}
+
+ScriptRunner::~ScriptRunner() = default;
+
+void ScriptRunner::executeSensorCB(void* self, SoSensor*) { static_cast<ScriptRunner*>(self)->execute(); }
+
+bool ScriptRunner::take(const SoField* field) {
+  const auto found = std::find_if(eventIns.begin(), eventIns.end(),
+                                  [field](const EventIn& one) { return one.field == field; });
+  if (found == eventIns.end()) return true;
+  if (found->isBusy) return false;
+  // A program that can't be parsed may never handle anything.
+  if (!isUnusable || found->waiting == 0)
+    addEventInMemo(static_cast<std::size_t>(found - eventIns.begin()), VrmlDB::getFrameTime());
+  executeSensor.schedule();
+  return true;
+}
+
+// In the order of their times, those of one time in the order in which they came. The first one keeps its place.
+void ScriptRunner::addEventInMemo(std::size_t eventIn, const SbTime& time) {
+  auto place = pending.begin() + static_cast<std::ptrdiff_t>(next);
+  if (place != pending.end()) ++place;
+  while (place != pending.end() && !(time < place->time)) ++place;
+  pending.insert(place, {eventIn, time});
+  ++eventIns[eventIn].waiting;
+}
+
+void ScriptRunner::fieldChanged() {
+  if (!tree || executing > 0) return;
+  for (EventIn& one : eventIns) {
+    one.function = nullptr;
+    one.value.clear();
+  }
+  eventsProcessed = nullptr;
+  tree.reset();
+}
+
+void ScriptRunner::execute() {
+  if (!VrmlScript::allEnabled) return;
+  const SoRef<VrmlScript> staying(&node);
+  if (!tree) parseBehavior();
+  isUnusable = !tree;
+  if (isUnusable) return;
+
+  ++executing;
+  tree->preExecute();
+  bool goesOn = true;
+  while (next < pending.size()) {
+    const EventInMemo memo = pending[next];
+    if (++next == pending.size()) {
+      pending.clear();
+      next = 0;
+    }
+    EventIn& eventIn = eventIns[memo.eventIn];
+    --eventIn.waiting;
+    if (goesOn) goesOn = handle(eventIn, memo.time);
+  }
+  if (goesOn && eventsProcessed) tree->call(*eventsProcessed, {});
+  tree->postExecute();
+  --executing;
+}
+
+// The function gets the value and the time, if it asks for them.
+bool ScriptRunner::handle(EventIn& eventIn, const SbTime& time) {
+  if (!eventIn.function) return true;
+  const ScopedValue busy(eventIn.isBusy, true);
+  Value arguments[2];
+  if (eventIn.function->numArgs == 0) {
+    eventIn.field->evaluate();
+  } else if (const Type type = typeOf(*eventIn.field); isScalar(type)) {
+    readScalar(*eventIn.field, type, arguments[0]);
+  } else {
+    arguments[0] = eventIn.value;
+  }
+  arguments[1].setTime(time.getValue());
+  return tree->call(*eventIn.function, arguments);
+}
+
+// The text is that of the first url which is a program, whatever the others are.
+void ScriptRunner::parseBehavior() {
+  const auto texts = std::span(node.url.getValues(0), static_cast<std::size_t>(node.url.getNum()));
+  const auto text = std::find_if(texts.begin(), texts.end(), [](const SbString& url) {
+    return std::string_view(url.getString()).starts_with(prefix);
+  });
+  if (text == texts.end()) return complain("No supported script format specified");
+
+  auto program = std::make_unique<VsParseTree>();
+  program->setSource(node.getUrlFile().getString(), node.getUrlLine(static_cast<int>(text - texts.begin())));
+  if (!addGlobals(*program)) return;
+  const std::string source = text->getString();
+  if (!program->parse(std::string_view(source).substr(prefix.size()), node.getDefName().getString())) return;
+  if (!findFunctions(*program)) return;
+
+  tree = std::move(program);
+  if (Function* initialize = tree->findFunction("initialize")) {
+    ++executing;
+    tree->preExecute();
+    tree->call(*initialize, {});
+    tree->postExecute();
+    --executing;
+  }
+  eventsProcessed = tree->findFunction("eventsProcessed");
+}
+
+// Fields first, then eventOuts.
+bool ScriptRunner::addGlobals(VsParseTree& program) {
+  for (const auto& [kind, access, plural] :
+       {std::tuple(FieldKind::field, AccessType::FIELD, "Fields"),
+        std::tuple(FieldKind::eventOut, AccessType::EVENTOUT, "EventOuts")})
+    for (const auto& one : node.declared)
+      if (one.kind == kind && !program.addGlobalVar(one.name.getString(), *one.field, access)) {
+        complainOfType(plural, *one.field, one.name.getString());
+        return false;
+      }
+  return true;
+}
+
+bool ScriptRunner::findFunctions(VsParseTree& program) {
+  for (EventIn& one : eventIns) {
+    one.function = program.findFunction(one.name.getString());
+    if (!one.function) continue;
+    const Type type = typeOf(*one.field);
+    if (type == Type::undefined) {
+      complainOfType("EventIns", *one.field, one.name.getString());
+      return false;
+    }
+    if (!isScalar(type)) one.value = fieldObjectOver(*one.field, false);
+  }
+  return true;
+}
+
+void ScriptRunner::complainOfType(const char* kind, const SoField& field, const char* name) {
+  complain(std::string(kind) + " of type " + nameOf(valueTypeOf(field)) +
+           " are not currently supported (field " + name + ")");
+}
+
+void ScriptRunner::complain(const std::string& message) {
+  const std::string name = node.getDefName().getString();
+  const std::string whose = name.empty() ? "Unnamed Script node" : "Script node " + name;
+  const int line = node.getUrlLine(0);
+  VsError::postUnusable(whose + ": " + message, {name, node.getUrlFile().getString(), line});
+}
+
+void ScriptRunner::shutDown() {
+  if (!tree) return;
+  ++executing;
+  tree->allowSteps();
+  if (Function* last = tree->findFunction("shutdown")) tree->call(*last, {});
+  --executing;
+}
+
+}  // namespace tessel::script

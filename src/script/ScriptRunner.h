@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include <Inventor/SbName.h>
+#include <Inventor/SbTime.h>
+#include <Inventor/sensors/SoOneShotSensor.h>
+
+#include "script/VsParseTree.h"
+
+class VrmlScript;
+
+namespace tessel::script {
+
+/// What makes a Script node think: events that wait for their functions, and the program, which is parsed when the
+/// first one comes.
+class ScriptRunner {
+public:
+  explicit ScriptRunner(VrmlScript& node);
+  ~ScriptRunner();
+  ScriptRunner(const ScriptRunner&) = delete;
+  ScriptRunner& operator=(const ScriptRunner&) = delete;
+
+  /// An event came: it waits for the end of the notification. False if the function of that eventIn is running, so
+  /// that the event is lost: this ends loops.
+  bool take(const SoField* eventIn);
+  /// A field was changed from outside: the program is to start anew.
+  void fieldChanged();
+  /// Handles what waits.
+  void execute();
+  /// Calls the program's last function.
+  void shutDown();
+
+private:
+  // An eventIn: the function of its name, the value that it is called with, and whether it runs.
+  struct EventIn {
+    SbName name;
+    SoField* field;
+    Function* function = nullptr;
+    Value value;
+    bool isBusy = false;
+    int waiting = 0;
+  };
+  // An event that waits. Its value is looked up when it is handled.
+  struct EventInMemo {
+    std::size_t eventIn;
+    SbTime time;
+  };
+
+  static void executeSensorCB(void* self, SoSensor* sensor);
+  void parseBehavior();
+  bool addGlobals(VsParseTree& program);
+  bool findFunctions(VsParseTree& program);
+  void complainOfType(const char* kind, const SoField& field, const char* name);
+  void complain(const std::string& message);
+  void addEventInMemo(std::size_t eventIn, const SbTime& time);
+  bool handle(EventIn& eventIn, const SbTime& time);
+
+  VrmlScript& node;
+  std::vector<EventIn> eventIns;
+  std::vector<EventInMemo> pending;  // those before `next` were handled
+  std::size_t next = 0;
+  std::unique_ptr<VsParseTree> tree;
+  Function* eventsProcessed = nullptr;
+  bool isUnusable = false;  // at the last try
+  int executing = 0;        // runs within one another
+  SoOneShotSensor executeSensor;
+};
+
+}  // namespace tessel::script

@@ -1,0 +1,213 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Events into Scripts, through their functions, and out of them.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <tessel/core/VrmlDB.h>
+#include <tessel/script/VrmlScript.h>
+
+#include <string>
+#include <vector>
+
+#include <Inventor/fields/SoSFBool.h>
+#include <Inventor/fields/SoSFFloat.h>
+#include <Inventor/fields/SoSFInt32.h>
+#include <Inventor/fields/SoSFString.h>
+#include <Inventor/fields/SoSFTime.h>
+
+#include "script/ScriptRun.h"
+#include "support/TestWorld.h"
+
+using namespace tessel;
+using namespace tessel::test;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+// A world with scripts, and what they complain of.
+class ScriptWorld : public TestWorld {
+public:
+  using TestWorld::TestWorld;
+
+  template <class Field> Field& field(const char* node, const char* name) const {
+    SoField* found = get<VrmlScript>(node)->getField(name);
+    return *static_cast<Field*>(found);
+  }
+  ScriptReports reports;
+};
+
+TEST(ScriptEvents, ReachTheFunctionOfTheirNameWithValueAndTime) {
+  const ScriptWorld world(R"(DEF S Script {
+    eventIn SFFloat speed eventOut SFFloat doubled eventOut SFTime at eventOut SFInt32 calls
+    url [ "http://nowhere/x.js" "vrmlscript: function speed(v, t) { doubled = v * 2; at = t; calls = calls + 1; }" ]
+  })");
+  world.field<SoSFFloat>("S", "speed").setValue(1.25F);
+  EXPECT_EQ(world.field<SoSFFloat>("S", "doubled").getValue(), 2.5F);
+  EXPECT_EQ(world.field<SoSFTime>("S", "at").getValue(), VrmlDB::getFrameTime());
+  world.field<SoSFFloat>("S", "speed").setValue(1.25F);
+  EXPECT_EQ(world.field<SoSFInt32>("S", "calls").getValue(), 2);
+  EXPECT_THAT(world.reports.messages(), IsEmpty());
+}
+
+TEST(ScriptEvents, InitializeRunsBeforeTheFirstEventAndEventsProcessedAfterEach) {
+  const ScriptWorld world(R"(DEF S Script {
+    eventIn SFBool a eventIn SFBool silent eventOut SFString log field SFString kept ""
+    url "vrmlscript:
+      function initialize() { kept = kept + 'i'; }
+      function a() { kept = kept + 'a'; }
+      function eventsProcessed() { kept = kept + 'p'; log = kept; }"
+  })");
+  EXPECT_EQ(world.field<SoSFString>("S", "kept").getValue(), "");
+  world.field<SoSFBool>("S", "a").setValue(TRUE);
+  EXPECT_EQ(world.field<SoSFString>("S", "log").getValue(), "iap");
+  world.field<SoSFBool>("S", "silent").setValue(TRUE);
+  EXPECT_EQ(world.field<SoSFString>("S", "log").getValue(), "iapp");
+}
+
+TEST(ScriptEvents, AnEventBackIntoItsOwnFunctionIsDropped) {
+  const ScriptWorld world(R"(Group { children [ DEF S Script {
+    eventIn SFInt32 into eventOut SFInt32 out field SFInt32 calls 0
+    url "vrmlscript: function into(v) { calls = calls + 1; out = v + 1; }" } ]
+    ROUTE S.out TO S.into })");
+  world.field<SoSFInt32>("S", "into").setValue(1);
+  EXPECT_EQ(world.field<SoSFInt32>("S", "calls").getValue(), 1);
+  EXPECT_EQ(world.field<SoSFInt32>("S", "out").getValue(), 2);
+}
+
+TEST(ScriptEvents, EveryAssignmentOfANumberIsAnEvent) {
+  const ScriptWorld world(R"(Group { children [
+    DEF A Script { eventIn SFInt32 go eventOut SFInt32 n eventOut SFInt32 m
+      url "vrmlscript: function go(v) { n = 1; m = 2; n = 3; }" }
+    DEF B Script { eventIn SFInt32 n eventIn SFInt32 m field SFString seen "" eventOut SFString log
+      url "vrmlscript: function n(v) { seen = seen + ' n' + v; } function m(v) { seen = seen + ' m' + v; }
+           function eventsProcessed() { log = seen; }" } ]
+    ROUTE A.n TO B.n ROUTE A.m TO B.m })");
+  world.field<SoSFInt32>("A", "go").setValue(1);
+  EXPECT_THAT(world.reports.messages(), IsEmpty());
+  // The receiver runs when the sender is done, once an event, with the last value of each.
+  EXPECT_EQ(world.field<SoSFString>("B", "log").getValue(), " n3 m2 n3");
+}
+
+TEST(ScriptEvents, AFieldChangedFromOutsideStartsTheProgramAnew) {
+  const ScriptWorld world(R"(DEF S Script {
+    eventIn SFBool go eventOut SFInt32 starts field SFInt32 count 0 field SFFloat speed 1
+    url "vrmlscript: function initialize() { count = count + 1; } function go() { starts = count; }" })");
+  world.field<SoSFBool>("S", "go").setValue(TRUE);
+  world.field<SoSFBool>("S", "go").setValue(TRUE);
+  EXPECT_EQ(world.field<SoSFInt32>("S", "starts").getValue(), 1);
+  world.field<SoSFFloat>("S", "speed").setValue(2);
+  world.field<SoSFBool>("S", "go").setValue(TRUE);
+  EXPECT_EQ(world.field<SoSFInt32>("S", "starts").getValue(), 2);
+}
+
+TEST(ScriptEvents, ADeclaredFieldKeepsItsType) {
+  const ScriptWorld world(R"(DEF S Script {
+    eventIn SFBool go field SFFloat x 1 field SFBool b FALSE field SFInt32 i 0 field SFString s "s"
+    url "vrmlscript: function go() { i = 2.9; b = 7; x = 'a'; s = 1; x = 0.1; y = x; }" })");
+  world.field<SoSFBool>("S", "go").setValue(TRUE);
+  EXPECT_EQ(world.field<SoSFInt32>("S", "i").getValue(), 2);
+  EXPECT_TRUE(world.field<SoSFBool>("S", "b").getValue());
+  EXPECT_EQ(world.field<SoSFFloat>("S", "x").getValue(), 0.1F);
+  EXPECT_EQ(world.field<SoSFString>("S", "s").getValue(), "s");
+  const char* text = "Tried to change the type of a Script node eventIn, eventOut, or field";
+  EXPECT_THAT(world.reports.messages(), ElementsAre(text, text));
+}
+
+TEST(ScriptEvents, ShutdownRunsWhenTheNodeGoes) {
+  const ScriptReports reports;
+  {
+    const TestWorld world(R"(DEF S Script { eventIn SFBool go
+      url "vrmlscript: function go() { } function shutdown() { x = gone; }" })");
+    static_cast<SoSFBool*>(world.get<VrmlScript>("S")->getField("go"))->setValue(TRUE);
+    EXPECT_THAT(reports.messages(), IsEmpty());
+  }
+  EXPECT_THAT(reports.messages(), ElementsAre("Attempt to access an uninitialized variable"));
+}
+
+TEST(ScriptEvents, NothingRunsWhileScriptsAreDisabled) {
+  const ScriptWorld world(R"(DEF S Script { eventIn SFInt32 go eventOut SFInt32 sum
+    url "vrmlscript: function go(v) { sum = sum + v; }" })");
+  VrmlScript::allEnabled = 0;
+  world.field<SoSFInt32>("S", "go").setValue(3);
+  world.field<SoSFInt32>("S", "go").setValue(4);
+  EXPECT_EQ(world.field<SoSFInt32>("S", "sum").getValue(), 0);
+  VrmlScript::allEnabled = 1;
+  world.get<VrmlScript>("S")->execute();
+  EXPECT_EQ(world.field<SoSFInt32>("S", "sum").getValue(), 8);  // both calls see the last value
+}
+
+TEST(ScriptReporting, SaysWhereInTheFile) {
+  const ScriptWorld world(
+      "Group { children [\n DEF S Script { eventIn SFBool go\n url \"vrmlscript:\n"
+      "function go() {\n  a = b;\n}\" } ] }");
+  world.field<SoSFBool>("S", "go").setValue(TRUE);
+  ASSERT_EQ(world.reports.heard.size(), 1U);
+  const ScriptReports::Heard& heard = world.reports.heard[0];
+  EXPECT_EQ(heard.kind, ScriptReportKind::runtime);
+  EXPECT_EQ(heard.text, "VrmlScript Runtime Error:\n    Attempt to access an uninitialized variable\n");
+  EXPECT_EQ(heard.script, "S");
+  EXPECT_EQ(heard.file, "test.wrl");
+  EXPECT_EQ(heard.line, 6);
+}
+
+TEST(ScriptReporting, AProgramThatCannotBeParsedIsReportedAtEachEvent) {
+  const ScriptWorld world("DEF S Script { eventIn SFBool go url \"vrmlscript: function go() {\nx = ; }\" }");
+  for (int i = 0; i < 2; ++i) world.field<SoSFBool>("S", "go").setValue(TRUE);
+  ASSERT_EQ(world.reports.heard.size(), 2U);
+  EXPECT_EQ(world.reports.heard[1].text,
+            "VrmlScript Parse Error:\n    Script node: syntax error: line \"x = ; }\"\n\n");
+  EXPECT_EQ(world.reports.heard[1].line, 3);
+}
+
+TEST(ScriptReporting, NoProgramAndUnknownTypesAreReported) {
+  const ScriptWorld world(R"(Group { children [
+    DEF S Script { eventIn SFBool go url "javascript: function go() {}" }
+    DEF T Script { eventIn SFBool go eventOut MFTime when url "vrmlscript: function go() {}" } ] })");
+  world.field<SoSFBool>("S", "go").setValue(TRUE);
+  world.field<SoSFBool>("T", "go").setValue(TRUE);
+  EXPECT_THAT(
+      world.reports.messages(),
+      ElementsAre("Script node S: No supported script format specified",
+                  "Script node T: EventOuts of type MFTime are not currently supported (field when)"));
+}
+
+TEST(ScriptLimits, AScriptWithoutEndIsStoppedAndWorksAgain) {
+  const ScriptWorld world(R"(DEF S Script { eventIn SFInt32 go eventOut SFInt32 out
+    url "vrmlscript: function go(v) { while (v) { } out = 1; } function eventsProcessed() { out = out + 1; }" })");
+  setScriptStepLimit(1000);
+  world.field<SoSFInt32>("S", "go").setValue(1);
+  EXPECT_EQ(world.field<SoSFInt32>("S", "out").getValue(), 0);
+  ASSERT_EQ(world.reports.heard.size(), 1U);
+  EXPECT_EQ(world.reports.heard[0].kind, ScriptReportKind::stopped);
+  world.field<SoSFInt32>("S", "go").setValue(0);
+  EXPECT_EQ(world.field<SoSFInt32>("S", "out").getValue(), 2);
+  setScriptStepLimit(0);
+}
+
+// Each of these must end in a report, whatever it takes.
+TEST(ScriptLimits, HostileTextsEndInAReport) {
+  const auto many = [](const char* what, int times) {
+    std::string text;
+    for (int i = 0; i < times; ++i) text += what;
+    return text;
+  };
+  const int deep = 100000;
+  for (const std::string& body :
+       {"return " + many("(", deep) + "1" + many(")", deep) + ";", "return " + many("-", deep) + "1;",
+        many("if (1) ", deep) + "return 1;", "return 1" + many(".x", deep) + ";", many("a = ", deep) + "1;",
+        "return " + many("a[", deep) + "1" + many("]", deep) + ";", many("if (1) { x = 1; ", deep),
+        std::string("x = ") + std::string(3000, 'a') + ";", "x = " + std::string(3000, '1') + ";"}) {
+    const ScriptReports reports;
+    EXPECT_EQ(resultOf("function test() { " + body + " }"), "unparsed") << body.substr(0, 40);
+    EXPECT_GE(reports.heard.size(), 1U);
+  }
+  const ScriptReports reports;
+  EXPECT_EQ(resultOf("function test() { return 0" + many(" + 1", deep) + "; }"), "SFTime 100000");
+  EXPECT_EQ(resultOf("function test() { return (0" + many(", 1", deep) + "); }"), "SFTime 1");
+  EXPECT_EQ(resultOf("function test() { return '" + std::string(5000, 'x') + "' == 1; }"), "SFBool false");
+  EXPECT_EQ(resultOf("function test() { s = 'x'; for (i = 0; i < 40; i++) s = s + s; return s == 1; }"),
+            "SFBool false");
+}
+
+}  // namespace
