@@ -9,46 +9,36 @@ namespace tessel::script {
 
 static constexpr std::size_t chunkSize = 4096;
 
-Value* CallStack::enter(Function& function, const Caller& caller) {
-  callers.push_back(caller);
-  if (!function.isRunning) {
-    function.isRunning = true;
-    return function.window.data();
-  }
-
-  const std::size_t size = function.window.size();
-  while (chunk < chunks.size() && chunks[chunk].size - chunks[chunk].used < size) ++chunk;
-  if (chunk == chunks.size()) {
+// Goes on to a chunk with that much room; those that are there are tried first.
+void CallStack::growFor(std::size_t size) {
+  if (begin) chunks[chunk++].left = free;
+  if (chunk == chunks.size() || chunks[chunk].size < size) {
+    chunks.resize(chunk);
     const std::size_t room = std::max(size, chunkSize);
-    chunks.push_back({std::make_unique<Value[]>(room), room, 0});
+    chunks.push_back({std::make_unique<Value[]>(room), room});
   }
-  Value* window = chunks[chunk].values.get() + chunks[chunk].used;
-  chunks[chunk].used += size;
-  values += size;
-  for (int i = 0; i < function.numVariables; ++i) window[i].clear(Type::undefined);
-  std::copy(function.constants.begin(), function.constants.end(), window + function.numVariables);
-  return window;
+  begin = free = chunks[chunk].values.get();
+  end = begin + chunks[chunk].size;
 }
 
-// A value that keeps nodes is not kept itself: a script may stand below those nodes.
-CallStack::Caller CallStack::leave(Function& function, Value* window) {
-  const Caller caller = callers.back();
-  callers.pop_back();
-  const std::size_t size = function.window.size();
-  if (window == function.window.data()) {
-    for (int i = 0; i < function.numVariables; ++i) window[i].clear(Type::undefined);
-    if (function.mayHoldNodes) {
-      for (std::size_t i = static_cast<std::size_t>(function.numVariables); i < size; ++i)
-        if (isHeldByField(window[i].type()) && window[i].object()->keepsNodes()) window[i].clear();
-    }
-    function.isRunning = false;
-  } else {
-    for (std::size_t i = 0; i < size; ++i) window[i].clear();
-    chunks[chunk].used -= size;
-    values -= size;
-    while (chunk > 0 && chunks[chunk].used == 0) --chunk;
-  }
-  return caller;
+void CallStack::shrink() {
+  --chunk;
+  begin = chunks[chunk].values.get();
+  free = chunks[chunk].left;
+  end = begin + chunks[chunk].size;
+}
+
+// The window of an outermost run keeps its results. A value that keeps nodes is not kept itself: a script may stand
+// below those nodes.
+void CallStack::keep(Function& function) {
+  std::vector<Value>& window = function.window;
+  const auto results = window.begin() + function.numVariables;
+  std::for_each(window.begin(), results, [](Value& value) { value.clear(Type::undefined); });
+  if (function.mayHoldNodes)
+    std::for_each(results, window.end(), [](Value& value) {
+      if (isHeldByField(value.type()) && value.object()->keepsNodes()) value.clear();
+    });
+  function.isRunning = false;
 }
 
 }  // namespace tessel::script

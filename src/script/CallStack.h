@@ -33,20 +33,56 @@ public:
   const Caller& innermost() const { return callers.back(); }
 
   /// A window for a run, with variables undefined.
-  Value* enter(Function& function, const Caller& caller);
+  Value* enter(Function& function, const Caller& caller) {
+    callers.push_back(caller);
+    if (!function.isRunning) {
+      function.isRunning = true;
+      return function.window.data();
+    }
+    const std::size_t size = function.window.size();
+    if (static_cast<std::size_t>(end - free) < size) growFor(size);
+    Value* window = free;
+    free += size;
+    values += size;
+    for (int i = 0; i < function.numVariables; ++i) window[i].clear(Type::undefined);
+    Value* constant = window + function.numVariables;
+    for (const Value& one : function.constants) (constant++)->setValue(one);
+    return window;
+  }
+
   /// Ends the innermost run, which worked on that window.
-  Caller leave(Function& function, Value* window);
+  Caller leave(Function& function, Value* window) {
+    const Caller caller = callers.back();
+    callers.pop_back();
+    if (window == function.window.data()) {
+      keep(function);
+    } else {
+      const std::size_t size = function.window.size();
+      for (std::size_t i = 0; i < size; ++i) window[i].clear();
+      free = window;
+      values -= size;
+      if (free == begin && chunk > 0) shrink();
+    }
+    return caller;
+  }
 
 private:
   struct Chunk {
     std::unique_ptr<Value[]> values;
     std::size_t size;
-    std::size_t used;
+    Value* left = nullptr;  // where it was free when the next one was taken
   };
+
+  void growFor(std::size_t size);
+  void shrink();
+  void keep(Function& function);
 
   std::vector<Caller> callers;
   std::vector<Chunk> chunks;
-  std::size_t chunk = 0;   // the one in use
+  std::size_t chunk = 0;  // the one in use
+  Value* begin = nullptr;
+  Value* free = nullptr;
+  Value* end = nullptr;
   std::size_t values = 0;  // in use
 };
 

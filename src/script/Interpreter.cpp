@@ -248,14 +248,11 @@ bool Interpreter::loop() {
         pc = base[i.a].isNone() ? function->code.data() + i.b : pc + 1;
         break;
       case Op::passArgument:
-        if (base[i.a].isNone()) {
-          pc = function->code.data() + i.b;
-        } else {
-          at = pc;
-          checkVariable(i.a);
-          base[i.dst].clear(Type::undefined);
+        if (base[i.a].isScalar()) [[likely]] {
           base[i.dst].setValue(base[i.a]);
           ++pc;
+        } else {
+          pc = passArgument(i) ? pc + 1 : function->code.data() + i.b;
         }
         break;
       case Op::call: {
@@ -274,8 +271,10 @@ bool Interpreter::loop() {
         break;
       }
       case Op::giveBack:
-        at = pc;
-        checkVariable(i.a);
+        if (!base[i.a].isScalar()) [[unlikely]] {
+          at = pc;
+          checkVariable(i.a);
+        }
         giveBack(base[i.a]);
         [[fallthrough]];
       case Op::end:

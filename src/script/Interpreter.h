@@ -42,6 +42,7 @@ private:
   void assign(const Instruction& instruction);
   bool decides(const Instruction& instruction);
   void andOr(const Instruction& instruction);
+  bool passArgument(const Instruction& instruction);
   bool isIndex(const Instruction& instruction);
   void getElement(const Instruction& instruction);
   void setElement(const Instruction& instruction);

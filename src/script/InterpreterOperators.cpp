@@ -224,6 +224,15 @@ void Interpreter::andOr(const Instruction& i) {
   result.setBool(i.op == Op::andRight ? a && b : a || b);
 }
 
+// Into a new variable. Without a value there is no call.
+bool Interpreter::passArgument(const Instruction& i) {
+  at = &i;
+  checkVariable(i.a);
+  window[i.dst].clear(Type::undefined);
+  window[i.dst].setValue(window[i.a]);
+  return !window[i.a].isNone();
+}
+
 bool Interpreter::isIndex(const Instruction& i) {
   at = &i;
   checkVariable(i.a);

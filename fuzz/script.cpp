@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Any bytes to a script: parsed, and each of its functions run, with few steps.
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include <Inventor/SoDB.h>
+#include <Inventor/SoInteraction.h>
+#include <Inventor/errors/SoDebugError.h>
+#include <Inventor/errors/SoReadError.h>
+#include <Inventor/fields/SoFieldContainer.h>
+#include <Inventor/lists/SoFieldList.h>
+#include <Inventor/nodes/SoGroup.h>
+
+#include <tessel/core/FieldKind.h>
+#include <tessel/core/VrmlDB.h>
+#include <tessel/script/ScriptReport.h>
+#include <tessel/script/VrmlScript.h>
+#include <tessel/toolkit/PlainReport.h>
+#include <tessel/toolkit/SoRef.h>
+
+namespace {
+
+void ignore(const SoError*, void*) {}
+void ignoreReport(const tessel::ScriptReport&, void*) {}
+void ignoreText(std::string_view, void*) {}
+
+void start() {
+  SoDB::init();
+  SoInteraction::init();
+  VrmlDB::init();
+  SoError::setHandlerCallback(ignore, nullptr);
+  SoReadError::setHandlerCallback(ignore, nullptr);
+  SoDebugError::setHandlerCallback(ignore, nullptr);
+  tessel::setPlainReportHandler(ignoreText, nullptr);
+  tessel::setScriptReportHandler(ignoreReport, nullptr);
+  tessel::setScriptStepLimit(2000);
+}
+
+// A Script with a field and an eventOut of every type that scripts know, named after it ("fSFVec3f", "oSFVec3f"),
+// and the eventIns `go` and `eSFVec3f`.
+std::string world() {
+  static constexpr const char* fields[][2] = {
+      {"SFBool", "TRUE"}, {"SFInt32", "7"}, {"SFFloat", "0.5"}, {"SFTime", "1"}, {"SFString", "\"text\""},
+      {"SFNode", "Transform { }"}, {"SFImage", "1 2 1 3 4"}, {"SFVec2f", "1 2"}, {"SFVec3f", "1 2 3"},
+      {"SFRotation", "0 1 0 1"}, {"SFColor", "1 0 0.5"}, {"MFInt32", "[ 1 2 ]"}, {"MFFloat", "[ 1 2 ]"},
+      {"MFString", "[ \"a\" \"b\" ]"}, {"MFNode", "[ Group { } ]"}, {"MFVec2f", "[ 1 2, 3 4 ]"},
+      {"MFVec3f", "[ 1 2 3 ]"}, {"MFColor", "[ 1 0 0 ]"}, {"MFRotation", "[ 0 0 1 2 ]"}};
+  std::string text = "#VRML V2.0 utf8\nDEF S Script { eventIn SFBool go\n";
+  for (const auto& [type, value] : fields) {
+    const std::string word = type;
+    text += "field " + word + " f" + word + " " + value + "\n";
+    text += "eventOut " + word + " o" + word + "\neventIn " + word + " e" + word + "\n";
+  }
+  return text + "}";
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static const bool started = (start(), true);
+  (void)started;
+  static const std::string text = world();
+
+  tessel::ReadStatus status;
+  const tessel::SoRef<SoNode> root(VrmlDB::read(text, "fuzzed.wrl", status, {}));
+  auto* group = static_cast<SoGroup*>(root.get());
+  if (!root) __builtin_trap();
+  auto* script = static_cast<VrmlScript*>(
+      root->isOfType(VrmlScript::getClassTypeId()) ? root.get() : group->getChild(0));
+  const std::string program = "vrmlscript:" + std::string(reinterpret_cast<const char*>(data), size);
+  script->url.setValue(program.c_str());
+  SoFieldList fields;
+  script->getFields(fields);
+  for (int round = 0; round < 2; ++round)
+    for (int i = 0; i < fields.getLength(); ++i)
+      if (script->getFieldType(fields[i]) == static_cast<int>(tessel::FieldKind::eventIn)) fields[i]->touch();
+  return 0;
+}
