@@ -8,7 +8,9 @@
 #include <Inventor/sensors/SoSensorManager.h>
 
 #include "Diagnostics.h"
+#include "Text.h"
 #include "fetch/Fetcher.h"
+#include "fetch/Url.h"
 
 namespace tessel::host {
 namespace {
@@ -47,16 +49,26 @@ Viewer::Viewer(Window& w, std::string p, const World& world, const ReadOptions& 
 
 void Viewer::show(const World& world) {
   stage.setWorld(world.root.get());
-  window.setTitle(titleOf(world.root.get(), path) + " - tessel");
+  title = titleOf(world.root.get(), path) + " - tessel";
+  missing = -1;
   pivotOf = -1;
   setMode(wantedMode(stage.navigationInfo()));
   dirty = true;
+}
+
+/// The title, with how many files are still to come.
+void Viewer::showTitle() {
+  if (missing == fetcher.pending()) return;
+  missing = fetcher.pending();
+  window.setTitle(missing > 0 ? title + " (" + counted(missing, "file") + " to come)" : title);
 }
 
 void Viewer::run() {
   WindowEvent event;
   while (!closed) {
     while (!closed && window.next(event)) handle(event);
+    fetcher.answer(answerTime);
+    showTitle();
     timeline.advance();
     checkFile();
     if (closed) break;
@@ -66,14 +78,14 @@ void Viewer::run() {
       timeline.draw();
       window.swap();
     }
-    window.wait(secondsToSleep());
+    window.wait(secondsToSleep(), fetcher.descriptor());
   }
 }
 
 double Viewer::secondsToSleep() const {
   using Seconds = std::chrono::duration<double>;
   const auto now = Clock::now();
-  if (fetcher.pending() > 0) return 0;
+  if (fetcher.hasAnswers()) return 0;
   double sleep = Seconds(nextLook - now).count();
   if (dirty) sleep = std::min(sleep, Seconds(nextFrame - now).count());
   SbTime due;
@@ -173,7 +185,7 @@ void Viewer::setMode(Navigation::Mode mode) {
 void Viewer::checkFile() {
   if (Clock::now() < nextLook) return;
   nextLook = Clock::now() + lookInterval;
-  if (path != "-" && watch.changed()) reload(false);
+  if (path != "-" && !isNetworkUrl(path) && watch.changed()) reload(false);
 }
 
 void Viewer::reload(bool asked) {

@@ -37,6 +37,7 @@ private:
   void show(const World& world);
   void reload(bool asked);
   void checkFile();
+  void showTitle();
   void setMode(Navigation::Mode mode);
   /// A way in pixels in parts of the window's smaller side.
   SbVec2f wayTo(const WindowEvent& event) const;
@@ -53,6 +54,8 @@ private:
   FileWatch watch;
   Clock::time_point nextLook;   // at the file
   Clock::time_point nextFrame;  // not before
+  std::string title;            // of the world
+  int missing = 0;              // files, as the window's title tells
   int pivotOf = -1;             // the viewpoint in whose frame the pivot is, -1 for a new world
   int lastX = 0, lastY = 0;
   bool dirty = true;

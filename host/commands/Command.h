@@ -29,14 +29,19 @@ protected:
     CLI::Option* quietFlag = app.add_flag("--quiet,-q", quiet, "Print errors only");
     app.add_flag("--verbose,-v", verbose, "Print what is being done, too")->excludes(quietFlag);
     app.add_flag("--strict", readOptions.strict, "Refuse what would pass with a warning");
+    app.add_flag_callback(
+        "--no-network", [this] { fetchOptions.network = false; }, "Get nothing over the network");
   }
   /// The argument of the commands that take one world.
   void takeWorld() {
-    app.add_option("WORLD", worlds, "File, or - for standard input")->required()->expected(1)->type_name("");
+    app.add_option("WORLD", worlds, "File, URL, or - for standard input")
+        ->required()
+        ->expected(1)
+        ->type_name("");
   }
   /// The argument of those that take many.
   void takeWorlds() {
-    app.add_option("WORLD", worlds, "Files, or - for standard input")
+    app.add_option("WORLD", worlds, "Files, URLs, or - for standard input")
         ->required()
         ->expected(-1)
         ->type_name("");
@@ -51,6 +56,7 @@ protected:
   CLI::App& app;
   std::vector<std::string> worlds;
   ReadOptions readOptions;
+  FetchOptions fetchOptions;
   bool quiet = false, verbose = false;
 };
 

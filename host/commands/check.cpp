@@ -28,7 +28,8 @@ private:
 ExitStatus CheckCommand::run() {
   startLibrary();
   Diagnostics diagnostics(json ? Diagnostics::Output::collectOnly : output());
-  Fetcher fetcher(diagnostics, {.missingIsError = true});
+  fetchOptions.missingIsError = true;
+  Fetcher fetcher(diagnostics, fetchOptions);
   JsonWriter out(std::cout);
   if (json) {
     out.beginObject();

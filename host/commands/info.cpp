@@ -28,7 +28,7 @@ ExitStatus InfoCommand::run() {
   Diagnostics diagnostics(output());
   const std::string& path = worlds.front();
   diagnostics.beginWorld(path == "-" ? "<stdin>" : path);
-  Fetcher fetcher(diagnostics);
+  Fetcher fetcher(diagnostics, fetchOptions);
   const World world = fetcher.open(path, readOptions);
   if (world.good()) {
     const Contents contents = contentsOf(world.root.get());

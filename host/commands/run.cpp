@@ -41,7 +41,7 @@ ExitStatus RunCommand::run() {
   std::string failure;
   const auto context = OffscreenContext::create(width, height, failure);
   if (!context) diagnostics.complain(failure + "; the world runs undrawn");
-  Fetcher fetcher(diagnostics);
+  Fetcher fetcher(diagnostics, fetchOptions);
   Run course(options, input, trace, width, height, fetcher, diagnostics);
   ExitStatus status = course.load(path, readOptions);
   if (status == ExitStatus::done) {

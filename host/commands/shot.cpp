@@ -95,7 +95,7 @@ bool ShotCommand::makeFolder(const fs::path& folder, const char* purpose, const 
 ExitStatus ShotCommand::run() {
   startLibrary(SbTime(options.start));
   Diagnostics diagnostics(output());
-  Fetcher fetcher(diagnostics);
+  Fetcher fetcher(diagnostics, fetchOptions);
   if (worlds.size() > 1 && !output_.empty() && !fs::is_directory(output_) &&
       !makeFolder(output_, "several pictures", diagnostics))
     return ExitStatus::surroundings;

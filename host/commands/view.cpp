@@ -24,7 +24,7 @@ ExitStatus ViewCommand::run() {
   Diagnostics diagnostics(output());
   const std::string& path = worlds.front();
   diagnostics.beginWorld(path == "-" ? "<stdin>" : path);
-  Fetcher fetcher(diagnostics);
+  Fetcher fetcher(diagnostics, fetchOptions);
   const World world = fetcher.open(path, readOptions);
   if (!world.good()) {
     diagnostics.endWorld();

@@ -3,13 +3,16 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
+#include <unordered_set>
 
-#include <Inventor/SoFullPath.h>
-#include <Inventor/actions/SoSearchAction.h>
+#include <Inventor/actions/SoCallbackAction.h>
+#include <Inventor/misc/SoChildList.h>
 #include <tessel/core/VrmlNode.h>
 #include <tessel/proto/VrmlExternProtoInline.h>
 #include <tessel/proto/VrmlInline.h>
 #include <tessel/proto/VrmlProtoDict.h>
+#include <unistd.h>
 
 #include "../Diagnostics.h"
 #include "../Text.h"
@@ -29,6 +32,35 @@ std::string shortName(const fs::path& path) {
   return relative.empty() || *relative.begin() == ".." ? path.string() : relative.string();
 }
 
+/// Calls `look` for every node that hangs from `root`, once.
+template <class Look> void forAllBelow(SoNode* root, const Look& look) {
+  std::unordered_set<const SoNode*> seen;
+  std::vector<SoNode*> open{root};
+  while (!open.empty()) {
+    SoNode* node = open.back();
+    open.pop_back();
+    if (!seen.insert(node).second) continue;
+    look(node);
+    const SoChildList* children = node->getChildren();
+    for (int i = children ? children->getLength() - 1 : -1; i >= 0; --i) open.push_back((*children)[i]);
+  }
+}
+
+/// Calls `look` for every Inline that a traversal of the scene as it stands comes to.
+template <class Look> void forAllInSight(SoNode* root, const Look& look) {
+  SoCallbackAction walk;
+  const auto visit = [](void* data, SoCallbackAction*, const SoNode* node) {
+    (*static_cast<const Look*>(data))(const_cast<SoNode*>(node));
+    return SoCallbackAction::CONTINUE;
+  };
+  walk.addPreCallback(VrmlInline::getClassTypeId(), visit, const_cast<Look*>(&look));
+  walk.apply(root);
+}
+
+constexpr std::string_view fileScheme = "file://";  // before the path, in all URLs that we make ourselves
+constexpr const char* switchedOff = "the network is switched off";
+constexpr const char* inItself = "a file can't be inlined in itself";
+
 }  // namespace
 
 Fetcher::Fetcher(Diagnostics& d, const FetchOptions& o) : diagnostics(d), options(o) {
@@ -43,27 +75,50 @@ Fetcher::~Fetcher() {
 
 void Fetcher::forgetWorld() {
   queue.clear();
+  coming.clear();
+  for (const auto& [url, answer] : downloaded) unlink(answer.file.c_str());
+  downloaded.clear();
   for (const auto& [url, library] : libraries) VrmlProtoDict::deleteStack(library.stack);
   libraries.clear();
   totalBytes = 0;
+  if (network) network->forget();
 }
 
 World Fetcher::open(const std::string& path, const ReadOptions& newReadOptions) {
   forgetWorld();
   readOptions = newReadOptions;
-  const WorldFile file = readWorldFile(path);
-  if (!file.readable()) {
-    diagnostics.report(Severity::error, file.failure);
+  const Data data = openWorld(path);
+  if (!data.failure.empty()) {
+    diagnostics.report(Severity::error, data.failure);
     return {ExitStatus::surroundings, {}};
   }
-  diagnostics.progress("reading " + counted(static_cast<long long>(file.bytes.size()), "byte"));
-  files.begin(fileUrlOf(path == "-" ? fs::path("-") : fs::path(path)), file.name);
+  diagnostics.progress("reading " + counted(static_cast<long long>(data.bytes.size()), "byte"));
+  files.begin(data.url, data.name);
   SoRef<SoNode> root;
   ReadStatus status = ReadStatus::failed;
-  VrmlProtoDict::deleteStack(readWorld({file.bytes, {}, {}, file.name}, 0, root, status));
+  VrmlProtoDict::deleteStack(readWorld(data, 0, root, status));
   if (status != ReadStatus::failed) return {ExitStatus::done, std::move(root)};
   if (!diagnostics.hasErrors()) diagnostics.report(Severity::error, "this is no VRML 2.0 world");
   return {ExitStatus::badWorld, {}};
+}
+
+Fetcher::Data Fetcher::openWorld(const std::string& path) {
+  if (isNetworkUrl(path)) {
+    if (!options.network) return {{}, switchedOff, {}, {}};
+    const std::string url = tidiedForNetwork(withoutFragment(path));
+    askNetwork(url);
+    while (!downloaded.contains(url)) {
+      network->wait(options.limits.time);
+      takeFromNetwork();
+    }
+    return readDownloaded(downloaded[url]);
+  }
+  const bool isUrl = schemeOf(path) == "file";
+  std::error_code ignored;
+  const auto found = isUrl ? findLocalFile(withoutFragment(path), fs::current_path(ignored)) : std::nullopt;
+  WorldFile file = readWorldFile(found ? found->string() : path);
+  return {std::move(file.bytes), std::move(file.failure), fileUrlOf(found ? *found : fs::path(path)),
+          file.name};
 }
 
 int Fetcher::readWorld(const Data& data, int file, SoRef<SoNode>& root, ReadStatus& status) {
@@ -82,10 +137,35 @@ void Fetcher::requestCB(const SbString& url, void* self, VrmlInline* node) {
   static_cast<Fetcher*>(self)->queue.push_back({SoRef<VrmlInline>(node), url.getString(), forPrototypes});
 }
 
+int Fetcher::pending() const {
+  std::size_t count = queue.size();
+  for (const auto& [url, requests] : coming) count += requests.size();
+  return static_cast<int>(count);
+}
+
+void Fetcher::askNetwork(const std::string& url) {
+  if (!network) network = std::make_unique<Network>(options.limits);
+  network->ask(url);
+}
+
+void Fetcher::takeFromNetwork() {
+  if (!network) return;
+  for (Network::Answer& answer : network->take()) {
+    const auto waiting = coming.find(answer.url);
+    if (waiting != coming.end()) {
+      std::ranges::move(waiting->second, std::back_inserter(queue));
+      coming.erase(waiting);
+    }
+    const std::string url = answer.url;
+    downloaded.insert_or_assign(url, std::move(answer));
+  }
+}
+
 int Fetcher::answer(std::chrono::nanoseconds budget) {
   using Clock = std::chrono::steady_clock;
   const Clock::time_point start = Clock::now();
   int answered = 0;
+  takeFromNetwork();
   while (!queue.empty() && Clock::now() - start < budget) {
     const Request request = std::move(queue.front());
     queue.pop_front();
@@ -101,7 +181,8 @@ std::string Fetcher::target(const Request& request, std::string& failure) const 
   const std::string_view server = serverOf(base);
   if (!server.empty() && url.starts_with('/')) url.insert(0, server);
   if (isNetworkUrl(url)) {
-    failure = "there is no network here";
+    if (options.network) return tidiedForNetwork(url);
+    failure = switchedOff;
     return {};
   }
   if (files.isFromNetwork(base)) {
@@ -112,7 +193,8 @@ std::string Fetcher::target(const Request& request, std::string& failure) const 
     failure = "a URL of a kind that is not fetched";
     return {};
   }
-  const fs::path folder = fs::path(percentDecoded(withoutFragment(base).substr(7))).parent_path();
+  const fs::path folder =
+      fs::path(percentDecoded(withoutFragment(base).substr(fileScheme.size()))).parent_path();
   const auto path = findLocalFile(url, folder);
   if (!path) {
     failure = "there is no such file";
@@ -131,18 +213,31 @@ std::string Fetcher::limitReached(int asker) const {
 }
 
 Fetcher::Data Fetcher::readLocal(const std::string& url) const {
-  const std::string path = percentDecoded(std::string_view(url).substr(7));
+  const std::string path = percentDecoded(std::string_view(url).substr(fileScheme.size()));
+  std::error_code unknown;
+  if (fs::file_size(path, unknown) > options.limits.bytes && !unknown) return {{}, "it is too large", {}, {}};
   WorldFile file = readWorldFile(path);
   return {std::move(file.bytes), std::move(file.failure), url, shortName(path)};
 }
 
+Fetcher::Data Fetcher::readDownloaded(const Network::Answer& answer) {
+  if (!answer.failure.empty()) return {{}, answer.failure, {}, {}};
+  WorldFile file = readWorldFile(answer.file);
+  const std::string url(withoutFragment(answer.finalUrl));
+  return {std::move(file.bytes), std::move(file.failure), url, url};
+}
+
 void Fetcher::serve(const Request& request) {
-  const int asker = files.fileOf(request.node->getBaseURL().getString());
   if (request.url.empty()) {
     const auto& alternatives = request.node->url;
     const int index = request.node->getUrlIndex();
     const bool named = index < alternatives.getNum() && alternatives[index].getLength() > 0;
-    fail(request, named ? "a file can't be inlined in itself" : "", Severity::warning);
+    fail(request, named ? inItself : "", Severity::warning);
+    return;
+  }
+  const std::string limit = limitReached(files.fileOf(request.node->getBaseURL().getString()));
+  if (!limit.empty() && !request.forPrototypes) {  // a library may have been read already
+    fail(request, limit, Severity::error);
     return;
   }
   std::string failure;
@@ -151,31 +246,39 @@ void Fetcher::serve(const Request& request) {
     fail(request, failure, Severity::warning);
     return;
   }
-  if (request.forPrototypes && libraries.contains(url)) {
-    give(request, {{}, {}, url, {}});
+  if (const auto known = libraries.find(url); request.forPrototypes && known != libraries.end()) {
+    giveLibrary(request, known->second);
     return;
   }
-  if (!request.forPrototypes && files.leadsTo(asker, url)) {
-    fail(request, "a file can't be inlined in itself", Severity::error);
+  if (!limit.empty()) {
+    fail(request, limit, Severity::error);
     return;
   }
-  if (failure = limitReached(asker); !failure.empty()) {
-    fail(request, failure, Severity::error);
-    return;
+  if (!isNetworkUrl(url)) {
+    give(request, url, readLocal(url));
+  } else if (const auto known = downloaded.find(url); known != downloaded.end()) {
+    give(request, url, readDownloaded(known->second));
+  } else {
+    std::vector<Request>& waiting = coming[url];
+    if (waiting.empty()) askNetwork(url);
+    waiting.push_back(request);
   }
-  give(request, readLocal(url));
 }
 
-void Fetcher::give(const Request& request, const Data& data) {
-  const int asker = files.fileOf(request.node->getBaseURL().getString());
+void Fetcher::giveLibrary(const Request& request, const Library& library) {
+  files.lower(library.file, files.fileOf(request.node->getBaseURL().getString()));
+  request.node->setProtoDict(VrmlProtoDict::getTopOfStack(library.stack));
+  request.node->setChildData(nullptr);
+}
+
+void Fetcher::give(const Request& request, const std::string& url, const Data& data) {
   if (!data.failure.empty()) {
     fail(request, data.failure, Severity::warning);
     return;
   }
-  if (const auto known = libraries.find(data.url); request.forPrototypes && known != libraries.end()) {
-    files.lower(known->second.file, asker);
-    request.node->setProtoDict(VrmlProtoDict::getTopOfStack(known->second.stack));
-    request.node->setChildData(nullptr);
+  const int asker = files.fileOf(request.node->getBaseURL().getString());
+  if (!request.forPrototypes && files.leadsTo(asker, data.url)) {
+    fail(request, inItself, Severity::error);
     return;
   }
   totalBytes += data.bytes.size();
@@ -191,52 +294,60 @@ void Fetcher::give(const Request& request, const Data& data) {
          Severity::warning);
     return;
   }
+  if (request.forPrototypes) {
+    giveLibrary(request, libraries.emplace(url, Library{stack, file}).first->second);
+    return;
+  }
   request.node->setProtoDict(VrmlProtoDict::getTopOfStack(stack));
-  if (request.forPrototypes)
-    libraries.emplace(data.url, Library{stack, file});
-  else
-    request.node->setStackId(stack);
+  request.node->setStackId(stack);
   request.node->setChildData(world);
 }
 
-void Fetcher::fail(const Request& request, const std::string& why, Severity atLeast) {
+const std::string& Fetcher::nameOfAsker(const Request& request) const {
+  return files[files.fileOf(request.node->getBaseURL().getString())].name;
+}
+
+void Fetcher::fail(const Request& request, std::string_view why, Severity atLeast) {
   const std::size_t before = queue.size();
   request.node->fetchFailed();
   if (why.empty()) return;
   const bool lastHope = queue.size() == before;
   const DefName* def = request.node->getDef();
-  const std::string& asker = files[files.fileOf(request.node->getBaseURL().getString())].name;
-  diagnostics.report(lastHope && options.missingIsError ? Severity::error : atLeast, asker,
+  diagnostics.report(lastHope && options.missingIsError ? Severity::error : atLeast, nameOfAsker(request),
                      def ? def->line : 0,
-                     "can't get " + (request.url.empty() ? "a file" : request.url) + ": " + why);
+                     "can't get " + (request.url.empty() ? "a file" : request.url) + ": " + std::string(why));
 }
 
 // What a scene has not asked for yet.
 
 int Fetcher::askForMissing(SoNode* root, bool all) {
   if (!root) return 0;
-  SoSearchAction search;
-  search.setType(VrmlInline::getClassTypeId());
-  search.setInterest(SoSearchAction::ALL);
-  search.setSearchingAll(all);
-  search.apply(root);
   int asked = 0;
-  const SoPathList& found = search.getPaths();
-  for (int i = 0; i < found.getLength(); ++i) {
-    auto* node = static_cast<VrmlInline*>(static_cast<SoFullPath*>(found[i])->getTail());
-    if (node->areChildrenLoaded()) {
-      if (!all) asked += askForMissing(node->getChildData(), all);
-    } else if (!node->isFetchRequested()) {
-      node->requestChildrenFromURL();
-      ++asked;
-    }
-  }
+  const auto look = [&asked](SoNode* node) {
+    if (!node->isOfType(VrmlInline::getClassTypeId())) return;
+    auto* wants = static_cast<VrmlInline*>(node);
+    if (wants->areChildrenLoaded() || wants->isFetchRequested()) return;
+    wants->requestChildrenFromURL();
+    ++asked;
+  };
+  if (all)
+    forAllBelow(root, look);
+  else
+    forAllInSight(root, look);
   return asked;
 }
 
 void Fetcher::settle(SoNode* root, bool all) {
-  do answer();
-  while (askForMissing(root, all) > 0);
+  using Clock = std::chrono::steady_clock;
+  const Clock::time_point end = Clock::now() + options.patience;
+  for (;;) {
+    while (answer() + askForMissing(root, all) > 0) continue;
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
+    if (coming.empty() || left.count() <= 0) break;
+    network->wait(left);
+  }
+  for (const auto& [url, requests] : coming)
+    diagnostics.report(Severity::warning, nameOfAsker(requests.front()), 0, url + " did not come in time");
 }
 
 }  // namespace tessel::host

@@ -5,7 +5,9 @@
 #include <cstdint>
 #include <deque>
 #include <map>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <tessel/core/VrmlDB.h>
@@ -13,6 +15,7 @@
 
 #include "../World.h"
 #include "FileChain.h"
+#include "Network.h"
 
 class VrmlInline;
 
@@ -26,6 +29,9 @@ struct FetchOptions {
   int maxChain = 32;                                     ///< files that lead to one another
   int maxFiles = 10'000;                                 ///< read for one world
   std::uint64_t maxTotalBytes = std::uint64_t{2} << 30;  ///< of all of them
+  bool network = true;                                   ///< whether anything is asked of it
+  NetworkLimits limits;
+  std::chrono::milliseconds patience{60'000};  ///< how long `settle` waits for the network
   bool missingIsError = false;  ///< report what could not be had by any alternative as an error
 };
 
@@ -42,7 +48,7 @@ public:
   Fetcher(const Fetcher&) = delete;
   Fetcher& operator=(const Fetcher&) = delete;
 
-  /// Reads a world, from a path or from standard input for `-`, and from now on fetches for this world alone. What
+  /// Reads a world, from a path, a URL, or from standard input for `-`, and from now on fetches for this world alone. What
   /// is wrong with it goes to the diagnostics, which must have begun a world; after a failure at least one message
   /// has.
   World open(const std::string& path, const ReadOptions& options);
@@ -51,10 +57,15 @@ public:
   /// `budget`, then leaves the rest to the next call.
   int answer(std::chrono::nanoseconds budget = std::chrono::nanoseconds::max());
   /// How many requests wait for their answer.
-  int pending() const { return static_cast<int>(queue.size()); }
+  int pending() const;
+  /// Whether `answer` has something to do.
+  bool hasAnswers() const { return !queue.empty() || (network && network->hasAnswers()); }
+  /// A descriptor that is readable when the network has brought something, -1 if nothing was asked of it.
+  int descriptor() const { return network ? network->descriptor() : -1; }
 
   /// Asks for every Inline of a world that is not there yet, and for those that come with them, until there are no
-  /// more. With `all`, also for those that no traversal of the scene as it stands would come to.
+  /// more. With `all`, also for those that no traversal of the scene as it stands would come to. Waits for the
+  /// network until its patience ends, and reports what has not come by then.
   void settle(SoNode* root, bool all);
 
 private:
@@ -77,23 +88,33 @@ private:
 
   static void requestCB(const SbString& url, void* self, VrmlInline* node);
   void forgetWorld();
+  void takeFromNetwork();
+  void askNetwork(const std::string& url);
+  Data openWorld(const std::string& path);
+
   void serve(const Request& request);
   /// Where the request leads: a URL of the network, or the URL of a file on this disk. Empty with a `failure`.
   std::string target(const Request& request, std::string& failure) const;
   std::string limitReached(int asker) const;
   Data readLocal(const std::string& url) const;
-  void give(const Request& request, const Data& data);
+  static Data readDownloaded(const Network::Answer& answer);
+  void give(const Request& request, const std::string& url, const Data& data);
+  void giveLibrary(const Request& request, const Library& library);
   /// Reads a file under a stack of its own and gives the number of the stack.
   int readWorld(const Data& data, int file, SoRef<SoNode>& root, ReadStatus& status);
-  void fail(const Request& request, const std::string& why, Severity atLeast);
-  int askForMissing(SoNode* root, bool all);
+  void fail(const Request& request, std::string_view why, Severity atLeast);
+  const std::string& nameOfAsker(const Request& request) const;
+  static int askForMissing(SoNode* root, bool all);
 
   Diagnostics& diagnostics;
   FetchOptions options;
   ReadOptions readOptions;
   FileChain files;
   std::deque<Request> queue;
-  std::map<std::string, Library> libraries;  // by URL
+  std::map<std::string, Library> libraries;            // by URL
+  std::map<std::string, std::vector<Request>> coming;  // what waits for the network, by URL
+  std::map<std::string, Network::Answer> downloaded;   // what the network gave to this world, by URL
+  std::unique_ptr<Network> network;                    // from the first request on
   std::uint64_t totalBytes = 0;
 };
 

@@ -196,10 +196,10 @@ bool Window::next(WindowEvent& event) {
   return false;
 }
 
-void Window::wait(double seconds) {
+void Window::wait(double seconds, int other) {
   if (XPending(state->display) > 0) return;
-  pollfd connection{ConnectionNumber(state->display), POLLIN, 0};
-  poll(&connection, 1, static_cast<int>(std::lround(std::max(0.0, seconds) * 1000)));
+  pollfd sources[] = {{ConnectionNumber(state->display), POLLIN, 0}, {other, POLLIN, 0}};
+  poll(sources, 2, static_cast<int>(std::lround(std::max(0.0, seconds) * 1000)));
 }
 
 }  // namespace tessel::host

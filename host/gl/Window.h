@@ -36,8 +36,8 @@ public:
   /// The next event that has arrived, in order; consecutive motions and resizes come as one. False if none
   /// waits.
   bool next(WindowEvent& event);
-  /// Sleeps until an event arrives, at most so many seconds.
-  void wait(double seconds);
+  /// Sleeps until an event arrives or `other`, a descriptor, is readable, at most so many seconds.
+  void wait(double seconds, int other = -1);
 
 private:
   struct State;

@@ -45,6 +45,20 @@ TEST(Example, EmbedEndsInTheDefinedWayOnWhatIsNoWorld) {
   EXPECT_EQ(run("example-embed", (scratchDir() / "missing.wrl").string() + " 2>&1").status, 2);
 }
 
+TEST(Example, FetchPutsAWorldTogether) {
+  const auto write = [](const char* name, const char* body) {
+    std::ofstream(scratchDir() / name) << "#VRML V2.0 utf8\n" << body;
+  };
+  write("main.wrl", "Inline { url [\"none.wrl\" \"part.wrl\"] }");
+  write("part.wrl",
+        "Transform { translation 5 0 0 children Inline { url \"box.wrl\" } } Inline { url \"box.wrl\" }");
+  write("box.wrl", "Shape { geometry Box {} }");
+  const auto made = run("example-fetch", (scratchDir() / "main.wrl").string());
+  EXPECT_EQ(made.status, 0);
+  EXPECT_EQ(made.output,
+            "none.wrl: not to be had\npart.wrl: read\nbox.wrl: read\nbox.wrl: read\n7 x 2 x 2\n");
+}
+
 TEST(ExampleGL, PictureShowsTheShowcaseWorld) {
   const auto file = scratchDir() / "showcase.png";
   ASSERT_EQ(run("example-picture", projectFile("examples/worlds/showcase.wrl").string() + " " + file.string())

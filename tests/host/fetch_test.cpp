@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Worlds of many files through the program: from the disk, from the network, and never across.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+
+#include "HttpServer.h"
+#include "Program.h"
+#include "support/Paths.h"
+#include "support/Picture.h"
+
+namespace tessel::host {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using Reply = HttpServer::Reply;
+
+std::string inlined(const std::string& url) { return "Inline { url \"" + url + "\" }\n"; }
+const std::string redBox = world(shiningBox("0 0 0", "2 2 2", "1 0 0"));
+
+/// The pixel in the middle of the picture of a world.
+test::Colour middleOf(const std::string& path, const std::vector<std::string>& options = {}) {
+  std::vector<std::string> arguments{"shot", path, "-o", "out.png", "--size", "64x64"};
+  arguments.insert(arguments.end(), options.begin(), options.end());
+  const Outcome outcome = runTessel(arguments);
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  return test::pixel(test::readPng(test::scratchDir() / "out.png"), 32, 32);
+}
+constexpr test::Colour red{255, 0, 0};
+
+TEST(LocalFiles, AreInTheFirstPictureWhateverNestsInWhatGL) {
+  makeFile("main.wrl", world("Transform { children " + inlined("parts/a.wrl") + " }"));
+  makeFile("parts/a.wrl", world(inlined("../b.wrl")));
+  makeFile("b.wrl", world("LOD { level " + inlined("parts/c.wrl") + " }"));
+  makeFile("parts/c.wrl", redBox);
+  EXPECT_TRUE(near(middleOf("main.wrl"), red));
+}
+
+TEST(LocalFiles, AreFoundUnderTheNamesOfOtherSystems) {
+  makeFile("Parts/My Box.WRL", world("Shape {"));  // read, and so complained about
+  makeFile("odd%20name.wrl", world("Shape {"));
+  for (const std::string url : {"parts/my%20box.wrl", "PARTS\\\\MY BOX.wrl", "file:Parts/My%20Box.WRL",
+                                "./Parts/../parts/MY%20BOX.WRL", "odd%20name.wrl"}) {
+    makeFile("main.wrl", world(inlined(url)));
+    EXPECT_THAT(runTessel({"check", "--follow", "main.wrl"}).err, HasSubstr(":2: error: ")) << url;
+  }
+}
+
+TEST(LocalFiles, ThatFailLeaveTheWorldAndAreNamedWithWhoAsked) {
+  makeFile("main.wrl", world("Shape { geometry Box {} }\nDEF I Inline { url [\"none.wrl\" \"bad.wrl\"] }\n" +
+                             inlined("ftp://h/x.wrl")));
+  makeFile("bad.wrl", world("Group { children [\n Shape { oops 3 } ] }"));
+  const Outcome shot = runTessel({"shot", "main.wrl", "-o", "out.png"});
+  EXPECT_EQ(shot.status, 0) << "the world goes on";
+  EXPECT_THAT(shot.err, HasSubstr("main.wrl:3: warning: can't get"));
+  EXPECT_THAT(shot.err, HasSubstr("none.wrl: there is no such file"));
+  EXPECT_THAT(shot.err, HasSubstr("bad.wrl:3: error: "));
+  EXPECT_THAT(shot.err, HasSubstr("bad.wrl: it can't be read"));
+  EXPECT_THAT(shot.err, HasSubstr("main.wrl: warning: can't get ftp://h/x.wrl: "));
+  EXPECT_EQ(runTessel({"check", "main.wrl"}).status, 0) << "nothing is wrong with the file itself";
+  EXPECT_EQ(runTessel({"check", "--follow", "main.wrl"}).status, 1);
+
+  makeFile("good.wrl", world("Inline { url [\"none.wrl\" \"part.wrl\"] }"));
+  makeFile("part.wrl", redBox);
+  const Outcome good = runTessel({"check", "--follow", "good.wrl"});
+  EXPECT_EQ(good.status, 0) << "an alternative that is not there is no error: " << good.err;
+}
+
+TEST(LocalFiles, AskedForInCirclesEnd) {
+  makeFile("self.wrl", world(inlined("self.wrl")));
+  EXPECT_THAT(runTessel({"check", "--follow", "self.wrl"}).err,
+              HasSubstr("self.wrl: error: can't get a file: "));
+  makeFile("a.wrl", world(inlined("b.wrl") + inlined("b.wrl")));
+  makeFile("b.wrl", world(inlined("a.wrl") + inlined("./b.wrl")));
+  const Outcome circle = runTessel({"check", "--follow", "a.wrl"});
+  EXPECT_EQ(circle.status, 1);
+  EXPECT_THAT(circle.err,
+              HasSubstr("b.wrl: error: can't get file://" + (test::scratchDir() / "a.wrl").string()));
+  EXPECT_THAT(circle.err, HasSubstr("a file can't be inlined in itself"));
+}
+
+TEST(LocalFiles, EndAtTheLimitsOfAWorld) {
+  for (int i = 0; i < 40; ++i)
+    makeFile("chain" + std::to_string(i) + ".wrl", world(inlined("chain" + std::to_string(i + 1) + ".wrl")));
+  const Outcome chain = runTessel({"check", "--follow", "chain0.wrl"});
+  EXPECT_EQ(chain.status, 1);
+  EXPECT_THAT(chain.err, HasSubstr("chain32.wrl: error: can't get file://"));
+  EXPECT_THAT(chain.err, HasSubstr("chain33.wrl: more than 32 files that lead to one another"));
+
+  std::string ten;
+  for (int i = 0; i < 20; ++i) {
+    for (int n = 0; n < 10; ++n) ten += inlined("bomb" + std::to_string(i + 1) + ".wrl");
+    makeFile("bomb" + std::to_string(i) + ".wrl", world(ten));
+    ten.clear();
+  }
+  const Outcome bomb = runTessel({"check", "--follow", "bomb0.wrl"});
+  EXPECT_EQ(bomb.status, 1);
+  EXPECT_THAT(bomb.err, HasSubstr("the world is put together from more than 10000 files"));
+}
+
+TEST(NetworkWorlds, AreReadWithTheirPartsEachFetchedOnceGL) {
+  std::string many;
+  for (int i = 0; i < 20; ++i) many += inlined("part.wrl");
+  HttpServer server({{"/far.wrl", {.headers = "Location: /dir/main.wrl\r\n", .status = "301 Moved"}},
+                     {"/dir/main.wrl", {.body = world(many + inlined("/dir/slow.wrl#Here"))}},
+                     {"/dir/part.wrl", {.body = gzipped(redBox), .delay = 100ms}},
+                     {"/dir/slow.wrl", {.body = world("Group {}"), .delay = 300ms}}});
+  EXPECT_TRUE(near(middleOf(server.url("/far.wrl")), red));
+  EXPECT_EQ(server.count("/dir/part.wrl"), 1);
+  EXPECT_EQ(server.count("/dir/slow.wrl"), 1);
+}
+
+TEST(NetworkWorlds, AreLeftAloneIfTheUserSaysSo) {
+  HttpServer server({{"/main.wrl", {.body = redBox}}});
+  EXPECT_EQ(runTessel({"check", "--no-network", server.url("/main.wrl")}).status, 3);
+  makeFile("main.wrl", world(inlined(server.url("/main.wrl"))));
+  const Outcome follow = runTessel({"check", "--no-network", "--follow", "main.wrl"});
+  EXPECT_THAT(follow.err, HasSubstr("main.wrl: error: can't get " + server.url("/main.wrl") +
+                                    ": the network is switched off"));
+  EXPECT_EQ(server.count("/main.wrl"), 0);
+  EXPECT_EQ(runTessel({"check", server.url("/none.wrl")}).status, 3);
+}
+
+TEST(NetworkWorlds, GetNothingFromTheDiskByAnySpelling) {
+  makeFile("secret.wrl", world("Shape { leaked }"));
+  const std::string path = (test::scratchDir() / "secret.wrl").string();
+  std::string backslashes = path;
+  for (char& c : backslashes)
+    if (c == '/') c = '\\';
+  std::string body;
+  for (const std::string& url :
+       std::vector<std::string>{path, "file:" + path, "file://" + path, "FILE://localhost" + path,
+                                " file://" + path, "file:/%2e%2e" + path, "../../../../../../../../.." + path,
+                                "%2e%2e/%2e%2e" + path, backslashes, "\\\\" + backslashes, "//" + path,
+                                "C:" + path, "file:secret.wrl", "file:\\" + backslashes, "secret.wrl"})
+    body += inlined(url);
+  std::string escaped;
+  for (const char c : body) escaped += c == '\\' ? std::string("\\\\") : std::string(1, c);
+  HttpServer server({{"/main.wrl", {.body = world(escaped)}}});
+  makeFile("local.wrl", world(inlined(server.url("/main.wrl"))));
+  for (const std::string& start : {server.url("/main.wrl"), std::string("local.wrl")}) {
+    const Outcome outcome = runTessel({"check", "--follow", start});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.err, Not(HasSubstr("leaked"))) << "something of the disk was read";
+    EXPECT_THAT(outcome.err, HasSubstr("a world from the network gets nothing from this disk"));
+  }
+}
+
+TEST(NetworkWorlds, LeaveNothingBehind) {
+  HttpServer server({{"/main.wrl", {.body = world(inlined("part.wrl"))}}, {"/part.wrl", {.body = redBox}}});
+  const std::filesystem::path folder = test::scratchDir() / "tmp";
+  std::filesystem::create_directories(folder);
+  setenv("TMPDIR", folder.c_str(), 1);
+  EXPECT_EQ(runTessel({"check", "--follow", server.url("/main.wrl")}).status, 0);
+  unsetenv("TMPDIR");
+  EXPECT_EQ(server.count("/part.wrl"), 1);
+  EXPECT_TRUE(std::filesystem::is_empty(folder));
+}
+
+}  // namespace
+}  // namespace tessel::host
