@@ -81,6 +81,8 @@ void Fetcher::forgetWorld() {
   for (const auto& [url, library] : libraries) VrmlProtoDict::deleteStack(library.stack);
   libraries.clear();
   totalBytes = 0;
+  inlines.clear();
+  shown = 0;
   if (network) network->forget();
 }
 
@@ -97,6 +99,7 @@ World Fetcher::open(const std::string& path, const ReadOptions& newReadOptions) 
   SoRef<SoNode> root;
   ReadStatus status = ReadStatus::failed;
   VrmlProtoDict::deleteStack(readWorld(data, 0, root, status));
+  if (root) shown = countOccurrences(root.get(), 1, inlines);
   if (status != ReadStatus::failed) return {ExitStatus::done, std::move(root)};
   if (!diagnostics.hasErrors()) diagnostics.report(Severity::error, "this is no VRML 2.0 world");
   return {ExitStatus::badWorld, {}};
@@ -296,6 +299,13 @@ void Fetcher::give(const Request& request, const std::string& url, const Data& d
   }
   if (request.forPrototypes) {
     giveLibrary(request, libraries.emplace(url, Library{stack, file}).first->second);
+    return;
+  }
+  const auto met = inlines.find(request.node.get());
+  shown += countOccurrences(world, met == inlines.end() ? 1 : met->second, inlines);
+  if (shown > options.maxShown) {
+    VrmlProtoDict::deleteStack(stack);
+    fail(request, "the world would show too many nodes", Severity::error);
     return;
   }
   request.node->setProtoDict(VrmlProtoDict::getTopOfStack(stack));

@@ -16,6 +16,7 @@
 #include "../World.h"
 #include "FileChain.h"
 #include "Network.h"
+#include "Occurrences.h"
 
 class VrmlInline;
 
@@ -29,6 +30,7 @@ struct FetchOptions {
   int maxChain = 32;                                     ///< files that lead to one another
   int maxFiles = 10'000;                                 ///< read for one world
   std::uint64_t maxTotalBytes = std::uint64_t{2} << 30;  ///< of all of them
+  double maxShown = 100e6;                               ///< nodes that a traversal of all of them meets
   bool network = true;                                   ///< whether anything is asked of it
   NetworkLimits limits;
   std::chrono::milliseconds patience{60'000};  ///< how long `settle` waits for the network
@@ -116,6 +118,8 @@ private:
   std::map<std::string, Network::Answer> downloaded;   // what the network gave to this world, by URL
   std::unique_ptr<Network> network;                    // from the first request on
   std::uint64_t totalBytes = 0;
+  Occurrences inlines;  // how often each Inline that was read is met
+  double shown = 0;     // nodes that a traversal meets
 };
 
 }  // namespace tessel::host

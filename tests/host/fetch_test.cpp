@@ -104,6 +104,17 @@ TEST(LocalFiles, EndAtTheLimitsOfAWorld) {
   EXPECT_THAT(bomb.err, HasSubstr("the world is put together from more than 10000 files"));
 }
 
+TEST(LocalFiles, DoNotMultiplyWithoutEnd) {
+  for (int i = 0; i < 30; ++i)
+    makeFile("double" + std::to_string(i) + ".wrl",
+             world("Group { children [ DEF I Inline { url \"double" + std::to_string(i + 1) +
+                   ".wrl\" } USE I USE I USE I ] }"));
+  makeFile("double30.wrl", redBox);
+  const Outcome outcome = runTessel({"check", "--follow", "double0.wrl"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.err, HasSubstr("the world would show too many nodes"));
+}
+
 TEST(NetworkWorlds, AreReadWithTheirPartsEachFetchedOnceGL) {
   std::string many;
   for (int i = 0; i < 20; ++i) many += inlined("part.wrl");

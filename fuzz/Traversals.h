@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+// What the fuzz targets do with a world.
+
+#include <Inventor/SoDB.h>
+#include <Inventor/SoInteraction.h>
+#include <Inventor/SoPrimitiveVertex.h>
+#include <Inventor/actions/SoCallbackAction.h>
+#include <Inventor/actions/SoGetBoundingBoxAction.h>
+#include <Inventor/actions/SoRayPickAction.h>
+#include <Inventor/errors/SoDebugError.h>
+#include <Inventor/errors/SoReadError.h>
+#include <Inventor/nodes/SoNode.h>
+
+#include <tessel/actions/VrmlCountAction.h>
+#include <tessel/actions/VrmlPreTraverseAction.h>
+#include <tessel/core/VrmlDB.h>
+
+namespace tessel::fuzz {
+
+inline void ignore(const SoError*, void*) {}
+
+/// Starts the library, with nobody to listen to its reports.
+inline void start() {
+  SoDB::init();
+  SoInteraction::init();
+  VrmlDB::init();
+  SoError::setHandlerCallback(ignore, nullptr);
+  SoReadError::setHandlerCallback(ignore, nullptr);
+  SoDebugError::setHandlerCallback(ignore, nullptr);
+}
+
+inline void ignoreTriangle(void*, SoCallbackAction*, const SoPrimitiveVertex*, const SoPrimitiveVertex*,
+                           const SoPrimitiveVertex*) {}
+inline void ignoreSegment(void*, SoCallbackAction*, const SoPrimitiveVertex*, const SoPrimitiveVertex*) {}
+inline void ignorePoint(void*, SoCallbackAction*, const SoPrimitiveVertex*) {}
+
+/// Sends a world through every traversal that needs no GL.
+inline void traverse(SoNode* root) {
+  const SbViewportRegion region(64, 64);
+  SoGetBoundingBoxAction box(region);
+  box.apply(root);
+
+  VrmlPreTraverseAction preTraverse;
+  preTraverse.apply(root);
+
+  VrmlCountAction count;
+  count.apply(root);
+
+  SoCallbackAction callback(region);
+  callback.addTriangleCallback(SoNode::getClassTypeId(), ignoreTriangle, nullptr);
+  callback.addLineSegmentCallback(SoNode::getClassTypeId(), ignoreSegment, nullptr);
+  callback.addPointCallback(SoNode::getClassTypeId(), ignorePoint, nullptr);
+  callback.apply(root);
+
+  SoRayPickAction pick(region);
+  pick.setRay(SbVec3f(0.1F, 0.2F, 10), SbVec3f(0, 0, -1));
+  pick.setPickAll(TRUE);
+  pick.apply(root);
+}
+
+}  // namespace tessel::fuzz
