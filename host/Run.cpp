@@ -64,7 +64,6 @@ ExitStatus Run::load(const std::string& path, const ReadOptions& readOptions) {
 
 void Run::frame(std::int64_t number, bool drawn) {
   seconds = static_cast<double>(number) / options.framesPerSecond;
-  fetcher.answer();
   timeline.advanceTo(seconds, options.start);
   if (!drawn) stage.skipDrawing();
   while (drawn && changed) {

@@ -67,9 +67,8 @@ void Viewer::run() {
   WindowEvent event;
   while (!closed) {
     while (!closed && window.next(event)) handle(event);
-    fetcher.answer(answerTime);
-    showTitle();
     timeline.advance();
+    showTitle();
     checkFile();
     if (closed) break;
     if (dirty && Clock::now() >= nextFrame) {
