@@ -120,10 +120,11 @@ double rounded(double x) {
 void fractions(benchmark::State& state) {
   const auto rival = [] {
     double s = 0.5;
-    double step = 1;
-    benchmark::DoNotOptimize(step);
+    volatile double one = 1;  // so that no compiler knows the result
+    const double step = one;
     for (double i = 0; i < 10000000; i = rounded(i + step)) s = rounded(rounded(s * 0.75) + 1.1 * step);
-    return s;
+    volatile double result = s;  // and none leaves the loop out
+    return double{result};
   };
   duel(state, 3,
        "function run() { s = 0.5; for (i = 0; i < 10000000; i = i + 1) s = s * 0.75 + 1.1; return s; }",

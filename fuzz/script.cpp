@@ -20,6 +20,8 @@
 #include <tessel/toolkit/PlainReport.h>
 #include <tessel/toolkit/SoRef.h>
 
+#include "script/VsParseTree.h"
+
 namespace {
 
 void ignore(const SoError*, void*) {}
@@ -41,12 +43,16 @@ void start() {
 // A Script with a field and an eventOut of every type that scripts know, named after it ("fSFVec3f", "oSFVec3f"),
 // and the eventIns `go` and `eSFVec3f`.
 std::string world() {
-  static constexpr const char* fields[][2] = {
-      {"SFBool", "TRUE"}, {"SFInt32", "7"}, {"SFFloat", "0.5"}, {"SFTime", "1"}, {"SFString", "\"text\""},
-      {"SFNode", "Transform { }"}, {"SFImage", "1 2 1 3 4"}, {"SFVec2f", "1 2"}, {"SFVec3f", "1 2 3"},
-      {"SFRotation", "0 1 0 1"}, {"SFColor", "1 0 0.5"}, {"MFInt32", "[ 1 2 ]"}, {"MFFloat", "[ 1 2 ]"},
-      {"MFString", "[ \"a\" \"b\" ]"}, {"MFNode", "[ Group { } ]"}, {"MFVec2f", "[ 1 2, 3 4 ]"},
-      {"MFVec3f", "[ 1 2 3 ]"}, {"MFColor", "[ 1 0 0 ]"}, {"MFRotation", "[ 0 0 1 2 ]"}};
+  static constexpr const char* fields[][2] = {{"SFBool", "TRUE"},           {"SFInt32", "7"},
+                                              {"SFFloat", "0.5"},           {"SFTime", "1"},
+                                              {"SFString", "\"text\""},     {"SFNode", "Transform { }"},
+                                              {"SFImage", "1 2 1 3 4"},     {"SFVec2f", "1 2"},
+                                              {"SFVec3f", "1 2 3"},         {"SFRotation", "0 1 0 1"},
+                                              {"SFColor", "1 0 0.5"},       {"MFInt32", "[ 1 2 ]"},
+                                              {"MFFloat", "[ 1 2 ]"},       {"MFString", "[ \"a\" \"b\" ]"},
+                                              {"MFNode", "[ Group { } ]"},  {"MFVec2f", "[ 1 2, 3 4 ]"},
+                                              {"MFVec3f", "[ 1 2 3 ]"},     {"MFColor", "[ 1 0 0 ]"},
+                                              {"MFRotation", "[ 0 0 1 2 ]"}};
   std::string text = "#VRML V2.0 utf8\nDEF S Script { eventIn SFBool go\n";
   for (const auto& [type, value] : fields) {
     const std::string word = type;
@@ -63,13 +69,25 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   (void)started;
   static const std::string text = world();
 
+  // By itself: every name is a variable of a function.
+  const std::string_view source(reinterpret_cast<const char*>(data), size);
+  if (tessel::script::VsParseTree tree; tree.parse(source, "fuzzed")) {
+    using tessel::script::Value;
+    const Value arguments[] = {Value::ofTime(2), Value::ofTime(0.5)};
+    tree.preExecute();
+    for (const char* name : {"go", "test", "f", "eSFString", "initialize"})
+      if (auto* function = tree.findFunction(name)) tree.call(*function, arguments);
+    tree.postExecute();
+  }
+
+  // In a Script, where fields and eventOuts are variables too.
   tessel::ReadStatus status;
   const tessel::SoRef<SoNode> root(VrmlDB::read(text, "fuzzed.wrl", status, {}));
   auto* group = static_cast<SoGroup*>(root.get());
   if (!root) __builtin_trap();
-  auto* script = static_cast<VrmlScript*>(
-      root->isOfType(VrmlScript::getClassTypeId()) ? root.get() : group->getChild(0));
-  const std::string program = "vrmlscript:" + std::string(reinterpret_cast<const char*>(data), size);
+  auto* script = static_cast<VrmlScript*>(root->isOfType(VrmlScript::getClassTypeId()) ? root.get()
+                                                                                       : group->getChild(0));
+  const std::string program = "vrmlscript:" + std::string(source);
   script->url.setValue(program.c_str());
   SoFieldList fields;
   script->getFields(fields);

@@ -159,7 +159,7 @@ Stmt* Parser::statement() {
     tooDeep();
     return nullptr;
   }
-  Stmt& stmt = nodes.statements.emplace_back();
+  Stmt& stmt = nodes.statements.add();
   stmt.line = peek().line;
   bool ok = false;
   switch (ahead.sign) {

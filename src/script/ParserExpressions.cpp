@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The expressions of the script parser.
 #include <algorithm>
+#include <array>
+#include <cstdint>
+#include <iterator>
 
 #include <tessel/toolkit/Scoped.h>
 
@@ -57,22 +60,31 @@ constexpr Binary binaries[] = {
     {Sign::remainder, product, ExprKind::arith, Sign::assignRemainder},
 };
 
+// The operators by their signs, and by the signs of their assignments; 0 for none, else one more than the place.
+constexpr auto placesOf = [](Sign Binary::*member) {
+  std::array<std::uint8_t, static_cast<std::size_t>(Sign::wrong) + 1> places{};
+  for (std::size_t i = 0; i < std::size(binaries); ++i)
+    if (binaries[i].*member != Sign::end)
+      places[static_cast<std::size_t>(binaries[i].*member)] = static_cast<std::uint8_t>(i + 1);
+  return places;
+};
+
 const Binary* binaryOf(Sign sign) {
-  for (const Binary& one : binaries)
-    if (one.sign == sign) return &one;
-  return nullptr;
+  static constexpr auto places = placesOf(&Binary::sign);
+  const std::size_t place = places[static_cast<std::size_t>(sign)];
+  return place > 0 ? &binaries[place - 1] : nullptr;
 }
 
 const Binary* binaryAssignedBy(Sign sign) {
-  for (const Binary& one : binaries)
-    if (one.assignment == sign && sign != Sign::end) return &one;
-  return nullptr;
+  static constexpr auto places = placesOf(&Binary::assignment);
+  const std::size_t place = places[static_cast<std::size_t>(sign)];
+  return place > 0 ? &binaries[place - 1] : nullptr;
 }
 
 }  // namespace
 
 Expr* Parser::make(ExprKind kind, int line, Expr* a, Expr* b, Expr* c) {
-  Expr& expr = nodes.expressions.emplace_back();
+  Expr& expr = nodes.expressions.add();
   expr.kind = kind;
   expr.line = line;
   expr.a = a;

@@ -2,6 +2,7 @@
 #include "script/Scanner.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstdint>
 #include <iterator>
@@ -15,53 +16,64 @@ struct Word {
   Sign sign;
 };
 
-// Longer signs stand before those that they begin with.
-constexpr Word signs[] = {{">>>=", Sign::assignShiftRightSigned},
-                          {">>>", Sign::shiftRightSigned},
-                          {"<<=", Sign::assignShiftLeft},
-                          {">>=", Sign::assignShiftRight},
-                          {">=", Sign::greaterEqual},
-                          {"==", Sign::equal},
-                          {"<=", Sign::lessEqual},
-                          {"!=", Sign::notEqual},
-                          {">>", Sign::shiftRight},
-                          {"<<", Sign::shiftLeft},
-                          {"&&", Sign::logicalAnd},
-                          {"||", Sign::logicalOr},
-                          {"+=", Sign::assignPlus},
-                          {"-=", Sign::assignMinus},
-                          {"*=", Sign::assignTimes},
-                          {"/=", Sign::assignDivide},
-                          {"%=", Sign::assignRemainder},
-                          {"&=", Sign::assignAnd},
-                          {"^=", Sign::assignXor},
-                          {"|=", Sign::assignOr},
-                          {"++", Sign::increment},
-                          {"--", Sign::decrement},
-                          {",", Sign::comma},
-                          {">", Sign::greater},
-                          {"<", Sign::less},
-                          {"=", Sign::assign},
-                          {"|", Sign::bitOr},
-                          {"&", Sign::bitAnd},
-                          {"^", Sign::bitXor},
-                          {"+", Sign::plus},
-                          {"-", Sign::minus},
-                          {"*", Sign::times},
-                          {"/", Sign::divide},
-                          {"%", Sign::remainder},
-                          {"!", Sign::logicalNot},
-                          {".", Sign::dot},
-                          {"[", Sign::openBracket},
-                          {"]", Sign::closeBracket},
-                          {"?", Sign::question},
-                          {":", Sign::colon},
-                          {"~", Sign::complement},
-                          {"(", Sign::openParenthesis},
-                          {")", Sign::closeParenthesis},
-                          {"{", Sign::openBrace},
-                          {"}", Sign::closeBrace},
-                          {";", Sign::semicolon}};
+// By their first characters; longer signs stand before those that they begin with.
+constexpr Word signs[] = {
+    {">>>=", Sign::assignShiftRightSigned},
+    {">>>", Sign::shiftRightSigned},
+    {">>=", Sign::assignShiftRight},
+    {">=", Sign::greaterEqual},
+    {">>", Sign::shiftRight},
+    {">", Sign::greater},
+    {"<<=", Sign::assignShiftLeft},
+    {"<=", Sign::lessEqual},
+    {"<<", Sign::shiftLeft},
+    {"<", Sign::less},
+    {"==", Sign::equal},
+    {"=", Sign::assign},
+    {"!=", Sign::notEqual},
+    {"!", Sign::logicalNot},
+    {"&&", Sign::logicalAnd},
+    {"&=", Sign::assignAnd},
+    {"&", Sign::bitAnd},
+    {"||", Sign::logicalOr},
+    {"|=", Sign::assignOr},
+    {"|", Sign::bitOr},
+    {"+=", Sign::assignPlus},
+    {"++", Sign::increment},
+    {"+", Sign::plus},
+    {"-=", Sign::assignMinus},
+    {"--", Sign::decrement},
+    {"-", Sign::minus},
+    {"*=", Sign::assignTimes},
+    {"*", Sign::times},
+    {"/=", Sign::assignDivide},
+    {"/", Sign::divide},
+    {"%=", Sign::assignRemainder},
+    {"%", Sign::remainder},
+    {"^=", Sign::assignXor},
+    {"^", Sign::bitXor},
+    {",", Sign::comma},
+    {".", Sign::dot},
+    {"[", Sign::openBracket},
+    {"]", Sign::closeBracket},
+    {"?", Sign::question},
+    {":", Sign::colon},
+    {"~", Sign::complement},
+    {"(", Sign::openParenthesis},
+    {")", Sign::closeParenthesis},
+    {"{", Sign::openBrace},
+    {"}", Sign::closeBrace},
+    {";", Sign::semicolon},
+};
+
+// Where the signs begin that begin with a character.
+constexpr auto signsFrom = [] {
+  std::array<std::uint8_t, 256> first{};
+  first.fill(std::size(signs));
+  for (std::size_t i = std::size(signs); i-- > 0;)
+    first[static_cast<unsigned char>(signs[i].text[0])] = static_cast<std::uint8_t>(i);
+  return first;
+}();
 
 // In alphabetical order. Words that the language keeps for itself are wrong wherever they stand; the two truth
 // values are numbers.
@@ -262,8 +274,10 @@ Token Scanner::word() {
 }
 
 Token Scanner::sign() {
-  for (const Word& one : signs)
-    if (text.compare(position, one.text.size(), one.text) == 0) return token(one.sign, one.text.size());
+  const std::string_view rest = text.substr(position);
+  for (std::size_t i = signsFrom[static_cast<unsigned char>(rest[0])];
+       i < std::size(signs) && signs[i].text[0] == rest[0]; ++i)
+    if (rest.starts_with(signs[i].text)) return token(signs[i].sign, signs[i].text.size());
   return token(Sign::wrong, 1);
 }
 

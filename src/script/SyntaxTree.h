@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <deque>
-#include <string>
-#include <string_view>
+#include <memory>
 #include <vector>
 
 #include "script/Names.h"
@@ -74,10 +73,27 @@ struct Stmt {
   std::vector<Stmt*> other;
 };
 
-/// Owns what one parse builds.
+/// Owns nodes, which never move, many at a time.
+template <class Node> class NodeStore {
+public:
+  Node& add() {
+    if (used == blockSize || blocks.empty()) {
+      blocks.push_back(std::make_unique<Node[]>(blockSize));
+      used = 0;
+    }
+    return blocks.back()[used++];
+  }
+
+private:
+  static constexpr std::size_t blockSize = 64;
+  std::vector<std::unique_ptr<Node[]>> blocks;
+  std::size_t used = 0;
+};
+
+/// Owns what is read of one function.
 struct SyntaxTree {
-  std::deque<Expr> expressions;
-  std::deque<Stmt> statements;
+  NodeStore<Expr> expressions;
+  NodeStore<Stmt> statements;
 };
 
 }  // namespace tessel::script

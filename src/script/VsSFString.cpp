@@ -20,7 +20,7 @@ std::string_view VsSFString::view() const {
   return liveField() ? static_cast<SoSFString*>(liveField())->getValue().getString() : own.view();
 }
 
-// Both kinds of fractions lose the zeros at their end, and the point if nothing is left behind it.
+// Most numbers are whole. Both kinds of fractions lose the zeros at their end, and the point if nothing is left behind it.
 std::string VsSFString::getStringFromScalar(const Value& scalar) {
   switch (scalar.type()) {
     case Type::sfBool:
@@ -30,9 +30,12 @@ std::string VsSFString::getStringFromScalar(const Value& scalar) {
     default:
       break;
   }
+  const double number = scalar.getTime();
+  const std::int32_t whole = number::truncated(number);
+  if (whole == number) return std::to_string(whole);
   char digits[400];
   const bool isFloat = scalar.type() == Type::sfFloat;
-  const int length = std::snprintf(digits, sizeof digits, isFloat ? "%.10f" : "%.12f", scalar.getTime());
+  const int length = std::snprintf(digits, sizeof digits, isFloat ? "%.10f" : "%.12f", number);
   std::string_view text(digits, static_cast<std::size_t>(length));
   while (text.ends_with('0')) text.remove_suffix(1);
   if (text.ends_with('.')) text.remove_suffix(1);
