@@ -17,6 +17,8 @@
 #include <tessel/core/VrmlNode.h>
 #include <tessel/events/VrmlRoute.h>
 #include <tessel/frame/VrmlViewpoint.h>
+#include <tessel/proto/VrmlExternProtoDef.h>
+#include <tessel/proto/VrmlProtoUse.h>
 
 #include "JsonWriter.h"
 #include "Text.h"
@@ -30,7 +32,17 @@ std::string typeName(const SoNode* node) {
   return node->getTypeId().getName().getString();
 }
 
-/// Everything that hangs from a node: its children and the nodes in its fields.
+/// Looking at fields for what they hold leaves prototype instances as they are.
+SoFieldList fieldsOf(const SoNode* node) {
+  SoFieldList fields;
+  if (node->isOfType(VrmlNode::getClassTypeId()))
+    static_cast<const VrmlNode*>(node)->listFields(fields);
+  else
+    node->getFields(fields);
+  return fields;
+}
+
+/// Everything that hangs from a node: its children, the nodes in its fields, and what else it keeps.
 void appendBelow(SoNode* node, const SoFieldList& fields, std::vector<SoNode*>& out) {
   if (const SoChildList* children = node->getChildren())
     for (int i = 0; i < children->getLength(); ++i) out.push_back((*children)[i]);
@@ -43,26 +55,37 @@ void appendBelow(SoNode* node, const SoFieldList& fields, std::vector<SoNode*>& 
         if ((*list)[k]) out.push_back((*list)[k]);
     }
   }
+  if (node->isOfType(VrmlNode::getClassTypeId())) static_cast<VrmlNode*>(node)->listHeldNodes(out);
+}
+
+/// The definition that an instance is made from, or that it waits for.
+const VrmlProtoDef* definitionOf(const VrmlProtoUse& instance) {
+  return instance.getProtoDef() ? instance.getProtoDef() : instance.getExternDef();
 }
 
 /// Counts each node and each route once, by a walk that bears any depth of nesting.
 void countNodes(SoNode* root, Contents& contents) {
   std::vector<SoNode*> open{root};
   std::unordered_set<SoNode*> seen;
+  std::unordered_set<const VrmlProtoDef*> definitions;
   while (!open.empty()) {
     SoNode* node = open.back();
     open.pop_back();
     if (!seen.insert(node).second) continue;
     ++contents.nodes[typeName(node)];
     ++contents.nodeCount;
-    SoFieldList fields;
-    node->getFields(fields);
+    if (node->isOfType(VrmlProtoUse::getClassTypeId())) {
+      ++contents.instances;
+      definitions.insert(definitionOf(*static_cast<VrmlProtoUse*>(node)));
+    }
+    const SoFieldList fields = fieldsOf(node);
     for (int i = 0; i < fields.getLength(); ++i) {
       SoFieldList ends;
       contents.routes += VrmlRoute::getOutgoing(fields[i], ends);
     }
     appendBelow(node, fields, open);
   }
+  contents.protos = static_cast<long long>(definitions.size());
 }
 
 std::vector<ViewpointEntry> viewpointsOf(SoNode* root) {
@@ -124,6 +147,7 @@ void write(JsonWriter& json, const Contents& contents) {
   for (const auto& [type, count] : contents.nodes) json.member(type, count);
   json.endObject();
   json.member("protos", contents.protos);
+  json.member("instances", contents.instances);
   json.member("routes", contents.routes);
   json.key("viewpoints");
   json.beginArray();
@@ -145,8 +169,8 @@ void write(JsonWriter& json, const Contents& contents) {
 std::string formatted(const Contents& contents) {
   std::ostringstream out;
   out << "triangles   " << contents.triangles << "\nlines       " << contents.lines << "\npoints      "
-      << contents.points << "\nprototypes  " << contents.protos << "\nroutes      " << contents.routes
-      << '\n';
+      << contents.points << "\nprototypes  " << contents.protos << "\ninstances   " << contents.instances
+      << "\nroutes      " << contents.routes << '\n';
   if (contents.box.isEmpty())
     out << "box         nothing to see\n";
   else

@@ -24,7 +24,8 @@ struct Contents {
   long long triangles = 0, lines = 0, points = 0;  ///< as often as they are drawn
   std::map<std::string, long long> nodes;          ///< by type; a node used many times counts once
   long long nodeCount = 0;
-  long long protos = 0;  ///< prototype definitions that the world's instances are made from
+  long long instances = 0;  ///< of prototypes
+  long long protos = 0;     ///< prototype definitions that the world's instances are made from
   long long routes = 0;
   std::vector<ViewpointEntry> viewpoints;  ///< in file order
   SbBox3f box;                             ///< of everything there is to see; may be empty

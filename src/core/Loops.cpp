@@ -15,6 +15,8 @@
 #include <tessel/toolkit/Scoped.h>
 #include <tessel/toolkit/SoRef.h>
 
+#include "core/FieldLists.h"
+
 namespace tessel {
 
 namespace {
@@ -56,11 +58,15 @@ template <class Visit> void visitHeld(const SoNode& node, Visit visit) {
     for (int i = 0; i < children->getLength(); ++i)
       if (SoNode* child = (*children)[i]) visit(child);
   SoFieldList fields;
-  node.getFields(fields);
+  listFields(node, fields);
   for (int i = 0; i < fields.getLength(); ++i) {
     if (isSingle(*fields[i])) SingleField::visit(*fields[i], visit);
     if (isMultiple(*fields[i])) MultipleField::visit(*fields[i], visit);
   }
+  if (!node.isOfType(VrmlNode::getClassTypeId())) return;
+  std::vector<SoNode*> held;
+  static_cast<const VrmlNode&>(node).listHeldNodes(held);
+  for (SoNode* inside : held) visit(inside);
 }
 
 using Counts = std::unordered_map<SoNode*, int>;
@@ -122,7 +128,7 @@ void removeLiving(Counts& held, const Counts& inDoubt) {
 void clearNodeFields(SoNode& node) {
   const NotifyOff silence(node);
   SoFieldList fields;
-  node.getFields(fields);
+  listFields(node, fields);
   for (int i = 0; i < fields.getLength(); ++i) {
     SoField& field = *fields[i];
     if (!isSingle(field) && !isMultiple(field)) continue;

@@ -2,6 +2,7 @@
 #include "core/ValueType.h"
 
 #include <array>
+#include <new>
 #include <vector>
 
 #include <tessel/core/VrmlNode.h>
@@ -17,6 +18,8 @@ struct Row {
   const char* word;
   SoType (*fieldClass)();
   SoField* (*make)();
+  SoField* (*makeAt)(void*);
+  std::size_t size;
   void (*setDefault)(SoField&, const FieldDefault&);
 };
 
@@ -67,10 +70,11 @@ void mfString(SoField& f, const FieldDefault& d) {
 void childList(SoField&, const FieldDefault&) {}
 
 template <class Field> SoField* make() { return new Field; }
+template <class Field> SoField* makeAt(void* place) { return ::new (place) Field; }
 
 template <class Field>
 constexpr Row row(const char* word, void (*setDefault)(SoField&, const FieldDefault&)) {
-  return {word, &Field::getClassTypeId, &make<Field>, setDefault};
+  return {word, &Field::getClassTypeId, &make<Field>, &makeAt<Field>, sizeof(Field), setDefault};
 }
 
 const std::array<Row, static_cast<std::size_t>(ValueType::count)> rows = {
@@ -124,6 +128,9 @@ SoField* newField(ValueType type) {
   VrmlNode::initializeField(field);
   return field;
 }
+
+std::size_t fieldSize(ValueType type) { return rowOf(type).size; }
+SoField* makeFieldAt(ValueType type, void* place) { return rowOf(type).makeAt(place); }
 
 void setToDefault(SoField& field, const FieldSpec& spec) {
   rowOf(spec.type).setDefault(field, spec.initial);

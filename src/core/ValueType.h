@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -76,5 +77,10 @@ const char* nameOf(ValueType type);
 ValueType valueTypeOf(const SoField& field);
 /// A new field of a type, with its neutral value and no container. The caller owns it.
 SoField* newField(ValueType type);
+/// How much room a field of a type takes, at an address fit for any object.
+std::size_t fieldSize(ValueType type);
+/// Makes a field of a type in a place of that size. It holds no value yet: the caller gives it one, and ends it by
+/// its destructor.
+SoField* makeFieldAt(ValueType type, void* place);
 
 }  // namespace tessel

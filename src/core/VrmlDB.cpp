@@ -54,16 +54,65 @@ void mark(SoInput* in, const char* name) {
 
 bool isMarked(const SoInput* in, const char* name) { return in->findReference(name) != nullptr; }
 
-// The readers of inputs of which not all statements have been taken yet.
-std::map<const SoInput*, std::unique_ptr<WorldReader>>& attached() {
-  static std::map<const SoInput*, std::unique_ptr<WorldReader>> readers;
-  return readers;
+// What names of prototypes mean in one text: a stack of scopes of its own, unless somebody has made one for it.
+class PrototypeStack {
+public:
+  PrototypeStack()
+      : isOwn(tessel::prototypeHooks().currentStack() < 0),
+        id(isOwn ? tessel::prototypeHooks().createStack() : tessel::prototypeHooks().currentStack()) {
+    enclosingOrNone();
+  }
+  ~PrototypeStack() {
+    if (isOwn) tessel::prototypeHooks().deleteStack(id);
+  }
+  PrototypeStack(const PrototypeStack&) = delete;
+  PrototypeStack& operator=(const PrototypeStack&) = delete;
+
+  // The time in which the text is read. A text that is read in the middle of another leaves that one's in place.
+  class Use {
+  public:
+    explicit Use(const PrototypeStack& s) : stack(s), enclosing(std::exchange(innermost, this)) {
+      tessel::prototypeHooks().setCurrentStack(stack.id);
+    }
+    ~Use() {
+      innermost = enclosing;
+      enclosingOrNone();
+    }
+    Use(const Use&) = delete;
+    Use& operator=(const Use&) = delete;
+
+  private:
+    friend PrototypeStack;
+    const PrototypeStack& stack;
+    Use* enclosing;
+    inline static Use* innermost = nullptr;
+  };
+
+private:
+  static void enclosingOrNone() {
+    tessel::prototypeHooks().setCurrentStack(Use::innermost ? Use::innermost->stack.id : -1);
+  }
+
+  bool isOwn;
+  int id;
+};
+
+// A text of which not all statements have been taken yet.
+struct OpenText {
+  std::unique_ptr<WorldReader> reader;
+  std::unique_ptr<PrototypeStack> prototypes = std::make_unique<PrototypeStack>();
+};
+
+// The texts of inputs that are read node by node.
+std::map<const SoInput*, OpenText>& attached() {
+  static std::map<const SoInput*, OpenText> texts;
+  return texts;
 }
 
-WorldReader* attachedReader(const SoInput* in) {
+OpenText* attachedText(const SoInput* in) {
   const auto found = attached().find(in);
   if (found == attached().end()) return nullptr;
-  if (isMarked(in, attachedMark)) return found->second.get();
+  if (isMarked(in, attachedMark)) return &found->second;
   attached().erase(found);
   return nullptr;
 }
@@ -119,27 +168,14 @@ std::unique_ptr<WorldReader> makeReader(std::optional<tessel::SourceText> text, 
   return std::make_unique<WorldReader>(std::move(*text), options);
 }
 
-// The prototypes that a file defines are in scope to its end; a nested read works inside the scope around it.
-class PrototypeScope {
-public:
-  PrototypeScope() {
-    if (const auto begin = tessel::prototypeHooks().beginScope) begin();
-  }
-  ~PrototypeScope() {
-    if (const auto end = tessel::prototypeHooks().endScope) end();
-  }
-  PrototypeScope(const PrototypeScope&) = delete;
-  PrototypeScope& operator=(const PrototypeScope&) = delete;
-};
-
-// Takes the reader, which holds the nodes that have names: it is gone before a node is given away.
-SoNode* readAll(std::unique_ptr<WorldReader> reader, ReadStatus& status) {
+// Takes the text, whose reader holds the nodes that have names: it is gone before a node is given away.
+SoNode* readAll(OpenText text, ReadStatus& status) {
   const tessel::ScopedValue<int> ours(VrmlDB::usingVrmlTypeIds, 1);
-  const PrototypeScope scope;
+  const PrototypeStack::Use scope(*text.prototypes);
   SoRef<VrmlGroup> root(new VrmlGroup);
   for (;;) {
     bool error = false;
-    const SoRef<VrmlNode> node = reader->readTopNode(error);
+    const SoRef<VrmlNode> node = text.reader->readTopNode(error);
     if (error) {
       status = ReadStatus::failed;
       return nullptr;
@@ -150,11 +186,11 @@ SoNode* readAll(std::unique_ptr<WorldReader> reader, ReadStatus& status) {
   status = root->getNumChildren() == 0 ? ReadStatus::empty : ReadStatus::world;
   if (root->getNumChildren() == 0) return nullptr;
   if (root->getNumChildren() > 1) {
-    root->setDef({SbName::empty(), SbName(reader->fileName().c_str()), 0});
-    reader.reset();
+    root->setDef({SbName::empty(), SbName(text.reader->fileName().c_str()), 0});
+    text.reader.reset();
     return root.release();
   }
-  reader.reset();
+  text.reader.reset();
   SoRef<SoNode> only(root->getChild(0));
   root.reset();
   return only.release();
@@ -203,16 +239,16 @@ SoNode* VrmlDB::read(SoInput* in) {
 }
 
 SoNode* VrmlDB::read(SoInput* in, ReadStatus& status, const ReadOptions& options) {
-  if (attachedReader(in)) {
-    std::unique_ptr<WorldReader> reader = std::move(attached().at(in));
+  if (OpenText* open = attachedText(in)) {
+    OpenText text = std::move(*open);
     attached().erase(in);
-    return readAll(std::move(reader), status);
+    return readAll(std::move(text), status);
   }
   if (beginsAsToolkitFile(in)) return readForeign(in, status);
   std::string complaint;
   auto text = takeTextOnce(in, complaint);
   auto reader = makeReader(std::move(text), nameOf(in), complaint, options, status);
-  return reader ? readAll(std::move(reader), status) : nullptr;
+  return reader ? readAll({std::move(reader)}, status) : nullptr;
 }
 
 SoNode* VrmlDB::read(std::string_view bytes, const char* fileName, ReadStatus& status,
@@ -220,28 +256,31 @@ SoNode* VrmlDB::read(std::string_view bytes, const char* fileName, ReadStatus& s
   std::string complaint;
   auto text = tessel::takeText(bytes, fileName, complaint);
   auto reader = makeReader(std::move(text), fileName, complaint, options, status);
-  return reader ? readAll(std::move(reader), status) : nullptr;
+  return reader ? readAll({std::move(reader)}, status) : nullptr;
 }
 
 SoNode* VrmlDB::readNode(SoInput* in, int& error) {
   error = 1;
-  WorldReader* reader = attachedReader(in);
-  if (!reader) {
+  OpenText* text = attachedText(in);
+  if (!text) {
     std::string complaint;
     ReadStatus status;
-    auto text = takeTextOnce(in, complaint);
-    auto made = makeReader(std::move(text), nameOf(in), complaint, {}, status);
-    if (!made) {
+    auto taken = takeTextOnce(in, complaint);
+    auto reader = makeReader(std::move(taken), nameOf(in), complaint, {}, status);
+    if (!reader) {
       error = status == ReadStatus::failed;
       return nullptr;
     }
-    reader = made.get();
-    attached().insert_or_assign(in, std::move(made));
+    text = &attached().insert_or_assign(in, OpenText{std::move(reader)}).first->second;
     mark(in, attachedMark);
   }
   const tessel::ScopedValue<int> ours(usingVrmlTypeIds, 1);
   bool failed = false;
-  SoRef<VrmlNode> node = reader->readTopNode(failed);
+  SoRef<VrmlNode> node;
+  {
+    const PrototypeStack::Use scope(*text->prototypes);
+    node = text->reader->readTopNode(failed);
+  }
   error = failed;
   if (!node) attached().erase(in);
   return node.release();
@@ -255,8 +294,8 @@ int VrmlDB::isIdentifier(const SbString& text) {
 }
 
 int VrmlDB::readIdentifier(SoInput* in, SbName& name) {
-  if (WorldReader* reader = attachedReader(in)) {
-    const std::string_view text = reader->lexer().identifier();
+  if (OpenText* open = attachedText(in)) {
+    const std::string_view text = open->reader->lexer().identifier();
     if (!text.empty()) name = SbName(std::string(text).c_str());
     return !text.empty();
   }

@@ -5,15 +5,19 @@
 
 #include <Inventor/actions/SoRayPickAction.h>
 #include <Inventor/errors/SoReadError.h>
+#include <Inventor/fields/SoFieldData.h>
 #include <Inventor/fields/SoMField.h>
 #include <Inventor/lists/SoFieldList.h>
+#include <Inventor/misc/SoNotification.h>
 
 #include <tessel/actions/VrmlCollideAction.h>
 #include <tessel/actions/VrmlCountAction.h>
 #include <tessel/actions/VrmlPreTraverseAction.h>
 #include <tessel/core/VrmlSFNode.h>
 #include <tessel/toolkit/Scoped.h>
+#include <tessel/toolkit/SoRef.h>
 
+#include "core/DeepCopy.h"
 #include "core/EventWatch.h"
 #include "core/FieldSpec.h"
 #include "core/Loops.h"
@@ -23,10 +27,7 @@
 SO_NODE_ABSTRACT_SOURCE(VrmlNode);
 
 int VrmlNode::optimizedNotify = 0;
-
-namespace {
-bool deepCopying = false;
-}
+const VrmlNode* VrmlNode::copyTarget = nullptr;
 
 void VrmlNode::initClass() {
   SO_NODE_INIT_ABSTRACT_CLASS(VrmlNode, SoNode, "Node");
@@ -64,7 +65,6 @@ void VrmlNode::collisionDetect(VrmlCollideAction*) {}
 void VrmlNode::count(VrmlCountAction*) {}
 void VrmlNode::doPreTraverse(VrmlPreTraverseAction*) {}
 int VrmlNode::isProtoOfType(const SoType&, int) { return 0; }
-void VrmlNode::notifyContainerOnly(const SoField*) {}
 std::uint32_t VrmlNode::getKidType() { return kidType; }
 int VrmlNode::hasKidType(int mask) {
   return static_cast<int>(getKidType() & static_cast<std::uint32_t>(mask));
@@ -81,6 +81,16 @@ bool VrmlNode::isSensorEnabled() const { return false; }
 void VrmlNode::ignoreGrabRelease() {}
 bool VrmlNode::holdsNodesWeakly() const { return false; }
 const tessel::FieldSpec* VrmlNode::findField(std::string_view) const { return nullptr; }
+
+// As if the field was set while the node was read.
+void VrmlNode::notifyContainerOnly(const SoField* field) {
+  const tessel::NotifyOff silence(static_cast<SoNode&>(*this));
+  SoNotRec record(this);
+  record.setType(SoNotRec::CONTAINER);
+  SoNotList list;
+  list.append(&record, const_cast<SoField*>(field));
+  notify(&list);
+}
 
 void VrmlNode::discountReference() {
   ++discounted;
@@ -124,21 +134,43 @@ void VrmlNode::initializeField(SoField* field) {
 }
 
 SoNode* VrmlNode::deepCopy(const VrmlNode* node, int copyConnections) {
-  const tessel::ScopedValue<bool> copying(deepCopying, true);
-  const int before = VrmlSFNode::setFixCopy(1);
-  SoNode* copy = node->copy(copyConnections != 0);
-  VrmlSFNode::setFixCopy(before);
-  return copy;
+  tessel::SoRef<SoNode> copy;
+  {
+    tessel::DeepCopy copying(copyConnections != 0);
+    copying.add(*node);
+    copy.reset(copying.of(node));
+  }
+  return copy.release();
 }
 
-bool VrmlNode::isDoingDeepCopy() { return deepCopying; }
+bool VrmlNode::isDoingDeepCopy() { return tessel::DeepCopy::isRunning(); }
+
+void VrmlNode::copyContents(const SoFieldContainer* from, SbBool copyConnections) {
+  const tessel::ScopedValue<const VrmlNode*> taking(copyTarget, this);
+  inherited::copyContents(from, copyConnections);
+  if (const auto* name = static_cast<const VrmlNode*>(from)->getDef()) setDef(*name);
+}
+
+SoField* VrmlNode::getRouteEnd(const SbName& name, bool) { return getField(name); }
+int VrmlNode::getFieldIndex(const SoField* field) const {
+  const SoFieldData* all = getFieldData();
+  return all ? all->getIndex(this, field) : -1;
+}
+
+SoField* VrmlNode::getFieldAt(int index) {
+  const SoFieldData* all = getFieldData();
+  return all && index >= 0 && index < all->getNumFields() ? all->getField(this, index) : nullptr;
+}
+
+void VrmlNode::listFields(SoFieldList& list) const { getFields(list); }
+void VrmlNode::listHeldNodes(std::vector<SoNode*>&) const {}
 
 SoNode* VrmlNode::addToCopyDict() const {
   if (SoFieldContainer* copied = checkCopy(this)) return static_cast<SoNode*>(copied);
   SoNode* copy = inherited::addToCopyDict();
-  if (!deepCopying) return copy;
+  if (!isDoingDeepCopy()) return copy;
   SoFieldList fields;
-  getFields(fields);
+  listFields(fields);
   for (int i = 0; i < fields.getLength(); ++i) {
     if (fields[i]->isOfType(SoSFNode::getClassTypeId())) {
       if (const SoNode* value = static_cast<SoSFNode*>(fields[i])->getValue()) value->addToCopyDict();

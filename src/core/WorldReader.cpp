@@ -65,7 +65,27 @@ WorldReader::WorldReader(SourceText text, const ReadOptions& o)
       sourceName(source.fileName.c_str()),
       readOptions(o),
       tokens((source.bytes.empty() ? source.text : std::string_view(source.bytes)).substr(source.bodyStart),
-             source.bodyLine) {}
+             source.bodyLine),
+      budget(std::make_shared<InstanceBudget>(InstanceBudget{
+          .maxNodes = o.maxInstanceNodes, .maxNesting = o.maxInstanceNesting, .maxLevels = o.maxNesting})) {}
+
+WorldReader::BodyScope::BodyScope(WorldReader& r, const VrmlNode& body)
+    : reader(r),
+      outerNames(std::exchange(r.references, &names)),
+      outer(std::exchange(r.body, this)),
+      nodesBefore(r.nodesMade),
+      firstLevel(r.open.size() + 1),
+      deepestBefore(std::exchange(r.deepest, firstLevel)) {
+  reader.open.push_back({&body, false, 0});
+}
+
+WorldReader::BodyScope::~BodyScope() {
+  reader.open.pop_back();
+  reader.references = outerNames;
+  reader.body = outer;
+  reader.nodesMade = nodesBefore;
+  reader.deepest = std::max(deepestBefore, reader.deepest);
+}
 
 bool WorldReader::error(const char* format, ...) {
   va_list arguments;
@@ -94,11 +114,16 @@ bool WorldReader::readStatement(std::string_view word, bool& ok) {
 
 SoRef<VrmlNode> WorldReader::readTopNode(bool& error) {
   const ReadScope scope(tokens, source.fileName);
+  SoRef<VrmlNode> node = readBodyNode(error);
+  if (!node && !error) warnOfRest();
+  return node;
+}
+
+SoRef<VrmlNode> WorldReader::readBodyNode(bool& error) {
   error = true;
   for (;;) {
     const std::string_view word = tokens.name();
     if (word.empty()) {
-      warnOfRest();
       error = false;
       return {};
     }
@@ -172,8 +197,9 @@ SoRef<VrmlNode> WorldReader::readUse() {
 // A file of a few lines can use each of its groups twice in the next one, and so on until no traversal ends.
 bool WorldReader::addExpanded(std::uint64_t nodes) {
   std::uint64_t& sum = open.empty() ? expanded : open.back().expanded;
-  sum += nodes;
-  return sum <= readOptions.maxExpanded ||
+  constexpr std::uint64_t most = std::uint64_t{1} << 62;
+  sum = std::min(sum + nodes, most);
+  return sum <= readOptions.maxExpanded || body ||  // nobody traverses the body of a prototype
          error("The world shows more than %llu nodes, each USE counted anew",
                static_cast<unsigned long long>(readOptions.maxExpanded));
 }
@@ -230,10 +256,7 @@ SoRef<VrmlNode> WorldReader::createNode(std::string_view typeName) {
 
 SoRef<VrmlNode> WorldReader::readDefinition(std::string_view defName, std::string_view typeName) {
   const int defLine = defName.empty() ? 0 : tokens.line();
-  if (open.size() >= static_cast<std::size_t>(readOptions.maxNesting)) {
-    error("Nodes are nested more than %d levels deep", readOptions.maxNesting);
-    return {};
-  }
+  if (isTooDeep()) return {};
   SoRef<VrmlNode> node = createNode(typeName);
   if (!node) return {};
   Reference* own = nullptr;
@@ -246,6 +269,8 @@ SoRef<VrmlNode> WorldReader::readDefinition(std::string_view defName, std::strin
     return {};
   }
   open.push_back({node.get(), node->holdsNodesWeakly(), 1});
+  deepest = std::max(deepest, open.size());
+  ++nodesMade;
   const bool ok = node->readBody(*this);
   const std::uint64_t inside = open.back().expanded;
   open.pop_back();
@@ -261,6 +286,14 @@ SoRef<VrmlNode> WorldReader::readDefinition(std::string_view defName, std::strin
   }
   return node;
 }
+
+bool WorldReader::isTooDeep() {
+  if (open.size() < static_cast<std::size_t>(readOptions.maxNesting)) return false;
+  error("Nodes are nested more than %d levels deep", readOptions.maxNesting);
+  return true;
+}
+
+int WorldReader::level() const { return static_cast<int>(open.size() - (body ? body->firstLevel : 0)); }
 
 bool WorldReader::readFields(VrmlNode& node) {
   for (;;) {
@@ -311,7 +344,10 @@ bool WorldReader::readFieldValue(SoField& field, ValueType type, std::string_vie
   bool failed = false;
   if (const auto readIS = prototypeHooks().readIS; readIS && readIS(*this, fieldName, &field, failed))
     return true;
-  if (failed) return false;
+  return !failed && readPlainValue(field, type, fieldName);
+}
+
+bool WorldReader::readPlainValue(SoField& field, ValueType type, std::string_view fieldName) {
   const int before = errors;
   if (readValue(*this, field, type)) return true;
   if (errors == before)
@@ -333,10 +369,6 @@ WorldReader::Reference& WorldReader::addReference(std::string_view name, VrmlNod
     node->setName(plain == def.getString() ? def : SbName(std::string(plain).c_str()));
   }
   return entry;
-}
-
-WorldReader::References* WorldReader::setReferences(References* other) {
-  return std::exchange(references, other);
 }
 
 }  // namespace tessel

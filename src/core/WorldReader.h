@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -12,6 +13,7 @@
 #include <tessel/core/VrmlDB.h>
 #include <tessel/toolkit/SoRef.h>
 
+#include "core/InstanceBudget.h"
 #include "core/ValueType.h"
 #include "toolkit/Lexer.h"
 #include "toolkit/ReadReport.h"
@@ -37,9 +39,11 @@ struct PrototypeHooks {
   VrmlNode* (*createUse)(WorldReader&, std::string_view name) = nullptr;
   /// Reads `IS name` behind a field name. `error` is set after a report.
   bool (*readIS)(WorldReader&, std::string_view fieldName, SoField* field, bool& error) = nullptr;
-  /// Begin and end of the name scope of a whole file.
-  void (*beginScope)() = nullptr;
-  void (*endScope)() = nullptr;
+  /// A stack of name scopes is made for a text and deleted after it. The current one, if any, has a number from 0.
+  int (*createStack)() = nullptr;
+  void (*deleteStack)(int id) = nullptr;
+  int (*currentStack)() = nullptr;
+  void (*setCurrentStack)(int id) = nullptr;
 };
 PrototypeHooks& prototypeHooks();
 
@@ -63,6 +67,31 @@ public:
 
   WorldReader(SourceText text, const ReadOptions& options);
 
+  /// The body of a prototype is being read: it has DEF names of its own, its nodes don't count as nodes of the world,
+  /// and what is in it counts for each instance.
+  class [[nodiscard]] BodyScope {
+  public:
+    BodyScope(WorldReader& reader, const VrmlNode& body);
+    ~BodyScope();
+    BodyScope(const BodyScope&) = delete;
+    BodyScope& operator=(const BodyScope&) = delete;
+
+    std::uint64_t nodes() const { return reader.nodesMade - nodesBefore; }
+    /// The nodes that a traversal of an instance meets: USEs, and bodies of instances inside it, followed.
+    std::uint64_t expandedNodes() const { return reader.open.back().expanded; }
+    /// How many nodes stand inside one another in it.
+    int levels() const { return static_cast<int>(reader.deepest - firstLevel); }
+
+  private:
+    friend WorldReader;
+    WorldReader& reader;
+    References names;
+    References* outerNames;
+    BodyScope* outer;
+    std::uint64_t nodesBefore;
+    std::size_t firstLevel, deepestBefore;
+  };
+
   Lexer& lexer() { return tokens; }
   const ReadOptions& options() const { return readOptions; }
   const std::string& fileName() const { return source.fileName; }
@@ -82,13 +111,24 @@ public:
   bool readField(VrmlNode& node, std::string_view name);
   /// Reads what stands behind a field name into the field.
   bool readFieldValue(SoField& field, ValueType type, std::string_view fieldName);
+  /// The same where no IS may stand.
+  bool readPlainValue(SoField& field, ValueType type, std::string_view fieldName);
+  /// Reads statements until one node is complete, inside the body of a prototype: null with `error` false where no
+  /// statement begins.
+  SoRef<VrmlNode> readBodyNode(bool& error);
 
   /// The node that a DEF of this text or prototype body has named, null if none.
   VrmlNode* findReference(std::string_view name) const;
   /// Names a node: enters it among the references and, less the instance suffix, with the toolkit.
   Reference& addReference(std::string_view name, VrmlNode* node);
-  /// Puts another set of references in place, for the body of a prototype; gives the old one.
-  References* setReferences(References* references);
+
+  /// How many nodes the one that is being read stands in, up to the body of a prototype or the top of the world.
+  int level() const;
+  /// Whether what begins here would be nested too deep, which is then reported.
+  bool isTooDeep();
+  /// Counts nodes that a traversal meets under the node that is being read. False after a report if they are too many.
+  bool addExpanded(std::uint64_t nodes);
+  const std::shared_ptr<InstanceBudget>& instanceBudget() const { return budget; }
 
   /// From now on the line of each string that is read goes into the list; null ends that.
   void setStringLines(std::vector<int>* lines) { stringLines = lines; }
@@ -123,7 +163,6 @@ private:
   bool readEventForm(VrmlNode& node, std::string_view name);
   bool isOpen(const VrmlNode* node) const;
   bool makesCycle(const VrmlNode* node) const;
-  bool addExpanded(std::uint64_t nodes);
   void warnOfRest();
 
   SourceText source;
@@ -136,6 +175,10 @@ private:
   std::uint64_t expanded = 0;  // of the nodes at file level
   int errors = 0;
   std::vector<int>* stringLines = nullptr;
+  BodyScope* body = nullptr;  // the innermost, if any
+  std::uint64_t nodesMade = 0;
+  std::size_t deepest = 0;  // of `open`
+  std::shared_ptr<InstanceBudget> budget;
 };
 
 }  // namespace tessel

@@ -77,14 +77,14 @@ SoField* VrmlRoute::readEnd(tessel::WorldReader& reader, int isEventIn) {
 SoField* tessel::findEnd(WorldReader& reader, VrmlNode& node, const std::string& nodeName,
                          const std::string& fieldName, bool isEventIn) {
   const End& end = isEventIn ? destination : source;
-  if (SoField* field = node.getField(fieldName.c_str())) {
+  if (SoField* field = node.getRouteEnd(fieldName.c_str(), isEventIn)) {
     const FieldKind kind = kindOf(field);
     if (kind == FieldKind::exposedField || kind == end.kind) return field;
     reader.error("\"%s\" in node \"%s\" is not an %s", fieldName.c_str(), nodeName.c_str(), end.kindName);
     return nullptr;
   }
   if (end.inEventForm(fieldName)) {
-    if (SoField* field = node.getField(end.plain(fieldName).c_str())) {
+    if (SoField* field = node.getRouteEnd(end.plain(fieldName).c_str(), isEventIn)) {
       if (kindOf(field) == FieldKind::exposedField) return field;
       reader.error("\"%s\" in node \"%s\" is not an exposed field", fieldName.c_str(), nodeName.c_str());
       return nullptr;

@@ -1,8 +1,24 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include <tessel/proto/VrmlExternProtoDef.h>
 
+#include <utility>
+
+#include <tessel/core/VrmlDB.h>
+#include <tessel/proto/VrmlExternProtoInline.h>
+#include <tessel/proto/VrmlProtoDict.h>
+#include <tessel/proto/VrmlProtoUse.h>
+
 #include "core/NodeClassImpl.h"
 #include "core/WorldReader.h"
+#include "proto/InstanceBuild.h"
+#include "proto/InstanceData.h"
+
+using tessel::InstancePlace;
+
+struct VrmlExternProtoDef::Requestor {
+  VrmlProtoUse* use;
+  InstancePlace place;
+};
 
 std::span<const tessel::FieldSpec> VrmlExternProtoDef::fields() { return {}; }
 
@@ -11,15 +27,101 @@ void VrmlExternProtoDef::initClass() {
   tessel::registerStatement("EXTERNPROTO", [](tessel::WorldReader& reader) { return read(reader) != 0; });
 }
 
-VrmlExternProtoDef::VrmlExternProtoDef() {
+VrmlExternProtoDef::VrmlExternProtoDef() : baseURL(VrmlDB::baseURL) {
   setUpFields();
   url.setContainer(this);
 }
 
-VrmlExternProtoDef::~VrmlExternProtoDef() = default;
+VrmlExternProtoDef::~VrmlExternProtoDef() {
+  if (fetchInline) fetchInline->setOwner(nullptr);
+}
 
 int VrmlExternProtoDef::read(tessel::WorldReader& reader) {
-  return reader.error("EXTERNPROTO is not supported yet");
+  const tessel::SoRef<VrmlExternProtoDef> definition(new VrmlExternProtoDef);
+  const int line = reader.lexer().line();
+  if (!definition->readContents(reader)) return 0;
+  definition->setDef({definition->name, reader.fileNameAsName(), line});
+  VrmlProtoDict::add(VrmlProtoDict::currentStackId, definition.get());
+  return 1;
+}
+
+int VrmlExternProtoDef::readContents(tessel::WorldReader& reader) {
+  if (!readNameAndInterface(reader, 0)) return 0;
+  if (!reader.readPlainValue(url, tessel::ValueType::mfString, "url")) return 0;
+  return url.getNum() > 0 || reader.error("EXTERNPROTO had null url for definition address");
+}
+
+void VrmlExternProtoDef::getDefinition(VrmlProtoUse* use) { getDefinition(use, InstancePlace{}); }
+
+void VrmlExternProtoDef::getDefinition(VrmlProtoUse* use, const InstancePlace& place) {
+  if (realDef) {
+    tessel::InstanceBuild::complete(*use, *realDef, place);
+    return;
+  }
+  addRequestor(*use, place);
+  requestFile();
+}
+
+// One fetch serves all.
+void VrmlExternProtoDef::requestFile() {
+  if (fetchRequested) return;
+  fetchRequested = true;
+  fetchInline.reset(new VrmlExternProtoInline);
+  fetchInline->setOwner(this);
+  fetchInline->setBaseURL(baseURL);
+  fetchInline->url.copyFrom(url);
+  if (!fetchInline->isFetchRequested()) fetchInline->requestChildrenFromURL();
+}
+
+bool VrmlExternProtoDef::canBecome(const VrmlProtoDef& definition) const {
+  const VrmlProtoDef* one = &definition;
+  while (one && one->isOfType(getClassTypeId())) {
+    if (one == this) return false;
+    one = static_cast<const VrmlExternProtoDef*>(one)->followed.get();
+  }
+  return true;
+}
+
+void VrmlExternProtoDef::setDefinition(VrmlProtoDef* definition) {
+  const tessel::SoRef<VrmlExternProtoDef> alive(this);
+  if (definition && definition->isOfType(getClassTypeId())) {
+    auto* external = static_cast<VrmlExternProtoDef*>(definition);
+    if (!external->realDef) {
+      followed.reset(external);
+      external->followers.emplace_back(this);
+      external->requestFile();
+      return;
+    }
+    definition = external->realDef.get();
+  }
+  realDef.reset(definition);
+  followed.reset();
+  for (const auto& follower : std::exchange(followers, {})) follower->setDefinition(definition);
+  while (realDef && !requestors.empty()) {
+    const Requestor last = requestors.rbegin()->second;
+    removeRequestor(*last.use);
+    tessel::InstanceBuild::complete(*last.use, *realDef, last.place);
+  }
+}
+
+void VrmlExternProtoDef::addRequestor(VrmlProtoUse* use) { addRequestor(*use, InstancePlace{}); }
+
+void VrmlExternProtoDef::addRequestor(VrmlProtoUse& use, const InstancePlace& place) {
+  std::uint64_t& number = use.data->requestNumber;
+  if (number != 0) return;
+  number = ++lastNumber;
+  requestors.emplace(number, Requestor{&use, place});
+}
+
+void VrmlExternProtoDef::removeRequestor(VrmlProtoUse& use) {
+  if (const std::uint64_t number = std::exchange(use.data->requestNumber, 0)) requestors.erase(number);
+}
+
+void VrmlExternProtoDef::fetchFailed() {
+  for (const auto& follower : std::exchange(followers, {})) {
+    follower->followed.reset();
+    follower->fetchFailed();
+  }
 }
 
 template class tessel::NodeClass<VrmlExternProtoDef, VrmlProtoDef>;

@@ -93,6 +93,13 @@ VrmlProtoDef* VrmlProtoDict::find(int id, const SbName& name) {
   return nullptr;
 }
 
+bool VrmlProtoDict::knowsAny(int id) {
+  for (const VrmlProtoDict* scope = getTopOfStack(id); scope;
+       scope = scope->stopsHere ? nullptr : scope->next.get())
+    if (!scope->definitions.empty()) return true;
+  return false;
+}
+
 void VrmlProtoDict::clear(int id) {
   VrmlProtoDict* top = getTopOfStack(id);
   if (!top) return;

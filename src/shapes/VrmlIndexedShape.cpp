@@ -67,6 +67,7 @@ void VrmlIndexedShape::notify(SoNotList* list) {
 void VrmlIndexedShape::mirror(const SoNotList* list, SoMFInt32& indices, SoMFInt32& event) {
   const SoField* changed = list->getLastField();
   if (inNotify || (changed != &indices && changed != &event)) return;
+  if (isTakingCopy()) return;  // both come as they are
   inNotify = true;
   if (changed == &event)
     indices = event;

@@ -61,6 +61,10 @@ void postReadError(const std::string& fileName, int line, const std::string& tex
 
 void postReadError(const std::string& text) { post(readLocation(), text); }
 
+void postReadWarning(const char* where, const std::string& fileName, int line, const std::string& text) {
+  SoDebugError::postWarning(where, "%s%s", text.c_str(), occurredAt(fileName, line).c_str());
+}
+
 void postReadWarning(const char* where, const std::string& text) {
   SoDebugError::postWarning(where, "%s%s", text.c_str(), readLocation().c_str());
 }

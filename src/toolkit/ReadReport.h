@@ -34,5 +34,7 @@ void postReadError(const std::string& fileName, int line, const std::string& tex
 void postReadError(const std::string& text);
 /// Posts a warning that carries the location of the read in progress, through SoDebugError.
 void postReadWarning(const char* where, const std::string& text);
+/// The same for a line of a file.
+void postReadWarning(const char* where, const std::string& fileName, int line, const std::string& text);
 
 }  // namespace tessel

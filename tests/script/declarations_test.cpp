@@ -153,13 +153,4 @@ INSTANTIATE_TEST_SUITE_P(
                     BadBody{"eventIn SFBool on IS start", "IS statement outside PROTO definition"},
                     BadBody{"field SFBool on IS 1", "Missing event or field name for IS"}));
 
-TEST(Prototypes, AreRefusedWithTheirLine) {
-  for (const char* statement : {"Group { }\nPROTO P [ ] { }", "Group { }\nEXTERNPROTO P [ ] \"p.wrl\""}) {
-    const TestWorld world(statement);
-    EXPECT_EQ(world.status, ReadStatus::failed) << statement;
-    EXPECT_EQ(world.messages.count("PROTO is not supported yet"), 1) << world.messages.text();
-    EXPECT_EQ(world.messages.count("line   3"), 1) << world.messages.text();
-  }
-}
-
 }  // namespace

@@ -28,6 +28,9 @@ struct ReadOptions {
   int maxNesting = 4000;  ///< levels of nodes inside nodes; deeper is an error
   /// Nodes that a traversal may meet, each USE counted with all below it; more is an error.
   std::uint64_t maxExpanded = 100'000'000;
+  /// Nodes that instances of prototypes make; an instance beyond stays empty, with a warning.
+  std::uint64_t maxInstanceNodes = 4'000'000;
+  int maxInstanceNesting = 10'000;  ///< instances inside one another; one beyond stays empty, with a warning
 };
 
 }  // namespace tessel

@@ -6,12 +6,14 @@
 #include <cstdint>
 #include <memory>
 #include <string_view>
+#include <vector>
 
 #include <Inventor/SbName.h>
 #include <Inventor/nodes/SoNode.h>
 #include <Inventor/nodes/SoSubNode.h>
 
 class VrmlCollideAction;
+class SoFieldList;
 class VrmlCountAction;
 class VrmlPreTraverseAction;
 
@@ -108,6 +110,18 @@ public:
   /// The entry of the class's field table under that name in the file, null if there is none.
   virtual const tessel::FieldSpec* findField(std::string_view name) const;
 
+  /// The field that an end of a route names: that is to be sent to, or to be listened to. Null if there is none.
+  virtual SoField* getRouteEnd(const SbName& name, bool isEventIn);
+  /// The place of a field among the node's, which its copies have at the same place; -1 for a field of no name.
+  virtual int getFieldIndex(const SoField* field) const;
+  /// The field at a place.
+  virtual SoField* getFieldAt(int index);
+  /// Appends the fields, for who only looks at the values that they hold.
+  virtual void listFields(SoFieldList& list) const;
+
+  /// Appends nodes that the node keeps alive otherwise than as children or in fields.
+  virtual void listHeldNodes(std::vector<SoNode*>& list) const;
+
   /// Gives a field the neutral value of its type: 0, empty, null, the identity.
   static void initializeField(SoField* field);
   /// Copies a node with all that hangs from its fields; what is shared stays shared. The result is
@@ -118,6 +132,7 @@ public:
   /// False unless a class says otherwise: the state that a VRML node changes is gone when it is done.
   SbBool affectsState() const override { return FALSE; }
   SoNode* addToCopyDict() const override;
+  void copyContents(const SoFieldContainer* from, SbBool copyConnections) override;
   /// A host's switch, 0 at first: whether a change of what shows nothing by itself (the input of a sensor, a Fog
   /// that is not bound) is kept from the nodes above, and so asks for no redraw.
   static int optimizedNotify;
@@ -132,10 +147,16 @@ protected:
 
   std::uint32_t kidType = 0;
 
+  /// Whether the node is taking over the fields of another, one after the other, each with a notification: none of
+  /// them is an event.
+  bool isTakingCopy() const { return copyTarget == this; }
+
   /// Comes when the reference count falls to zero.
   void destroy() override;
 
 private:
+  static const VrmlNode* copyTarget;
+
   int discounted = 0;
   /// The toolkit's reader never reads our nodes: gives FALSE after a report.
   SbBool readInstance(SoInput* in, unsigned short flags) override;

@@ -46,6 +46,8 @@ public:
   static void add(int id, VrmlProtoDef* definition);
   /// Looks for a name from the top scope of a stack outwards; null if it is nowhere.
   static VrmlProtoDef* find(int id, const SbName& name);
+  /// Whether there is any definition to be found from the top scope outwards.
+  static bool knowsAny(int id);
   /// Empties the top scope of a stack.
   static void clear(int id);
 

@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <Inventor/lists/SoFieldList.h>
+
+#include <tessel/core/VrmlNode.h>
+
+namespace tessel {
+
+/// Appends the fields of a node or engine, for who only looks at what they hold and are connected with.
+inline void listFields(const SoFieldContainer& container, SoFieldList& fields) {
+  if (container.isOfType(VrmlNode::getClassTypeId()))
+    static_cast<const VrmlNode&>(container).listFields(fields);
+  else
+    container.getFields(fields);
+}
+
+}  // namespace tessel

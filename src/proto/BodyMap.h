@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <span>
+#include <vector>
+
+class VrmlNode;
+
+namespace tessel {
+
+/// The IS clauses of a definition, as its instances need them: by interface field, with each field of the body told by
+/// numbers that hold in every copy.
+struct BodyMap {
+  struct Entry {
+    int index;       // of the interface field
+    int node;        // in `nodes`
+    int fieldIndex;  // on that node
+  };
+
+  std::vector<const VrmlNode*> nodes;  // those of the body that have fields with IS
+  std::vector<Entry> entries;          // ordered by `index`
+  std::vector<int> first;              // for each interface field, and one more: its first entry
+  bool nodesHeldWeakly = false;        // no node in an interface field is traversed under an instance
+
+  std::span<const Entry> of(int index) const {
+    const auto i = static_cast<std::size_t>(index);
+    return std::span(entries).subspan(static_cast<std::size_t>(first[i]),
+                                      static_cast<std::size_t>(first[i + 1] - first[i]));
+  }
+};
+
+}  // namespace tessel

@@ -1,0 +1,216 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// EXTERNPROTO: instances before and after their definition has come.
+#include <tessel/proto/VrmlExternProtoDef.h>
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include <Inventor/SbViewportRegion.h>
+#include <Inventor/actions/SoGetBoundingBoxAction.h>
+#include <Inventor/fields/SoFields.h>
+
+#include <tessel/core/VrmlGroup.h>
+#include <tessel/core/VrmlTransform.h>
+#include <tessel/events/VrmlRoute.h>
+#include <tessel/proto/VrmlExternProtoInline.h>
+#include <tessel/proto/VrmlProtoDict.h>
+#include <tessel/proto/VrmlProtoUse.h>
+#include <tessel/shapes/VrmlBox.h>
+
+#include "support/TestWorld.h"
+
+namespace tessel::test {
+namespace {
+
+/// A host with a few files, which answers when the test says so.
+class ExternTest : public testing::Test {
+protected:
+  ExternTest() {
+    startLibrary();
+    VrmlDB::setBaseURL("http://here/world.wrl");
+    VrmlInline::setFetchURLCallBack(
+        [](const SbString& url, void* self, VrmlInline* node) {
+          static_cast<ExternTest*>(self)->asked.push_back({url.getString(), SoRef<VrmlInline>(node)});
+        },
+        this);
+  }
+  ~ExternTest() override {
+    VrmlInline::setFetchURLCallBack(nullptr, nullptr);
+    VrmlDB::setBaseURL(nullptr);
+  }
+
+  /// Answers all that is asked for, also what the answers ask for, and gives the number of answers.
+  int answerAll() {
+    int answers = 0;
+    for (; !asked.empty() && answers < 100; ++answers) {
+      const Asked next = asked.front();
+      asked.erase(asked.begin());
+      urls.push_back(next.url);
+      const auto file = files.find(next.url.substr(0, next.url.find('#')));
+      if (file == files.end()) {
+        next.node->fetchFailed();
+        continue;
+      }
+      const int stack = VrmlProtoDict::createStack();
+      VrmlDB::setBaseURL(file->first.c_str());
+      ReadStatus status;
+      const std::string text = "#VRML V2.0 utf8\n" + file->second;
+      const SoRef<SoNode> world(VrmlDB::read(text, file->first.c_str(), status));
+      EXPECT_NE(status, ReadStatus::failed) << file->first;
+      next.node->setProtoDict(VrmlProtoDict::getTopOfStack(stack));
+      next.node->setStackId(stack);
+      next.node->setChildData(static_cast<VrmlNode*>(world.get()));
+    }
+    return answers;
+  }
+
+  static float widthOf(SoNode* node) {
+    SoGetBoundingBoxAction action(SbViewportRegion(100, 100));
+    action.apply(node);
+    const SbBox3f box = action.getBoundingBox();
+    return box.isEmpty() ? 0 : box.getMax()[0] - box.getMin()[0];
+  }
+
+  struct Asked {
+    std::string url;
+    SoRef<VrmlInline> node;
+  };
+  std::vector<Asked> asked;
+  std::vector<std::string> urls;
+  std::map<std::string, std::string> files = {
+      {"http://here/lib.wrl", R"(
+        EXTERNPROTO Elsewhere [ ] "other.wrl"
+        PROTO First [ exposedField SFVec3f scale 2 2 2  field SFFloat more 7 ] {
+          Transform { scale IS scale children Shape { geometry Box { size 1 1 1 } } } }
+        PROTO Ball [ field SFFloat r 3 ] { Shape { geometry Sphere { radius IS r } } })"},
+  };
+};
+
+TEST_F(ExternTest, OneAnswerCompletesAllInstances) {
+  const TestWorld world(R"(
+    EXTERNPROTO Scaled [ exposedField SFVec3f scale ] [ "lib.wrl" ]
+    DEF FROM Transform { }
+    DEF A Scaled { } DEF B Scaled { scale 5 5 5 } DEF C Scaled { }
+    DEF TO Transform { }
+    ROUTE FROM.scale TO C.set_scale
+    ROUTE C.scale_changed TO TO.scale)");
+  ASSERT_EQ(world.status, ReadStatus::world) << world.messages.text();
+  EXPECT_EQ(asked.size(), 1u);
+  auto* a = world.get<VrmlProtoUse>("A");
+  EXPECT_TRUE(a->isProtoOfType(VrmlBox::getClassTypeId(), 0));
+  EXPECT_FALSE(a->isProtoOfType(VrmlBox::getClassTypeId(), 1));
+  EXPECT_EQ(a->getActualNode(), nullptr);
+
+  EXPECT_EQ(answerAll(), 1);
+  EXPECT_EQ(urls, (std::vector<std::string>{"http://here/lib.wrl"}));
+  EXPECT_EQ(widthOf(a), 2) << "the default of the real definition";
+  EXPECT_EQ(widthOf(world.get<VrmlProtoUse>("B")), 5);
+  auto* c = world.get<VrmlProtoUse>("C");
+  world.get<VrmlTransform>("FROM")->scale.setValue(9, 9, 9);
+  EXPECT_EQ(widthOf(c), 9);
+  EXPECT_EQ(world.get<VrmlTransform>("TO")->scale.getValue(), SbVec3f(9, 9, 9));
+  EXPECT_EQ(static_cast<SoSFFloat*>(c->getField("more"))->getValue(), 7);
+
+  const SoRef<VrmlProtoUse> late(new VrmlProtoUse(a->getExternDef()));
+  EXPECT_EQ(widthOf(late.get()), 2) << "at once, now that the definition is known";
+  EXPECT_TRUE(asked.empty());
+  EXPECT_TRUE(world.messages.empty()) << world.messages.text();
+}
+
+TEST_F(ExternTest, TriesAlternativesAndLooksForTheNameBehindTheNumberSign) {
+  const TestWorld world(R"(
+    EXTERNPROTO B [ field SFFloat r ] [ "gone.wrl" "lib.wrl#Cube" "lib.wrl#Ball" ]
+    DEF I B { r 4 })");
+  EXPECT_EQ(answerAll(), 3);
+  EXPECT_EQ(widthOf(world.get<VrmlProtoUse>("I")), 8);
+  EXPECT_EQ(world.messages.count("Can't find EXTERNPROTO in url \"lib.wrl#Cube\""), 1)
+      << world.messages.text();
+}
+
+TEST_F(ExternTest, InstancesThatGetNothingStayEmpty) {
+  const TestWorld world(R"(
+    EXTERNPROTO B [ eventIn SFFloat r ] "gone.wrl"
+    DEF T TimeSensor { } DEF I B { } DEF BOX Shape { geometry Box { } }
+    ROUTE T.fraction_changed TO I.r)");
+  EXPECT_EQ(answerAll(), 1);
+  EXPECT_EQ(widthOf(world.get<VrmlProtoUse>("I")), 0);
+}
+
+TEST_F(ExternTest, AnInterfaceThatIsNoSubsetIsToldOf) {
+  const TestWorld world(R"(
+    EXTERNPROTO First [ field SFVec3f scale ] "lib.wrl"
+    DEF I First { scale 5 5 5 })");
+  answerAll();
+  EXPECT_EQ(
+      world.messages.count("Fields of EXTERNPROTO \"First\" are not a subset of fields of PROTO \"First\""),
+      1)
+      << world.messages.text();
+  EXPECT_EQ(widthOf(world.get<VrmlProtoUse>("I")), 2) << "the real body with its own value";
+}
+
+TEST_F(ExternTest, InsideABodyTheFileIsAskedForWithTheFirstInstance) {
+  const TestWorld definition(R"(
+    EXTERNPROTO Ball [ field SFFloat r ] "lib.wrl#Ball"
+    PROTO P [ field SFFloat radius 1 ] { Group { children Ball { r IS radius } } })");
+  EXPECT_TRUE(asked.empty());
+  const TestWorld world(R"(
+    EXTERNPROTO Ball [ field SFFloat r ] "lib.wrl#Ball"
+    PROTO P [ field SFFloat radius 1 ] { Group { children Ball { r IS radius } } }
+    DEF I P { radius 6 })");
+  EXPECT_EQ(answerAll(), 1);
+  EXPECT_EQ(widthOf(world.get<VrmlProtoUse>("I")), 12);
+}
+
+TEST_F(ExternTest, ADefinitionFromElsewhereIsFollowed) {
+  files["http://here/list.wrl"] = "EXTERNPROTO Ball [ field SFFloat r ] \"lib.wrl#Ball\"";
+  files["http://here/loop.wrl"] = "EXTERNPROTO Loop [ ] \"loop.wrl#Loop\"";
+  const TestWorld world(R"(
+    EXTERNPROTO Ball [ field SFFloat r ] "list.wrl#Ball"
+    EXTERNPROTO Loop [ ] "loop.wrl#Loop"
+    DEF I Ball { r 2 }  DEF L Loop { })");
+  answerAll();
+  EXPECT_EQ(widthOf(world.get<VrmlProtoUse>("I")), 4);
+  EXPECT_EQ(widthOf(world.get<VrmlProtoUse>("L")), 0);
+}
+
+TEST_F(ExternTest, APrototypeThatUsesItselfThroughAFileStops) {
+  files["http://here/self.wrl"] = R"(EXTERNPROTO Self [ ] "self.wrl#Again"
+    PROTO Again [ ] { Group { children Self { } } })";
+  const TestWorld world("EXTERNPROTO Self [ ] \"self.wrl#Again\"\nDEF I Self { }");
+  EXPECT_EQ(answerAll(), 100) << "who brings the files counts them";
+  asked.clear();
+
+  // The same where the host reads a file only once.
+  const int stack = VrmlProtoDict::createStack();
+  ReadStatus status;
+  const std::string text = "#VRML V2.0 utf8\n" + files["http://here/self.wrl"];
+  EXPECT_EQ(VrmlDB::read(text, "self.wrl", status), nullptr);
+  VrmlProtoDict* names = VrmlProtoDict::getTopOfStack(stack);
+  auto* self = static_cast<VrmlExternProtoDef*>(names->findInThis("Self"));
+  self->setDefinition(names->findInThis("Again"));
+  {
+    const SoRef<VrmlProtoUse> instance(new VrmlProtoUse(self));
+    EXPECT_NE(instance->getActualNode(), nullptr);
+  }
+  EXPECT_EQ(world.messages.count("stays empty\n\tOccurred at line   3 in self.wrl"), 1)
+      << world.messages.text();
+  self->setDefinition(nullptr);
+  VrmlProtoDict::deleteStack(stack);
+}
+
+TEST_F(ExternTest, AnInstanceMayGoWhileItWaits) {
+  SoRef<VrmlExternProtoDef> definition;
+  {
+    const TestWorld world("EXTERNPROTO B [ ] \"lib.wrl\"\nGroup { children [ DEF I B { } B { } ] }");
+    definition.reset(world.get<VrmlProtoUse>("I")->getExternDef());
+  }
+  EXPECT_EQ(definition->getRefCount(), 1) << "those who wait keep nobody alive";
+  EXPECT_EQ(answerAll(), 1);
+  EXPECT_NE(definition->getRealDefinition(), nullptr);
+}
+
+}  // namespace
+}  // namespace tessel::test
