@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include <Inventor/SbName.h>
@@ -121,6 +122,8 @@ public:
   VrmlNode* findReference(std::string_view name) const;
   /// Names a node: enters it among the references and, less the instance suffix, with the toolkit.
   Reference& addReference(std::string_view name, VrmlNode* node);
+  /// Puts another set of references in place; gives the old one.
+  References* setReferences(References* others) { return std::exchange(references, others); }
 
   /// How many nodes the one that is being read stands in, up to the body of a prototype or the top of the world.
   int level() const;

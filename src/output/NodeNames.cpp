@@ -98,7 +98,7 @@ void NodeNames::State::visit(SoNode* node, NameScope& scope) {
 void NodeNames::State::visitFields(const VrmlNode& node, NameScope& scope) {
   const bool onlyOwn = isScope(node);
   SoFieldList fields;
-  node.getFields(fields);
+  node.listFields(fields);
   for (int i = 0; i < fields.getLength(); ++i)
     if (!fields[i]->getDirty() && !(onlyOwn && fields[i]->isDefault()))
       eachNodeIn(*fields[i], [&](SoNode* value) { visit(value, scope); });
@@ -112,6 +112,9 @@ void NodeNames::State::visitChildren(const SoNode& node, NameScope& scope) {
   }
   const SoChildList* list = node.getChildren();
   for (int i = 0; list && i < list->getLength(); ++i) visit((*list)[i], scope);
+  if (node.isOfType(VrmlProtoUse::getClassTypeId()))
+    for (const auto& other : static_cast<const VrmlProtoUse&>(node).getOtherNodes())
+      visit(other.get(), scope);
 }
 
 NodeNames::NodeNames() : state(std::make_unique<State>()) {}
