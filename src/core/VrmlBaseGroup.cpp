@@ -2,7 +2,7 @@
 #include <tessel/core/VrmlBaseGroup.h>
 
 #include <algorithm>
-#include <unordered_set>
+#include <unordered_map>
 
 #include <Inventor/SoFullPath.h>
 #include <Inventor/actions/SoActions.h>
@@ -18,6 +18,7 @@
 #include <tessel/toolkit/Scoped.h>
 
 #include "core/NodeClassImpl.h"
+#include "core/WorldReader.h"
 
 using tessel::FieldSpec;
 
@@ -113,25 +114,51 @@ void VrmlBaseGroup::replaceChild(VrmlNode* oldChild, VrmlNode* newChild) {
 
 namespace {
 
-bool standsBelow(const SoNode* wanted, const SoNode* node, std::unordered_set<const SoNode*>& seen) {
-  if (node == wanted) return true;
-  if (!seen.insert(node).second) return false;
+constexpr int meetsWanted = -1;
+
+// How many levels of nodes a branch has; `meetsWanted` if that node stands in it.
+int levelsBelow(const SoNode* node, const SoNode* wanted, std::unordered_map<const SoNode*, int>& known) {
+  if (node == wanted) return meetsWanted;
+  if (const auto [place, isNew] = known.try_emplace(node, 0); !isNew) return place->second;
+  int levels = 0;
   const SoChildList* children = node->getChildren();
-  for (int i = 0; children && i < children->getLength(); ++i)
-    if (standsBelow(wanted, (*children)[i], seen)) return true;
-  return false;
+  for (int i = 0; children && i < children->getLength(); ++i) {
+    const int below = levelsBelow((*children)[i], wanted, known);
+    if (below == meetsWanted) return meetsWanted;
+    levels = std::max(levels, below);
+  }
+  return known[node] = levels + 1;
 }
 
 }  // namespace
 
+int VrmlBaseGroup::maxLevels = 4000;
+
 VrmlNode* VrmlBaseGroup::acceptableChild(SoNode* node) {
   auto* child = dynamic_cast<VrmlNode*>(node);
   if (!child || !child->holdsChildren()) return child;
-  std::unordered_set<const SoNode*> seen;
-  if (!standsBelow(this, child, seen)) return child;
-  SoDebugError::postWarning("VrmlBaseGroup::acceptableChild",
-                            "A node was not added to a group that stands below it");
-  return nullptr;
+  std::unordered_map<const SoNode*, int> known;
+  const int levels = levelsBelow(child, this, known);
+  if (levels == meetsWanted) {
+    SoDebugError::postWarning("VrmlBaseGroup::acceptableChild",
+                              "A node was not added to a group that stands below it");
+    return nullptr;
+  }
+  if (level + levels > maxLevels) {
+    SoDebugError::postWarning("VrmlBaseGroup::acceptableChild",
+                              "A node was not added: nodes would be nested more than %d levels deep",
+                              maxLevels);
+    return nullptr;
+  }
+  if (auto* group = dynamic_cast<VrmlBaseGroup*>(child)) group->sinkTo(level + 1);
+  return child;
+}
+
+void VrmlBaseGroup::sinkTo(int newLevel) {
+  if (level >= newLevel) return;
+  level = newLevel;
+  for (int i = 0; i < childList->getLength(); ++i)
+    if (auto* group = dynamic_cast<VrmlBaseGroup*>((*childList)[i])) group->sinkTo(newLevel + 1);
 }
 
 // Orders.
@@ -186,6 +213,7 @@ std::uint32_t VrmlBaseGroup::getKidType() {
 }
 
 bool VrmlBaseGroup::readBody(tessel::WorldReader& reader) {
+  level = reader.depth();
   if (!NodeClass::readBody(reader)) return false;
   recalcTraverseOrder();
   return true;
@@ -488,6 +516,7 @@ SoNode* VrmlBaseGroup::addToCopyDict() const {
 
 void VrmlBaseGroup::copyContents(const SoFieldContainer* from, SbBool copyConnections) {
   NodeClass::copyContents(from, copyConnections);
+  level = static_cast<const VrmlBaseGroup*>(from)->level;
   const SoChildList& theirs = *static_cast<const VrmlBaseGroup*>(from)->childList;
   changeChildren([&](SoChildList& list) {
     list.truncate(0);

@@ -76,7 +76,7 @@ WorldReader::BodyScope::BodyScope(WorldReader& r, const VrmlNode& body)
       nodesBefore(r.nodesMade),
       firstLevel(r.open.size() + 1),
       deepestBefore(std::exchange(r.deepest, firstLevel)) {
-  reader.open.push_back({&body, false, 0});
+  reader.open.push_back({&body, false, {0, 0}});
 }
 
 WorldReader::BodyScope::~BodyScope() {
@@ -189,17 +189,19 @@ SoRef<VrmlNode> WorldReader::readUse() {
     error("USE of \"%.200s\" inside itself", name.c_str());
     return {};
   }
-  if (!addExpanded(found->second.expanded)) return {};
+  const Extent& extent = found->second.extent;
+  if (isTooDeep(extent.levels) || !addExtent(extent)) return {};
   if (isOpen(node)) node->discountReference();
   return SoRef<VrmlNode>(node);
 }
 
 // A file of a few lines can use each of its groups twice in the next one, and so on until no traversal ends.
-bool WorldReader::addExpanded(std::uint64_t nodes) {
-  std::uint64_t& sum = open.empty() ? expanded : open.back().expanded;
+bool WorldReader::addExtent(const Extent& extent) {
+  Extent& sum = open.empty() ? world : open.back().extent;
   constexpr std::uint64_t most = std::uint64_t{1} << 62;
-  sum = std::min(sum + nodes, most);
-  return sum <= readOptions.maxExpanded || body ||  // nobody traverses the body of a prototype
+  sum.nodes = std::min(sum.nodes + extent.nodes, most);
+  sum.levels = std::max(sum.levels, extent.levels);
+  return sum.nodes <= readOptions.maxExpanded || body ||  // nobody traverses the body of a prototype
          error("The world shows more than %llu nodes, each USE counted anew",
                static_cast<unsigned long long>(readOptions.maxExpanded));
 }
@@ -268,15 +270,14 @@ SoRef<VrmlNode> WorldReader::readDefinition(std::string_view defName, std::strin
     error("\"{\" was expected behind \"%s\"", node->getFileFormatName());
     return {};
   }
-  open.push_back({node.get(), node->holdsNodesWeakly(), 1});
+  open.push_back({node.get(), node->holdsNodesWeakly(), {1, 0}});
   deepest = std::max(deepest, open.size());
   ++nodesMade;
   const bool ok = node->readBody(*this);
-  const std::uint64_t inside = open.back().expanded;
+  const Extent extent{open.back().extent.nodes, open.back().extent.levels + 1};
   open.pop_back();
-  if (!ok || !addExpanded(inside)) return {};
-  if (own && own->node.get() == node.get())
-    own->expanded = inside;  // unless the name was given anew in there
+  if (!ok || !addExtent(extent)) return {};
+  if (own && own->node.get() == node.get()) own->extent = extent;  // unless the name was given anew in there
   if (!tokens.take('}')) {
     if (const int c = tokens.peek(); c < 0)
       error("The file ends inside of \"%s\"", node->getFileFormatName());
@@ -287,8 +288,10 @@ SoRef<VrmlNode> WorldReader::readDefinition(std::string_view defName, std::strin
   return node;
 }
 
-bool WorldReader::isTooDeep() {
-  if (open.size() < static_cast<std::size_t>(readOptions.maxNesting)) return false;
+// A chain of USEs is as deep as one that is written out.
+bool WorldReader::isTooDeep(int levels) {
+  if (open.size() + static_cast<std::size_t>(levels) <= static_cast<std::size_t>(readOptions.maxNesting))
+    return false;
   error("Nodes are nested more than %d levels deep", readOptions.maxNesting);
   return true;
 }
@@ -362,7 +365,7 @@ VrmlNode* WorldReader::findReference(std::string_view name) const {
 
 WorldReader::Reference& WorldReader::addReference(std::string_view name, VrmlNode* node) {
   Reference& entry =
-      references->insert_or_assign(std::string(name), Reference{SoRef<VrmlNode>(node)}).first->second;
+      references->insert_or_assign(std::string(name), Reference{SoRef<VrmlNode>(node), {}}).first->second;
   if (!isGenerated(name)) {
     const std::string_view plain = withoutInstanceSuffix(name);
     const SbName& def = node->getDefName();

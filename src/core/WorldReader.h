@@ -53,10 +53,15 @@ PrototypeHooks& prototypeHooks();
 /// Every function that fails has reported, with the line of the offending token.
 class WorldReader {
 public:
-  /// A node that can be used again, and how many nodes a traversal meets in it, USEs followed.
+  /// What a traversal meets in a node, itself and USEs included.
+  struct Extent {
+    std::uint64_t nodes = 1;
+    int levels = 1;
+  };
+  /// A node that can be used again.
   struct Reference {
     SoRef<VrmlNode> node;
-    std::uint64_t expanded = 1;
+    Extent extent;
   };
   struct NameHash {
     using is_transparent = void;
@@ -78,8 +83,8 @@ public:
     BodyScope& operator=(const BodyScope&) = delete;
 
     std::uint64_t nodes() const { return reader.nodesMade - nodesBefore; }
-    /// The nodes that a traversal of an instance meets: USEs, and bodies of instances inside it, followed.
-    std::uint64_t expandedNodes() const { return reader.open.back().expanded; }
+    /// What a traversal of an instance meets: USEs, and bodies of instances inside it, followed.
+    const Extent& extent() const { return reader.open.back().extent; }
     /// How many nodes stand inside one another in it.
     int levels() const { return static_cast<int>(reader.deepest - firstLevel); }
 
@@ -118,6 +123,9 @@ public:
   /// statement begins.
   SoRef<VrmlNode> readBodyNode(bool& error);
 
+  /// How many nodes are open, one inside the other.
+  int depth() const { return static_cast<int>(open.size()); }
+
   /// The node that a DEF of this text or prototype body has named, null if none.
   VrmlNode* findReference(std::string_view name) const;
   /// Names a node: enters it among the references and, less the instance suffix, with the toolkit.
@@ -127,10 +135,10 @@ public:
 
   /// How many nodes the one that is being read stands in, up to the body of a prototype or the top of the world.
   int level() const;
-  /// Whether what begins here would be nested too deep, which is then reported.
-  bool isTooDeep();
-  /// Counts nodes that a traversal meets under the node that is being read. False after a report if they are too many.
-  bool addExpanded(std::uint64_t nodes);
+  /// Whether what has so many levels would be nested too deep here, which is then reported.
+  bool isTooDeep(int levels = 1);
+  /// Counts what a traversal meets under the node that is being read. False after a report if it is too much.
+  bool addExtent(const Extent& extent);
   const std::shared_ptr<InstanceBudget>& instanceBudget() const { return budget; }
 
   /// From now on the line of each string that is read goes into the list; null ends that.
@@ -151,7 +159,7 @@ private:
   struct OpenNode {
     const VrmlNode* node;
     bool holdsWeakly;  // its node fields may point back up without making a cycle of traversals
-    std::uint64_t expanded = 1;
+    Extent extent;     // that was met so far, its levels those below it
   };
 
   struct NamedField {
@@ -175,7 +183,7 @@ private:
   References fileReferences;
   References* references = &fileReferences;
   std::vector<OpenNode> open;
-  std::uint64_t expanded = 0;  // of the nodes at file level
+  Extent world{0, 0};  // of the nodes at file level
   int errors = 0;
   std::vector<int>* stringLines = nullptr;
   BodyScope* body = nullptr;  // the innermost, if any

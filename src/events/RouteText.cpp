@@ -56,7 +56,8 @@ int VrmlRoute::read(tessel::WorldReader& reader) {
   if (!to) return reader.error("Bad ROUTE specification");
   if (!canRouteBetweenTypeIds(from->getTypeId(), to->getTypeId()))
     return reader.error("ROUTE types do not match");
-  return add(from, to, 0);
+  add(from, to, 0);  // one that makes too long a chain is warned of and left out
+  return 1;
 }
 
 SoField* VrmlRoute::readEnd(tessel::WorldReader& reader, int isEventIn) {

@@ -17,6 +17,7 @@
 #include <tessel/toolkit/SoRef.h>
 
 #include "events/RouteEnds.h"
+#include "events/RouteLevels.h"
 #include "toolkit/ReadReport.h"
 
 using tessel::FieldKind;
@@ -63,6 +64,13 @@ void warnOfDuplicate(const SoField* from, const SoField* to) {
                                                 endName(to) + "!  Ignoring...");
 }
 
+bool hasRoom(const SoField* from, const SoField* to) {
+  if (!isOnNode(from) || !isOnNode(to) || tessel::admitRoute(*from, *to)) return true;
+  tessel::postReadWarning("VrmlRoute::add", "No route from " + endName(from) + " to " + endName(to) +
+                                                ": the chain of routes would be too long");
+  return false;
+}
+
 // Takes the value of `from` from its next event on.
 void connectInSilence(SoField& field, SoField& from) {
   const tessel::NotifyOff silence(field);
@@ -103,7 +111,10 @@ int VrmlRoute::add(SoField* from, SoField* to, int skipKindCheck) {
       warnOfDuplicate(from, to);
       return 1;
     }
+    if (!hasRoom(from, to)) return 0;
     end = fanIn->addInput();
+  } else if (!hasRoom(from, to)) {
+    return 0;
   }
   connectInSilence(*end, *from);
   invokeCallbacks(from, to, 1);

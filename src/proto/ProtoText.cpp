@@ -72,7 +72,8 @@ int VrmlProtoDef::readContents(WorldReader& reader) {
   }
   if (!lexer.take('}')) return reader.error("Expected a '}' to end prototype definition");
   bodyNodes = scope.nodes();
-  expandedNodes = scope.expandedNodes();
+  expandedNodes = scope.extent().nodes;
+  expandedLevels = scope.extent().levels;
   bodyLevels = scope.levels();
   return 1;
 }

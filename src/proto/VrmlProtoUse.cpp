@@ -189,7 +189,8 @@ bool VrmlProtoUse::readBody(tessel::WorldReader& reader) {
         !InstanceBuild::run(*this, {.budget = reader.instanceBudget(), .level = reader.level() - 1}))
       return true;  // what is missing is not met by a traversal
   }
-  return !data->protoDef || reader.addExpanded(data->protoDef->getExpandedNodes());
+  return !data->protoDef ||
+         reader.addExtent({data->protoDef->getExpandedNodes(), data->protoDef->getExpandedLevels()});
 }
 
 void VrmlProtoUse::makeBody() {

@@ -21,6 +21,7 @@
 #include <tessel/core/VrmlTransform.h>
 #include <tessel/core/VrmlWorldInfo.h>
 #include <tessel/events/VrmlNotifySensor.h>
+#include <tessel/toolkit/Scoped.h>
 
 #include "support/TestWorld.h"
 
@@ -163,6 +164,23 @@ TEST(Group, NorDoesOneToTheChildrenOfASwitchOrALOD) {
   EXPECT_EQ(world.get<VrmlSwitch>("S")->getNumChildren(), 0);
   EXPECT_EQ(world.get<VrmlLOD>("L")->getNumChildren(), 0);
   EXPECT_EQ(world.messages.count("was not added to a group that stands below it"), 2);
+}
+
+TEST(Group, EventsBuildNoDeeperWorldThanAReadDoes) {
+  const TestWorld world("DEF A Group { children DEF B Group { } }");
+  const tessel::ScopedValue<int> limit(VrmlBaseGroup::maxLevels, 5);
+  auto* lowest = world.get<VrmlGroup>("B");
+  for (int level = 3; level <= 5; ++level) {
+    auto* next = new VrmlGroup;
+    lowest->addChildren.setValue(next);
+    ASSERT_EQ(lowest->getNumChildren(), 1) << level;
+    lowest = next;
+  }
+  lowest->addChildren.setValue(new VrmlGroup);
+  EXPECT_EQ(lowest->getNumChildren(), 0);
+  world.get<VrmlGroup>("A")->addChildren.setValue(new VrmlGroup);
+  EXPECT_EQ(world.get<VrmlGroup>("A")->getNumChildren(), 2);
+  EXPECT_EQ(world.messages.count("nested more than 5 levels deep"), 1);
 }
 
 TEST(Group, WithoutAChildNothingIsAdded) {

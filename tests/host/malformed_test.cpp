@@ -94,6 +94,9 @@ TEST(Hostile, WorldsEndInAMessage) {
   const std::string many(1'000'000, 'n');
   std::string deep;
   for (int i = 0; i < 100'000; ++i) deep += "Group { children ";
+  std::string deepByUse = "DEF A0 Shape { }";
+  for (int i = 1; i <= 5'000; ++i)
+    deepByUse += "\nDEF A" + std::to_string(i) + " Group { children USE A" + std::to_string(i - 1) + " }";
   const struct {
     const char* name;
     std::string content;
@@ -101,6 +104,8 @@ TEST(Hostile, WorldsEndInAMessage) {
     std::string said;
   } cases[] = {
       {"deep.wrl", world(deep), 1, "deep.wrl:2: error: Nodes are nested more than 4000 levels deep\n"},
+      {"deep-by-use.wrl", world(deepByUse), 1,
+       "deep-by-use.wrl:4002: error: Nodes are nested more than 4000 levels deep\n"},
       {"long-name.wrl", world("DEF " + many + " Group { }\n" + many + " { }"), 1,
        "long-name.wrl:3: error: Unknown class \"n"},
       {"long-def.wrl", world("DEF " + many + " Group { }\nGroup { children USE " + many + " }"), 0, ""},

@@ -67,8 +67,11 @@ public:
   SoNode* addToCopyDict() const override;
   void copyContents(const SoFieldContainer* from, SbBool copyConnections) override;
 
+  /// How many levels of nodes events may build; what would be deeper is left out with a warning.
+  static int maxLevels;
+
   /// What an event may make a child: a VrmlNode under which this group does not stand. Null for anything else; a node
-  /// that would make the group its own descendant is warned of.
+  /// that would make the group its own descendant, or the world deeper than `maxLevels`, is warned of.
   VrmlNode* acceptableChild(SoNode* node);
 
   /// The children are as a change behind the group's back left them: find the orders anew.
@@ -101,12 +104,14 @@ private:
   struct Orders;
   const Orders& orders() const;
   template <class Change> void changeChildren(Change change);
+  void sinkTo(int newLevel);
   void dispatchToChildren(SoHandleEventAction* action);
   void dispatchToGrabbingSensors(SoHandleEventAction* action);
   void dropLostGrabs();
 
   mutable std::unique_ptr<Orders> computedOrders;
   int sensorHandled = 0;
+  int level = 1;                               // at which it was read or put, at least, the root's being 1
   std::vector<tessel::SoRef<VrmlNode>> grabs;  // the sensors that hold one
   bool grabbing = false;
   bool dispatchingGrab = false;

@@ -30,8 +30,9 @@ public:
   static int read(tessel::WorldReader& reader);
   /// Reads one end, `node.field`. Null if it is none; wrong names are reported.
   static SoField* readEnd(tessel::WorldReader& reader, int isEventIn);
-  /// Makes a route without sending an event. 0 if the kinds of the fields don't allow it; one that exists is
-  /// warned of and counts as made. A second source of a field goes through a VrmlFanIn.
+  /// Makes a route without sending an event. 0 if the kinds of the fields don't allow it, or with a warning if events
+  /// would have more than some thousands of routes to take one behind the other; one that exists is warned of and
+  /// counts as made. A second source of a field goes through a VrmlFanIn.
   static int add(SoField* from, SoField* to, int skipKindCheck = 0);
   /// 1 if there was such a route.
   static int remove(SoField* from, SoField* to);

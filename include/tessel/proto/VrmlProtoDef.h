@@ -107,6 +107,8 @@ public:
   std::uint64_t getBodyNodes() const { return bodyNodes; }
   /// How many nodes a traversal of an instance meets.
   std::uint64_t getExpandedNodes() const { return expandedNodes; }
+  /// How many levels of nodes such a traversal goes through.
+  int getExpandedLevels() const { return expandedLevels; }
   int getBodyLevels() const { return bodyLevels; }
   const tessel::BodyMap& getBodyMap() const;
 
@@ -131,5 +133,6 @@ private:
   std::unique_ptr<VrmlProtoDict> innerDict;
   std::uint64_t bodyNodes = 0;
   std::uint64_t expandedNodes = 0;
+  int expandedLevels = 0;
   int bodyLevels = 0;
 };

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Chains of routes, which the toolkit follows by calling itself.
+#include <tessel/core/VrmlTransform.h>
+#include <tessel/events/VrmlRoute.h>
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "support/TestWorld.h"
+
+using tessel::SoRef;
+
+namespace {
+
+class Chain : public ::testing::Test {
+protected:
+  explicit Chain(int n = 25'000) {
+    for (int i = 0; i < n; ++i) nodes.emplace_back(new VrmlTransform);
+  }
+  SoSFVec3f& field(int i) { return nodes[static_cast<std::size_t>(i)]->translation; }
+  bool route(int from, int to) { return VrmlRoute::add(&field(from), &field(to)) == 1; }
+  int size() const { return static_cast<int>(nodes.size()); }
+  /// How many nodes from the first on get an event.
+  int reach() {
+    field(0).setValue(1, 2, 3);
+    int n = 0;
+    while (n < size() && field(n).getValue()[0] == 1) ++n;
+    return n;
+  }
+
+  const tessel::test::TestWorld library{"Group {}"};
+  std::vector<SoRef<VrmlTransform>> nodes;
+};
+
+}  // namespace
+
+TEST_F(Chain, ThatIsTooLongIsCutWithAWarning) {
+  for (int i = 0; i + 1 < size(); ++i) route(i, i + 1);
+  const int reached = reach();
+  EXPECT_GE(reached, 5'000);
+  EXPECT_LE(reached, 10'001);
+  EXPECT_GE(library.messages.count("the chain of routes would be too long"), 1);
+}
+
+TEST_F(Chain, MadeFromItsEndIsCutToo) {
+  for (int i = size() - 2; i >= 0; --i) route(i, i + 1);
+  const int reached = reach();
+  EXPECT_GE(reached, 1);
+  EXPECT_LE(reached, 10'001);
+}
+
+TEST_F(Chain, WhoseNodesHaveACommonSourceIsNotCut) {
+  const int n = 4'000;
+  for (int i = 1; i < n; ++i) ASSERT_TRUE(route(0, i));
+  for (int i = n - 2; i > 0; --i) ASSERT_TRUE(route(i, i + 1));
+}
+
+TEST_F(Chain, ThatIsWideOrTurnedAgainAndAgainIsNotCut) {
+  for (int i = 1; i < 6'000; ++i) ASSERT_TRUE(route(0, i) && route(i, 8'000 + i));
+  // A loop, and a route that changes its direction.
+  ASSERT_TRUE(route(15'000, 15'001) && route(15'001, 15'002) && route(15'002, 15'000));
+  for (int i = 0; i < 12'000; ++i) {
+    const int from = 16'000 + i % 2, to = 16'001 - i % 2;
+    ASSERT_TRUE(route(from, to)) << i;
+    VrmlRoute::remove(&field(from), &field(to));
+  }
+  EXPECT_TRUE(library.messages.empty()) << library.messages.text();
+}
