@@ -11,7 +11,7 @@
 #include <Inventor/errors/SoReadError.h>
 #include <Inventor/fields/SoFieldContainer.h>
 #include <Inventor/lists/SoFieldList.h>
-#include <Inventor/nodes/SoGroup.h>
+#include <Inventor/misc/SoChildList.h>
 
 #include <tessel/core/FieldKind.h>
 #include <tessel/core/VrmlDB.h>
@@ -83,10 +83,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   // In a Script, where fields and eventOuts are variables too.
   tessel::ReadStatus status;
   const tessel::SoRef<SoNode> root(VrmlDB::read(text, "fuzzed.wrl", status, {}));
-  auto* group = static_cast<SoGroup*>(root.get());
   if (!root) __builtin_trap();
-  auto* script = static_cast<VrmlScript*>(root->isOfType(VrmlScript::getClassTypeId()) ? root.get()
-                                                                                       : group->getChild(0));
+  SoNode* const first = root->isOfType(VrmlScript::getClassTypeId()) ? root.get() : (*root->getChildren())[0];
+  auto* script = static_cast<VrmlScript*>(first);
   const std::string program = "vrmlscript:" + std::string(source);
   script->url.setValue(program.c_str());
   SoFieldList fields;

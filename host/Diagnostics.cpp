@@ -8,6 +8,7 @@
 #include <Inventor/errors/SoDebugError.h>
 #include <Inventor/errors/SoReadError.h>
 
+#include <tessel/script/ScriptReport.h>
 #include <tessel/toolkit/PlainReport.h>
 
 #include "JsonWriter.h"
@@ -16,7 +17,7 @@
 namespace tessel::host {
 namespace {
 
-constexpr const char* severityNames[] = {"error", "warning", "note"};
+constexpr const char* severityNames[] = {"error", "warning", "note", "script"};
 
 const char* nameOf(Severity severity) { return severityNames[static_cast<int>(severity)]; }
 
@@ -85,12 +86,14 @@ Diagnostics::Diagnostics(Output o)
   SoReadError::setHandlerCallback(readErrorCB, this);
   SoDebugError::setHandlerCallback(liveErrorCB, this);
   setPlainReportHandler(plainReportCB, this);
+  setScriptReportHandler(scriptReportCB, this);
 }
 
 Diagnostics::~Diagnostics() {
   SoReadError::setHandlerCallback(oldRead.function, oldRead.data);
   SoDebugError::setHandlerCallback(oldLive.function, oldLive.data);
   setPlainReportHandler(nullptr, nullptr);
+  setScriptReportHandler(nullptr, nullptr);
 }
 
 void Diagnostics::beginWorld(std::string name) {
@@ -159,6 +162,18 @@ void Diagnostics::liveErrorCB(const SoError* error, void* self) {
 void Diagnostics::plainReportCB(std::string_view text, void* self) {
   text = text.substr(0, text.find_last_not_of('\n') + 1);
   static_cast<Diagnostics*>(self)->report(Severity::warning, text);
+}
+
+void Diagnostics::scriptReportCB(const ScriptReport& report, void* self) {
+  auto& diagnostics = *static_cast<Diagnostics*>(self);
+  Message message;
+  const bool unread = report.kind == ScriptReportKind::parse || report.kind == ScriptReportKind::longToken;
+  message.severity = unread ? Severity::error : Severity::script;
+  message.file = report.file.empty() ? std::string_view(diagnostics.world) : report.file;
+  message.line = report.file.empty() ? 0 : report.line;
+  message.text = printable(report.message);
+  message.source = report.script.empty() ? "Script" : printable(report.script);
+  diagnostics.add(std::move(message));
 }
 
 void Diagnostics::add(Message message) {

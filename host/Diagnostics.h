@@ -10,11 +10,15 @@
 
 #include <Inventor/errors/SoError.h>
 
+namespace tessel {
+struct ScriptReport;
+}
+
 namespace tessel::host {
 
 class JsonWriter;
 
-enum class Severity { error, warning, note };
+enum class Severity { error, warning, note, script };
 
 /// One complaint about a world.
 struct Message {
@@ -37,9 +41,10 @@ Message parseLiveComplaint(std::string_view posted, Severity severity, std::stri
 /// `FILE:LINE: error: TEXT`, without the line where there is none.
 std::string formatted(const Message& message);
 
-/// Listens to the toolkit's read and debug errors, and to the library's plain texts, for as long as it lives, and
-/// reports them on standard error as they come: equal ones once, with their count at the end of the world. At most `maxDistinct` different
-/// ones of each severity a world, so that a hostile file can't fill memory or terminal.
+/// Listens to the toolkit's read and debug errors, to what scripts give rise to, and to the library's plain texts, for
+/// as long as it lives, and reports them on standard error as they come: equal ones once, with their count at the end
+/// of the world. At most `maxDistinct` different ones of each severity a world, so that a hostile file can't fill
+/// memory or terminal.
 class Diagnostics {
 public:
   enum class Output { quiet, normal, verbose, collectOnly };
@@ -81,6 +86,7 @@ private:
   static void readErrorCB(const SoError* error, void* self);
   static void liveErrorCB(const SoError* error, void* self);
   static void plainReportCB(std::string_view text, void* self);
+  static void scriptReportCB(const ScriptReport& report, void* self);
   void add(Message message);
   bool shown(Severity severity) const;
 
@@ -90,7 +96,7 @@ private:
   std::vector<Message> list;
   std::map<Key, std::size_t> known;
   long dropped = 0;
-  std::array<std::size_t, 3> distinct{};  // by severity
+  std::array<std::size_t, 4> distinct{};  // by severity
 };
 
 }  // namespace tessel::host

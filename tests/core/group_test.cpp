@@ -184,6 +184,7 @@ TEST(Group, EventsBuildNoDeeperWorldThanAReadDoes) {
 }
 
 TEST(Group, WithoutAChildNothingIsAdded) {
+  const TestWorld library("Group { }");
   const SoRef<VrmlGroup> group(new VrmlGroup);
   group->addChild(nullptr);
   group->insertChild(nullptr, 0);
