@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <string_view>
+
 // What the fuzz targets do with a world.
 
 #include <Inventor/SoDB.h>
@@ -16,12 +18,16 @@
 #include <tessel/actions/VrmlCountAction.h>
 #include <tessel/actions/VrmlPreTraverseAction.h>
 #include <tessel/core/VrmlDB.h>
+#include <tessel/script/ScriptReport.h>
+#include <tessel/toolkit/PlainReport.h>
 
 namespace tessel::fuzz {
 
 inline void ignore(const SoError*, void*) {}
+inline void ignoreText(std::string_view, void*) {}
+inline void ignoreReport(const ScriptReport&, void*) {}
 
-/// Starts the library, with nobody to listen to its reports.
+/// Starts the library, with nobody to listen to its reports and few steps for scripts.
 inline void start() {
   SoDB::init();
   SoInteraction::init();
@@ -29,6 +35,9 @@ inline void start() {
   SoError::setHandlerCallback(ignore, nullptr);
   SoReadError::setHandlerCallback(ignore, nullptr);
   SoDebugError::setHandlerCallback(ignore, nullptr);
+  setPlainReportHandler(ignoreText, nullptr);
+  setScriptReportHandler(ignoreReport, nullptr);
+  setScriptStepLimit(2000);
 }
 
 inline void ignoreTriangle(void*, SoCallbackAction*, const SoPrimitiveVertex*, const SoPrimitiveVertex*,

@@ -5,40 +5,19 @@
 #include <string>
 #include <string_view>
 
-#include <Inventor/SoDB.h>
-#include <Inventor/SoInteraction.h>
-#include <Inventor/errors/SoDebugError.h>
-#include <Inventor/errors/SoReadError.h>
 #include <Inventor/fields/SoFieldContainer.h>
 #include <Inventor/lists/SoFieldList.h>
 #include <Inventor/misc/SoChildList.h>
 
 #include <tessel/core/FieldKind.h>
 #include <tessel/core/VrmlDB.h>
-#include <tessel/script/ScriptReport.h>
 #include <tessel/script/VrmlScript.h>
-#include <tessel/toolkit/PlainReport.h>
 #include <tessel/toolkit/SoRef.h>
 
+#include "Traversals.h"
 #include "script/VsParseTree.h"
 
 namespace {
-
-void ignore(const SoError*, void*) {}
-void ignoreReport(const tessel::ScriptReport&, void*) {}
-void ignoreText(std::string_view, void*) {}
-
-void start() {
-  SoDB::init();
-  SoInteraction::init();
-  VrmlDB::init();
-  SoError::setHandlerCallback(ignore, nullptr);
-  SoReadError::setHandlerCallback(ignore, nullptr);
-  SoDebugError::setHandlerCallback(ignore, nullptr);
-  tessel::setPlainReportHandler(ignoreText, nullptr);
-  tessel::setScriptReportHandler(ignoreReport, nullptr);
-  tessel::setScriptStepLimit(2000);
-}
 
 // A Script with a field and an eventOut of every type that scripts know, named after it ("fSFVec3f", "oSFVec3f"),
 // and the eventIns `go` and `eSFVec3f`.
@@ -65,7 +44,7 @@ std::string world() {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const bool started = (start(), true);
+  static const bool started = (tessel::fuzz::start(), true);
   (void)started;
   static const std::string text = world();
 
