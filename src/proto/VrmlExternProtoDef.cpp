@@ -33,7 +33,20 @@ VrmlExternProtoDef::VrmlExternProtoDef() : baseURL(VrmlDB::baseURL) {
 }
 
 VrmlExternProtoDef::~VrmlExternProtoDef() {
+  unfollow();
   if (fetchInline) fetchInline->setOwner(nullptr);
+}
+
+void VrmlExternProtoDef::unfollow() {
+  if (followed) std::erase(followed->followers, this);
+  followed.reset();
+}
+
+// Alive for as long as they are told.
+std::vector<tessel::SoRef<VrmlExternProtoDef>> VrmlExternProtoDef::takeFollowers() {
+  std::vector<tessel::SoRef<VrmlExternProtoDef>> taken;
+  for (VrmlExternProtoDef* follower : std::exchange(followers, {})) taken.emplace_back(follower);
+  return taken;
 }
 
 int VrmlExternProtoDef::read(tessel::WorldReader& reader) {
@@ -87,16 +100,17 @@ void VrmlExternProtoDef::setDefinition(VrmlProtoDef* definition) {
   if (definition && definition->isOfType(getClassTypeId())) {
     auto* external = static_cast<VrmlExternProtoDef*>(definition);
     if (!external->realDef) {
+      unfollow();
       followed.reset(external);
-      external->followers.emplace_back(this);
+      external->followers.push_back(this);
       external->requestFile();
       return;
     }
     definition = external->realDef.get();
   }
   realDef.reset(definition);
-  followed.reset();
-  for (const auto& follower : std::exchange(followers, {})) follower->setDefinition(definition);
+  unfollow();
+  for (const auto& follower : takeFollowers()) follower->setDefinition(definition);
   while (realDef && !requestors.empty()) {
     const Requestor last = requestors.rbegin()->second;
     removeRequestor(*last.use);
@@ -118,7 +132,7 @@ void VrmlExternProtoDef::removeRequestor(VrmlProtoUse& use) {
 }
 
 void VrmlExternProtoDef::fetchFailed() {
-  for (const auto& follower : std::exchange(followers, {})) {
+  for (const auto& follower : takeFollowers()) {
     follower->followed.reset();
     follower->fetchFailed();
   }

@@ -55,6 +55,8 @@ protected:
   ~VrmlExternProtoDef() override;
 
 private:
+  void unfollow();
+  std::vector<tessel::SoRef<VrmlExternProtoDef>> takeFollowers();
   struct Requestor;
 
   void addRequestor(VrmlProtoUse& use, const tessel::InstancePlace& place);
@@ -62,8 +64,8 @@ private:
   void requestFile();
 
   bool fetchRequested = false;
-  tessel::SoRef<VrmlExternProtoDef> followed;                // whose real definition is ours
-  std::vector<tessel::SoRef<VrmlExternProtoDef>> followers;  // who wait for ours
+  tessel::SoRef<VrmlExternProtoDef> followed;  // whose real definition is ours
+  std::vector<VrmlExternProtoDef*> followers;  // who wait for ours; they hold us, not we them
   std::uint64_t lastNumber = 0;
   tessel::SoRef<VrmlExternProtoInline> fetchInline;
   tessel::SoRef<VrmlProtoDef> realDef;
