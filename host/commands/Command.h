@@ -6,6 +6,7 @@
 #include <vector>
 
 #include <tessel/core/VrmlDB.h>
+#include <tessel/script/VrmlScript.h>
 #include <CLI/CLI.hpp>
 
 #include "../Diagnostics.h"
@@ -31,6 +32,8 @@ protected:
     app.add_flag("--strict", readOptions.strict, "Refuse what would pass with a warning");
     app.add_flag_callback(
         "--no-network", [this] { fetchOptions.network = false; }, "Get nothing over the network");
+    app.add_flag_callback(
+        "--no-scripts", [] { VrmlScript::allEnabled = 0; }, "Leave the Scripts of the world alone");
   }
   /// The argument of the commands that take one world.
   void takeWorld() {

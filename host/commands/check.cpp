@@ -29,6 +29,7 @@ ExitStatus CheckCommand::run() {
   startLibrary();
   Diagnostics diagnostics(json ? Diagnostics::Output::collectOnly : output());
   fetchOptions.missingIsError = true;
+  readOptions.checkScripts = VrmlScript::allEnabled;
   Fetcher fetcher(diagnostics, fetchOptions);
   JsonWriter out(std::cout);
   if (json) {
@@ -41,10 +42,8 @@ ExitStatus CheckCommand::run() {
   for (const std::string& path : worlds) {
     diagnostics.beginWorld(path == "-" ? "<stdin>" : path);
     World world = fetcher.open(path, readOptions);
-    if (follow && world.good()) {
-      fetcher.settle(world.root.get(), true);
-      if (diagnostics.hasErrors()) world.status = ExitStatus::badWorld;
-    }
+    if (follow && world.good()) fetcher.settle(world.root.get(), true);
+    if (world.good() && diagnostics.hasErrors()) world.status = ExitStatus::badWorld;
     diagnostics.endWorld();
     good += world.good();
     status = std::max(status, world.status);

@@ -35,8 +35,8 @@ bool ScriptRunner::take(const SoField* field) {
                                   [field](const EventIn& one) { return one.field == field; });
   if (found == eventIns.end()) return true;
   if (found->isBusy) return false;
-  // A program that can't be parsed may never handle anything.
-  if (!isUnusable || found->waiting == 0)
+  // A program that can't be parsed may never handle anything, and one that is switched off not for a long time.
+  if ((!isUnusable && VrmlScript::allEnabled) || found->waiting == 0)
     addEventInMemo(static_cast<std::size_t>(found - eventIns.begin()), VrmlDB::getFrameTime());
   executeSensor.schedule();
   return true;
@@ -103,21 +103,28 @@ bool ScriptRunner::handle(EventIn& eventIn, const SbTime& time) {
 }
 
 // The text is that of the first url which is a program, whatever the others are.
-void ScriptRunner::parseBehavior() {
+std::unique_ptr<VsParseTree> ScriptRunner::parseProgram() {
   const auto texts = std::span(node.url.getValues(0), static_cast<std::size_t>(node.url.getNum()));
   const auto text = std::find_if(texts.begin(), texts.end(), [](const SbString& url) {
     return std::string_view(url.getString()).starts_with(prefix);
   });
-  if (text == texts.end()) return complain("No supported script format specified");
-
+  if (text == texts.end()) {
+    complain("No supported script format specified");
+    return nullptr;
+  }
   auto program = std::make_unique<VsParseTree>();
   program->setSource(node.getUrlFile().getString(), node.getUrlLine(static_cast<int>(text - texts.begin())));
-  if (!addGlobals(*program)) return;
   const std::string source = text->getString();
-  if (!program->parse(std::string_view(source).substr(prefix.size()), node.getDefName().getString())) return;
-  if (!findFunctions(*program)) return;
+  const bool good =
+      addGlobals(*program) &&
+      program->parse(std::string_view(source).substr(prefix.size()), node.getDefName().getString()) &&
+      findFunctions(*program);
+  return good ? std::move(program) : nullptr;
+}
 
-  tree = std::move(program);
+void ScriptRunner::parseBehavior() {
+  tree = parseProgram();
+  if (!tree) return;
   if (Function* initialize = tree->findFunction("initialize")) {
     ++executing;
     tree->preExecute();
@@ -155,12 +162,12 @@ bool ScriptRunner::findFunctions(VsParseTree& program) {
   return true;
 }
 
-void ScriptRunner::complainOfType(const char* kind, const SoField& field, const char* name) {
+void ScriptRunner::complainOfType(const char* kind, const SoField& field, const char* name) const {
   complain(std::string(kind) + " of type " + nameOf(valueTypeOf(field)) +
            " are not currently supported (field " + name + ")");
 }
 
-void ScriptRunner::complain(const std::string& message) {
+void ScriptRunner::complain(const std::string& message) const {
   const std::string name = node.getDefName().getString();
   const std::string whose = name.empty() ? "Unnamed Script node" : "Script node " + name;
   const int line = node.getUrlLine(0);

@@ -35,6 +35,8 @@ public:
   void execute();
   /// Calls the program's last function.
   void shutDown();
+  /// The node's program, ready to run; null, after reports, without a good one.
+  std::unique_ptr<VsParseTree> parseProgram();
 
 private:
   // An eventIn: the function of its name, the value that it is called with, and whether it runs.
@@ -56,8 +58,8 @@ private:
   void parseBehavior();
   bool addGlobals(VsParseTree& program);
   bool findFunctions(VsParseTree& program);
-  void complainOfType(const char* kind, const SoField& field, const char* name);
-  void complain(const std::string& message);
+  void complainOfType(const char* kind, const SoField& field, const char* name) const;
+  void complain(const std::string& message) const;
   void addEventInMemo(std::size_t eventIn, const SbTime& time);
   bool handle(EventIn& eventIn, const SbTime& time);
 

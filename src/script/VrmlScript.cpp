@@ -69,6 +69,8 @@ void VrmlScript::execute() {
   if (runner) runner->execute();
 }
 
+bool VrmlScript::checkProgram() { return tessel::script::ScriptRunner(*this).parseProgram() != nullptr; }
+
 // Whether a notification came from a node that the field holds.
 static bool cameFromBelow(const SoField& field, const SoNotList& list) {
   const SoNotRec* before = list.getLastRec()->getPrevious();
@@ -126,13 +128,15 @@ bool VrmlScript::readBody(tessel::WorldReader& reader) {
   const tessel::NotifyOff silence(static_cast<SoNode&>(*this));
   for (;;) {
     const std::string_view word = reader.lexer().strictName();
-    if (word.empty()) return true;
+    if (word.empty()) break;
     const Keyword* keyword = keywordNamed(word);
     if (!(keyword         ? readDeclaration(reader, *keyword)
           : word == "url" ? readUrl(reader)
                           : reader.readField(*this, word)))
       return false;
   }
+  if (reader.options().checkScripts) checkProgram();
+  return true;
 }
 
 // With the line of each string: what a program complains of is found by it.

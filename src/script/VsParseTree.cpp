@@ -4,6 +4,7 @@
 #include <limits>
 #include <utility>
 
+#include "script/CLocale.h"
 #include "script/Interpreter.h"
 #include "script/Parser.h"
 
@@ -33,6 +34,7 @@ Function* VsParseTree::findFunction(std::string_view name) {
 }
 
 bool VsParseTree::call(Function& called, std::span<const Value> arguments, Value* result) {
+  const CLocale pointsInNumbers;
   return Interpreter(*this).run(called, arguments, result);
 }
 

@@ -93,6 +93,24 @@ TEST(Check, StrictRefusesWhatPassesWithAWarning) {
   EXPECT_EQ(runTessel({"check", "--strict", "w.wrl"}).status, 1);
 }
 
+TEST(Check, ParsesScriptsWithoutRunningThem) {
+  makeFile("bad.wrl",
+           world("PROTO P [ ] {\n DEF S Script {\n  eventIn SFBool go\n  url [ \"http://x/y.vs\",\n"
+                 "   \"vrmlscript:\nfunction go() { x = ; }\" ]\n } }\n"));
+  const Outcome bad = runTessel({"check", "bad.wrl"});
+  EXPECT_EQ(bad.status, 1);
+  EXPECT_THAT(bad.err, HasSubstr("bad.wrl:7: error: Script node: "));
+  EXPECT_EQ(runTessel({"check", "--no-scripts", "bad.wrl"}).status, 0);
+
+  makeFile("good.wrl",
+           world("Script { eventIn SFBool go url \"vrmlscript: function initialize() { x = y; }\" }"));
+  EXPECT_THAT(runTessel({"check", "good.wrl"}).err, IsEmpty());
+  makeFile("java.wrl", world("DEF J Script { eventIn SFBool go url \"javascript: function go() { }\" }"));
+  const Outcome java = runTessel({"check", "java.wrl"});
+  EXPECT_EQ(java.status, 0);
+  EXPECT_EQ(java.err, "java.wrl:2: script: Script node J: No supported script format specified\n");
+}
+
 TEST(Check, QuietSaysErrorsOnly) {
   makeFile("bad.wrl", world("Groop { }"));
   makeFile("warned.wrl", "#VRML   V2.0   utf8\nGroup { }\n");

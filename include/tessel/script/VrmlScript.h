@@ -43,6 +43,10 @@ public:
   /// the notification that brought an event.
   void execute();
 
+  /// Parses the program without running any of it, and reports what is wrong with it.
+  /// @return false if the node has no program, or none that can be parsed
+  bool checkProgram();
+
   /// Declares a field or event, with the neutral value of its type. Null for a type that can't be declared.
   /// Under a name that the node has already it is nobody's business but the node's.
   SoField* addField(tessel::FieldKind kind, tessel::ValueType type, const SbName& name);
@@ -76,7 +80,6 @@ private:
 
   struct Keyword;
 
-  bool takeNotification(SoField& field, const SoNotList& list);
   static const Keyword* keywordNamed(std::string_view word);
   bool readDeclaration(tessel::WorldReader& reader, const Keyword& keyword);
   bool readUrl(tessel::WorldReader& reader);
