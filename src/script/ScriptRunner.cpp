@@ -19,6 +19,7 @@
 namespace tessel::script {
 
 static constexpr std::string_view prefix = "vrmlscript:";
+static constexpr std::size_t maxWaiting = 10000;
 
 ScriptRunner::ScriptRunner(VrmlScript& node) : node(node), executeSensor(executeSensorCB, this) {
   executeSensor.setPriority(0);
@@ -35,8 +36,9 @@ bool ScriptRunner::take(const SoField* field) {
                                   [field](const EventIn& one) { return one.field == field; });
   if (found == eventIns.end()) return true;
   if (found->isBusy) return false;
-  // A program that can't be parsed may never handle anything, and one that is switched off not for a long time.
-  if ((!isUnusable && VrmlScript::allEnabled) || found->waiting == 0)
+  // A program that can't be parsed may never handle anything, nor one that is switched off.
+  const bool keepsAll = !isUnusable && pending.size() - next < maxWaiting;
+  if (keepsAll || found->waiting == 0)
     addEventInMemo(static_cast<std::size_t>(found - eventIns.begin()), VrmlDB::getFrameTime());
   executeSensor.schedule();
   return true;
