@@ -93,10 +93,10 @@ void HttpServer::serve(int connection) {
   const long length = reply.claimed == -1 ? static_cast<long>(reply.body.size()) : reply.claimed;
   std::string answer = "HTTP/1.1 " + reply.status + "\r\nConnection: close\r\n" + reply.headers;
   if (length >= 0) answer += "Content-Length: " + std::to_string(length) + "\r\n";
+  --busy;  // before the other side knows that it may ask for the next
   sendAll(connection, answer + "\r\n" + reply.body);
   shutdown(connection, SHUT_WR);
   close(connection);
-  --busy;
 }
 
 std::string gzipped(const std::string& text) {

@@ -95,7 +95,7 @@ TEST(Network, AsksADeadServerOnce) {
 TEST(Network, HasEightOnTheirWayAtOnce) {
   std::map<std::string, Reply> replies;
   for (int i = 0; i < 30; ++i)
-    replies[std::string("/").append(std::to_string(i))] = {.body = "x", .delay = 60ms};
+    replies[std::string("/").append(std::to_string(i))] = {.body = "x", .delay = 250ms};
   HttpServer server(replies);
   Network network;
   std::vector<std::string> urls;
