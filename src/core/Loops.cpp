@@ -2,6 +2,7 @@
 #include "core/Loops.h"
 
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -28,6 +29,16 @@ struct Waiting {
 };
 Waiting& waiting() {
   static auto* const all = new Waiting;
+  return *all;
+}
+
+// Nodes that may be in loops, and what looking at them may cost and has cost, in nodes. Never destroyed either.
+struct Suspects {
+  std::unordered_set<VrmlNode*> nodes;
+  std::size_t paid = 0, lastCost = 0;
+};
+Suspects& suspects() {
+  static auto* const all = new Suspects;
   return *all;
 }
 
@@ -71,11 +82,11 @@ template <class Visit> void visitHeld(const SoNode& node, Visit visit) {
 
 using Counts = std::unordered_map<SoNode*, int>;
 
-// All that can be reached from the nodes in doubt, and how often each is held by us and from in there.
-Counts reachable(const Counts& inDoubt) {
-  Counts held = inDoubt;
+// How often each node that can be reached from some, themselves included, is held by us and from in there.
+Counts reachable(Counts start) {
+  Counts held = std::move(start);
   std::vector<const SoNode*> open;
-  for (const auto& [node, count] : inDoubt) open.push_back(node);
+  for (const auto& [node, count] : held) open.push_back(node);
   while (!open.empty()) {
     const SoNode* node = open.back();
     open.pop_back();
@@ -140,6 +151,14 @@ void clearNodeFields(SoNode& node) {
   }
 }
 
+// Of nodes that nobody outside holds, those that close loops give up what they hold.
+void cut(const Counts& dead) {
+  std::vector<SoRef<SoNode>> closing;
+  for (const auto& [node, count] : dead)
+    if (VrmlNode* ours = asVrmlNode(node); ours && ours->holdsNodesWeakly()) closing.emplace_back(ours);
+  for (const auto& node : closing) clearNodeFields(*node);
+}
+
 }  // namespace
 
 void releaseLater(VrmlNode& node) {
@@ -156,11 +175,29 @@ void releaseLoops() {
     for (const auto& node : nodes) ++inDoubt[node.get()];
     Counts held = reachable(inDoubt);
     removeLiving(held, inDoubt);
-    std::vector<SoRef<SoNode>> cut;
-    for (const auto& [node, count] : held)
-      if (VrmlNode* ours = asVrmlNode(node); ours && ours->holdsNodesWeakly()) cut.emplace_back(ours);
-    for (const auto& node : cut) clearNodeFields(*node);
+    cut(held);
   }
+}
+
+void suspectLoop(VrmlNode& script) { suspects().nodes.insert(&script); }
+void forgetSuspect(VrmlNode& script) { suspects().nodes.erase(&script); }
+
+void releaseLoopsBeforeRead(std::size_t bytes) {
+  // A read takes about as long for these bytes as a look at a node does, and some time in any case.
+  constexpr std::size_t bytesForNode = 64, forEachRead = 256;
+  releaseLoops();
+  Suspects& all = suspects();
+  if (all.nodes.empty()) return;
+  all.paid += forEachRead + bytes / bytesForNode;
+  if (all.paid < all.lastCost) return;
+  all.paid = 0;
+  Counts start;
+  for (VrmlNode* node : all.nodes) start.try_emplace(node);
+  Counts held = reachable(std::move(start));
+  all.lastCost = held.size();
+  removeLiving(held, {});
+  cut(held);
+  releaseLoops();
 }
 
 }  // namespace tessel

@@ -134,7 +134,7 @@ std::optional<tessel::SourceText> takeTextOnce(SoInput* in, std::string& complai
 std::unique_ptr<WorldReader> makeReader(std::optional<tessel::SourceText> text, const std::string& fileName,
                                         const std::string& complaint, const ReadOptions& options,
                                         ReadStatus& status) {
-  tessel::releaseLoops();  // what the last world left, where no delay queue runs
+  tessel::releaseLoopsBeforeRead(text ? text->text.size() : 0);  // what the last world left
   status = ReadStatus::failed;
   if (!text) {
     tessel::postReadError(fileName, 1, complaint);

@@ -8,6 +8,7 @@
 
 #include <tessel/toolkit/Scoped.h>
 
+#include "core/Loops.h"
 #include "core/NodeClassImpl.h"
 #include "core/WorldReader.h"
 #include "script/ScriptRunner.h"
@@ -51,7 +52,7 @@ VrmlScript::VrmlScript() {
   allFields = std::make_unique<SoFieldData>(*NodeClass::getFieldDataPtr());
 }
 
-VrmlScript::~VrmlScript() = default;
+VrmlScript::~VrmlScript() { tessel::forgetSuspect(*this); }
 
 int VrmlScript::allEnabled = 1;
 
@@ -88,11 +89,17 @@ static bool cameFromBelow(const SoField& field, const SoNotList& list) {
   }
 }
 
+static bool holdsNodes(const SoField& field) {
+  const ValueType type = tessel::valueTypeOf(field);
+  return type == ValueType::sfNode || type == ValueType::mfNode;
+}
+
 void VrmlScript::notify(SoNotList* list) {
   const SoNotRec* record = list->getLastRec();
   SoField* field = list->getLastField();
   if (isNotifyEnabled() && field && record && record->getType() == SoNotRec::CONTAINER &&
       field->getContainer() == this && !cameFromBelow(*field, *list)) {
+    if (holdsNodes(*field)) tessel::suspectLoop(*this);
     const auto kind = static_cast<FieldKind>(getFieldType(field));
     if (kind == FieldKind::eventIn) {
       if (!runner) runner = std::make_unique<tessel::script::ScriptRunner>(*this);

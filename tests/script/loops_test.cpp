@@ -98,6 +98,27 @@ TEST(Loops, AThousandWorldsLeaveNoneBehind) {
   settle();
 }
 
+// The events reach the Script's eventIn, which keeps its value, and through it a field; the world is the loop.
+TEST(Loops, ThoseThatEventsCloseEndTooWhenOtherWorldsAreRead) {
+  std::vector<std::unique_ptr<Watch>> watches;
+  for (int i = 0; i < 100; ++i) {
+    const SoRef<SoNode> root = readWorld(R"(DEF T Transform { children DEF S Script {
+      eventIn SFNode set field MFNode all [ ] url "vrmlscript: function set(n) { all = new MFNode(n); }" } })");
+    auto* script = static_cast<VrmlScript*>(SoNode::getByName("S"));
+    watches.push_back(std::make_unique<Watch>(root.get()));
+    static_cast<SoSFNode*>(script->getField("set"))->setValue(root.get());
+  }
+  const SoRef<SoNode> kept = readWorld("DEF T Transform { children DEF S Script { field SFNode f NULL } }");
+  static_cast<SoSFNode*>(static_cast<VrmlScript*>(SoNode::getByName("S"))->getField("f"))
+      ->setValue(kept.get());
+  const Watch living(kept.get());
+  for (int i = 0; i < 100; ++i) readWorld("Group { }");
+  int alive = 0;
+  for (const auto& watch : watches) alive += !watch->dead();
+  EXPECT_EQ(alive, 0);
+  EXPECT_FALSE(living.dead());
+}
+
 TEST(Loops, AWorldThatNobodyHasReferencedYetStays) {
   startLibrary();
   ReadStatus status;
