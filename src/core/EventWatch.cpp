@@ -9,6 +9,8 @@
 
 #include <tessel/core/VrmlNode.h>
 
+#include "core/PrototypeScope.h"
+
 namespace tessel {
 
 namespace {
@@ -32,8 +34,8 @@ SoField* eventOf(const VrmlNode& node, const SoNotList& list) {
   SoField* field = list.getLastField();
   if (!record || record->getType() != SoNotRec::CONTAINER || record->getBase() != &node) return nullptr;
   if (!field || field->getContainer() != &node) return nullptr;
-  // What a node does to itself while it is made or read is no event.
-  if (node.getRefCount() == 0 || !node.isNotifyEnabled()) return nullptr;
+  // What a node does to itself while it is made or read is no event, nor what is done to the nodes of an instance.
+  if (node.getRefCount() == 0 || !node.isNotifyEnabled() || PrototypeScope::openInstance) return nullptr;
   const SoNotRec* before = record->getPrevious();
   if (before && holdsNodes(*field) && !cameAlongConnection(*field, *before->getBase())) return nullptr;
   return field;

@@ -62,25 +62,49 @@ bool hasOutgoing(Node node) {
 
 enum class Outcome : std::uint8_t { done, loops, full, tooMuchWork };
 
-/// Moves a node to a level, and with it what lies in that direction of it.
+/// A node on the move, and the one that pushed it there.
+struct Moved {
+  int level;
+  Node by;
+};
+
+/// Whether a node was pushed by another, by way of any number of others.
+bool pushedBy(const std::unordered_map<Node, Moved>& moved, Node node, Node other, int& work) {
+  for (; node; node = moved.at(node).by) {
+    if (node == other) return true;
+    --work;
+  }
+  return false;
+}
+
+/// Moves a node to a level, and with it what lies in that direction of it. A route that leads the other way closes a
+/// loop and pushes nothing; nor does one whose loop shows only now, since nobody has given its nodes levels before.
 Outcome move(Node first, int level, Direction direction, Node other, int work) {
-  Levels moved;
-  std::deque<std::pair<Node, int>> open{{first, level}};
+  struct Push {
+    Node node;
+    int level;
+    Node by;
+  };
+  std::unordered_map<Node, Moved> moved;
+  std::deque<Push> open{{first, level, nullptr}};
   while (!open.empty()) {
-    const auto [node, wanted] = open.front();
+    const auto [node, wanted, by] = open.front();
     open.pop_front();
     const auto known = moved.find(node);
-    if (direction * (wanted - (known == moved.end() ? levelOf(node) : known->second)) <= 0) continue;
+    const int before = levelOf(node);
+    if (direction * (wanted - (known == moved.end() ? before : known->second.level)) <= 0) continue;
     if (node == other) return Outcome::loops;
+    if (known != moved.end() && pushedBy(moved, by, node, work)) continue;
     if (wanted * direction > highestRouteLevel) return Outcome::full;
     if (--work < 0) return Outcome::tooMuchWork;
-    moved[node] = wanted;
-    visitNeighbours(node, direction, [&, next = wanted + direction](Node neighbour) {
-      open.emplace_back(neighbour, next);
+    moved[node] = {wanted, by};
+    visitNeighbours(node, direction, [&, wanted = wanted, node = node](Node neighbour) {
+      if (direction * (levelOf(neighbour) - before) >= 0)
+        open.push_back({neighbour, wanted + direction, node});
       return true;
     });
   }
-  for (const auto& [node, l] : moved) levels()[node] = l;
+  for (const auto& [node, place] : moved) levels()[node] = place.level;
   return Outcome::done;
 }
 

@@ -2,6 +2,7 @@
 #include <tessel/events/VrmlInterpolator.h>
 
 #include <algorithm>
+#include <utility>
 
 #include <Inventor/misc/SoNotification.h>
 
@@ -81,13 +82,8 @@ void VrmlInterpolator::notify(SoNotList* list) {
 }
 
 void VrmlInterpolator::enable(int on) {
-  const bool held = enableState == EnableState::changed;
-  if (on) {
-    enableState = EnableState::enabled;
-    if (held) sendOutput();
-  } else if (!held) {
-    enableState = EnableState::disabled;
-  }
+  const auto before = std::exchange(enableState, on ? EnableState::enabled : EnableState::disabled);
+  if (on && before == EnableState::changed) sendOutput();
 }
 
 // The keys.

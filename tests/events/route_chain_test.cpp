@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Chains of routes, which the toolkit follows by calling itself.
+#include <tessel/core/VrmlGroup.h>
 #include <tessel/core/VrmlTransform.h>
 #include <tessel/events/VrmlRoute.h>
 
@@ -66,4 +67,24 @@ TEST_F(Chain, ThatIsWideOrTurnedAgainAndAgainIsNotCut) {
     VrmlRoute::remove(&field(from), &field(to));
   }
   EXPECT_TRUE(library.messages.empty()) << library.messages.text();
+}
+
+// Copied nodes come with their routes, and nobody has given them a place in a chain.
+TEST_F(Chain, ThatLeadsThroughCopiedLoopsIsNotCut) {
+  using tessel::test::TestWorld;
+  TestWorld loop(
+      "DEF G Group { children [ DEF A Transform { } DEF B Transform { } DEF C Transform { } ] } "
+      "ROUTE A.translation TO B.translation ROUTE B.translation TO C.translation ROUTE C.scale TO A.scale "
+      "ROUTE B.center TO A.center");
+  std::vector<SoRef<VrmlGroup>> copies;
+  VrmlTransform* last = nodes[0].get();
+  for (int i = 0; i < 100; ++i) {
+    copies.emplace_back(static_cast<VrmlGroup*>(VrmlNode::deepCopy(loop.get<VrmlGroup>("G"), 1)));
+    const auto child = [&](int n) { return static_cast<VrmlTransform*>(copies.back()->getChild(n)); };
+    ASSERT_TRUE(VrmlRoute::add(&last->translation, &child(0)->translation)) << i;
+    last = child(2);
+  }
+  EXPECT_TRUE(library.messages.empty()) << library.messages.text();
+  nodes[0]->translation.setValue(1, 2, 3);
+  EXPECT_EQ(last->translation.getValue(), SbVec3f(1, 2, 3));
 }

@@ -47,12 +47,18 @@ std::vector<std::string> argumentsFor(const std::string& world) {
   return arguments;
 }
 
-std::vector<fs::path> worlds() {
+std::vector<fs::path> filesNamed(const char* extension) {
   std::vector<fs::path> found;
   for (const auto& entry : fs::directory_iterator(test::testFile("host/runs")))
-    if (entry.path().extension() == ".wrl") found.push_back(entry.path());
+    if (entry.path().extension() == extension) found.push_back(entry.path());
   std::sort(found.begin(), found.end());
   return found;
+}
+std::vector<fs::path> worlds() { return filesNamed(".wrl"); }
+
+// What some of the worlds ask for.
+void makeParts() {
+  for (const fs::path& part : filesNamed(".inc")) makeFile(part.filename().string(), contentOf(part));
 }
 
 class RunsGL : public ::testing::TestWithParam<fs::path> {};
@@ -60,7 +66,7 @@ class RunsGL : public ::testing::TestWithParam<fs::path> {};
 TEST_P(RunsGL, SendTheseEventsInThisOrder) {
   const std::string text = contentOf(GetParam());
   const std::string name = makeFile(GetParam().filename().string(), text);
-  makeFile("part.inc", contentOf(test::testFile("host/runs/part.inc")));  // what some of them ask for
+  makeParts();
   makeFile("input", joined(remarks(text, "input")));
   std::vector<std::string> arguments = {"run", name, "--input", "input"};
   for (const std::string& argument : argumentsFor(text)) arguments.push_back(argument);
@@ -77,6 +83,26 @@ INSTANTIATE_TEST_SUITE_P(World, RunsGL, ::testing::ValuesIn(worlds()), [](const 
   std::replace(name.begin(), name.end(), '-', '_');
   return name;
 });
+
+TEST(RunGL, TwoRunsDrawTheSamePictures) {
+  const std::string text = contentOf(test::testFile("host/runs/machine.wrl"));
+  makeFile("machine.wrl", text);
+  makeParts();
+  makeFile("input", joined(remarks(text, "input")));
+  const auto pictures = [](const std::string& folder) {
+    const Outcome shot = runTessel({"shot", "machine.wrl", "--input", "input", "--size", "160x120", "--time",
+                                    "0.8", "--fps", "10", "--frames", folder});
+    EXPECT_EQ(shot.status, 0) << shot.err;
+    std::vector<std::string> found;
+    for (int k = 0; k <= 8; ++k)
+      found.push_back(contentOf(test::scratchDir() / folder / ("00000" + std::to_string(k) + ".png")));
+    return found;
+  };
+  const auto first = pictures("first");
+  EXPECT_TRUE(first == pictures("second")) << "another run draws something else";
+  for (std::size_t k = 2; k < first.size(); ++k)
+    EXPECT_TRUE(first[k] != first[k - 1]) << "nothing moves in picture " << k;
+}
 
 const std::string movedByInput =
     "DEF T Transform { }\nDEF U Transform { }\nROUTE T.translation TO U.translation\n";

@@ -24,7 +24,7 @@ enum class ReadStatus {
 
 /// What a host may ask of a read.
 struct ReadOptions {
-  bool strict = false;    ///< refuse what would pass with a warning
+  bool strict = false;  ///< refuse what would pass with a warning
   /// Parse the programs of Scripts as they are read, without running them, so that their errors are reported now.
   bool checkScripts = false;
   int maxNesting = 4000;  ///< levels of nodes inside nodes; deeper is an error

@@ -26,7 +26,7 @@ public:
   SoMFFloat key;           ///< exposedField, one 0: ascending fractions, one for each key value
   SoSFFloat set_fraction;  ///< eventIn, 0: where to evaluate
 
-  /// 0 holds events back; 1 lets them go again, and sends one for all that were held back.
+  /// 0 holds events back, from now on; 1 lets them go again, and sends one for all that were held back.
   void enable(int on);
   int isEnabled() const { return enableState == EnableState::enabled; }
 
