@@ -77,7 +77,7 @@ bool Interpreter::onObject(const Instruction& i) {
                                 ArgumentList(*function, window, i));
       return true;
     case Op::allocField:
-      window[i.dst] = newFieldObject(static_cast<Type>(i.aux));
+      allocField(window[i.dst], static_cast<Type>(i.aux));
       return true;
     case Op::constructField:
       if (VsField* object = objectOf(window[i.dst]))

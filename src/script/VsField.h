@@ -15,6 +15,8 @@ namespace tessel::script {
 
 /// A new value of the script's own, with the neutral value of its type; one of the types sfString to mfRotation.
 Value newFieldObject(Type type);
+/// Makes `result` such a value. The object that it holds is used again if it is of that type and nobody else's.
+void allocField(Value& result, Type type);
 /// A value over a toolkit field, `none` for a field that scripts can't hold. With `keepsNode` the node that has the
 /// field lives as long as the value.
 Value fieldObjectOver(SoField& field, bool keepsNode);
@@ -70,13 +72,17 @@ public:
     return false;
   }
 
+  /// Gives a value of the script's own the neutral value of its type again. False if it has none that can be reached
+  /// so; then a new object is made in its place.
+  virtual bool reset() { return false; }
   /// Fills a new value of the script's own with what a constructor was given.
   virtual void constructField(Arguments /*arguments*/) {}
   /// Multiples: adds one more value. False, after a report, if it is of the wrong type.
   virtual bool append(const Value& /*newValue*/) { return false; }
 
-  /// Vectors and multiples of these: copies the whole, or the element, into a value of the script's own.
-  virtual void copyVector(Value& /*target*/, std::int32_t /*element*/) const {}
+  /// Vectors and multiples of these: copies the whole, or the element, into a value of the script's own. Without such
+  /// an element it is false, and the target is a vector as it was, or a new one.
+  virtual bool copyVector(Value& /*target*/, std::int32_t /*element*/) const { return false; }
 
 protected:
   VsField() = default;

@@ -14,6 +14,10 @@ namespace tessel::script {
 /// A string, as a script's own text or over a toolkit field.
 class VsSFString : public VsField {
 public:
+  using Field = SoSFString;
+  static constexpr Type ofType = Type::sfString;
+
+  VsSFString() = default;
   explicit VsSFString(SharedText text) : own(std::move(text)) {}
   VsSFString(SoSFString& field, bool keepsNode) : VsField(&field, keepsNode) {}
 

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "script/ScriptRun.h"
 
+#include <cstdio>
+
+#include "script/VsField.h"
 #include "script/VsSFString.h"
 
 using namespace tessel::script;
@@ -22,6 +25,22 @@ std::vector<std::string> ScriptReports::messages() const {
   return list;
 }
 
+// Its type and components, as its elements show them.
+static std::string vectorText(const Value& value) {
+  static constexpr const char* names[] = {"SFVec2f", "SFVec3f", "SFRotation", "SFColor"};
+  static constexpr int counts[] = {2, 3, 4, 3};
+  const int kind = static_cast<int>(value.type()) - static_cast<int>(Type::sfVec2f);
+  std::string text = names[kind];
+  for (int i = 0; i < counts[kind]; ++i) {
+    Value component;
+    value.object()->getElement(component, -1, i);
+    char number[32];
+    std::snprintf(number, sizeof number, " %.5g", component.getTime() + 0.0);
+    text += number;
+  }
+  return text;
+}
+
 std::string written(const Value& value) {
   static constexpr const char* scalars[] = {"SFBool ", "SFInt32 ", "SFFloat ", "SFTime "};
   if (value.isScalar())
@@ -33,6 +52,11 @@ std::string written(const Value& value) {
       return "undefined";
     case Type::sfString:
       return "SFString " + std::string(VsSFString::viewOf(value));
+    case Type::sfVec2f:
+    case Type::sfVec3f:
+    case Type::sfRotation:
+    case Type::sfColor:
+      return vectorText(value);
     default:
       return "object";
   }
