@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -15,13 +17,20 @@ namespace tessel {
 
 /// Where the values stand in a vertex, in bytes. A vertex begins with its position, three floats.
 struct VertexFormat {
-  bool normals = false;       ///< three floats
-  bool shortNormals = false;  ///< not floats but three shorts, 32767 for 1, and two bytes of nothing
-  bool colors = false;        ///< four bytes: red, green, blue, alpha
-  bool texCoords = false;     ///< two floats
+  /// From the largest to the smallest.
+  enum class NormalForm : std::uint8_t {
+    floats,  ///< three
+    shorts,  ///< three, 32767 for 1, and two bytes of nothing
+    bytes    ///< three of any length, and a byte of nothing
+  };
+
+  bool normals = false;
+  NormalForm normalForm = NormalForm::floats;
+  bool colors = false;     ///< four bytes: red, green, blue, alpha
+  bool texCoords = false;  ///< two floats
 
   std::size_t normalAt() const { return 12; }
-  std::size_t colorAt() const { return !normals ? 12 : shortNormals ? 20 : 24; }
+  std::size_t colorAt() const { return normals ? 24 - 4 * static_cast<std::size_t>(normalForm) : 12; }
   std::size_t texCoordAt() const { return colorAt() + (colors ? 4 : 0); }
   std::size_t stride() const { return texCoordAt() + (texCoords ? 8 : 0); }
 
@@ -47,6 +56,31 @@ inline std::array<std::int16_t, 4> normalShorts(const SbVec3f& normal) {
     return static_cast<std::int16_t>(value * 32767 + (value < 0 ? -0.5f : 0.5f));
   };
   return {shortOf(normal[0]), shortOf(normal[1]), shortOf(normal[2]), 0};
+}
+
+/// A normal as a vertex holds it in bytes. GL makes it one long again, so of the vectors of several lengths the one
+/// nearest to its direction is taken: that lies within a third of a degree, mostly within a twentieth.
+inline std::array<std::int8_t, 4> normalBytes(const SbVec3f& normal) {
+  constexpr int longest = 127, lengths = 16;
+  const float largest = std::max({std::abs(normal[0]), std::abs(normal[1]), std::abs(normal[2])});
+  if (!(largest > 0)) return {};
+  const SbVec3f unit = normal / largest;
+  // To add and take it away rounds to a whole number: floats of this size have no digits behind the point.
+  const auto rounded = [](float value) { return value + (3 << 22) - (3 << 22); };
+  // One loop without a condition, which the compiler makes parallel, and then one for the least.
+  std::array<float, lengths> away;
+  for (int i = 0; i < lengths; ++i) {
+    const auto length = static_cast<float>(longest - i);
+    const float x = unit[0] * length, y = unit[1] * length, z = unit[2] * length;
+    const float dx = rounded(x) - x, dy = rounded(y) - y, dz = rounded(z) - z;
+    away[static_cast<std::size_t>(i)] = dx * dx + dy * dy + dz * dz;
+  }
+  int best = 0;
+  for (int i = 1; i < lengths; ++i) best = away[i] < away[best] ? i : best;
+  const auto byteOf = [=](float value) {
+    return static_cast<std::int8_t>(rounded(value * static_cast<float>(longest - best)));
+  };
+  return {byteOf(unit[0]), byteOf(unit[1]), byteOf(unit[2]), 0};
 }
 
 /// A mesh on its way into buffers.

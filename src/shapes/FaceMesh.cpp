@@ -17,7 +17,7 @@ using By = CornerIndices::By;
 // normals would make the search quadratic, and there is nothing to share at it.
 constexpr int searchLimit = 8;
 
-bool fitShorts(std::span<const SbVec3f> normals) {
+bool fitOne(std::span<const SbVec3f> normals) {
   return std::ranges::all_of(normals, [](const SbVec3f& n) {
     return std::max({std::abs(n[0]), std::abs(n[1]), std::abs(n[2])}) <= 1;
   });
@@ -37,11 +37,16 @@ FaceMesh::Key FaceMesh::keyOf(const CornerIndices& attribute) const {
   return attribute.by == By::face && !flat ? Key::face : Key::none;
 }
 
+FaceMesh::NormalForm FaceMesh::chooseNormalForm() const {
+  if (!fitOne(source.normals)) return NormalForm::floats;
+  return flat ? source.smallestNormals : std::min(source.smallestNormals, NormalForm::shorts);
+}
+
 void FaceMesh::build(const FaceMeshSource& from, Layout layout) {
   source = from;
   flat = layout == Layout::flat;
   form.normals = !source.normals.empty();
-  form.shortNormals = form.normals && source.mayRoundNormals && fitShorts(source.normals);
+  form.normalForm = chooseNormalForm();
   form.colors = !source.colors.empty();
   form.texCoords = !source.texCoords.empty();
   if (!form.normals) source.normal = {};
@@ -95,7 +100,7 @@ bool FaceMesh::refresh(const FaceMeshSource& from) {
     source = before;
     return false;
   }
-  form.shortNormals = form.normals && source.mayRoundNormals && fitShorts(source.normals);
+  form.normalForm = chooseNormalForm();
   return true;
 }
 
@@ -308,6 +313,18 @@ std::int32_t FaceMesh::texCoordOf(std::int32_t vertex) const {
   return source.texCoord(0, vertexPoint[vertex], 0);
 }
 
+/// Calls `use` with the function that makes of a normal what a vertex holds.
+template <class Use> void FaceMesh::withNormalForm(Use&& use) const {
+  switch (form.normalForm) {
+    case NormalForm::floats:
+      return use([](const SbVec3f& n) { return n; });
+    case NormalForm::shorts:
+      return use(normalShorts);
+    case NormalForm::bytes:
+      return use(normalBytes);
+  }
+}
+
 void FaceMesh::writeVertices(std::size_t first, std::size_t count, std::byte* out) const {
   const std::size_t stride = form.stride();
   const auto begin = static_cast<std::int32_t>(first), end = static_cast<std::int32_t>(first + count);
@@ -331,12 +348,11 @@ void FaceMesh::writeVertices(std::size_t first, std::size_t count, std::byte* ou
   };
   const auto color = [&](std::int32_t i) { return colorBytes(source.colors[i], source.alpha); };
   each(0, [&](std::int32_t v) { return source.points[vertexPoint[v]]; });
-  if (form.shortNormals)
+  const auto normals = [&](auto&& convert) {
     attribute(form.normalAt(), source.normal, vertexNormal,
-              [&](std::int32_t i) { return normalShorts(source.normals[i]); });
-  else if (form.normals)
-    attribute(form.normalAt(), source.normal, vertexNormal,
-              [&](std::int32_t i) { return source.normals[i]; });
+              [&](std::int32_t i) { return convert(source.normals[i]); });
+  };
+  if (form.normals) withNormalForm(normals);
   if (form.colors) attribute(form.colorAt(), source.color, vertexColor, color);
   if (form.texCoords)
     attribute(form.texCoordAt(), source.texCoord, vertexTexCoord,
@@ -348,10 +364,7 @@ void FaceMesh::writeVertices(std::size_t first, std::size_t count, std::byte* ou
     std::byte* at = out + static_cast<std::size_t>(it->vertex - begin) * stride;
     storeVertexPart(at, it->point);
     if (form.normals && source.normal.by != By::face) {
-      if (form.shortNormals)
-        storeVertexPart(at + form.normalAt(), normalShorts(it->normal));
-      else
-        storeVertexPart(at + form.normalAt(), it->normal);
+      withNormalForm([&](auto&& convert) { storeVertexPart(at + form.normalAt(), convert(it->normal)); });
     }
     if (form.colors && source.color.by != By::face) storeVertexPart(at + form.colorAt(), color(it->color));
     if (form.texCoords) storeVertexPart(at + form.texCoordAt(), it->texCoord);

@@ -31,9 +31,10 @@ struct FaceMeshSource {
   std::span<const SbVec2f> texCoords;
   CornerIndices normal, color, texCoord;
   std::uint8_t alpha = 255;  ///< goes with each color
-  /// Whether normals may become shorts. A display list takes those for floats by a rule that has no 0, so that a
-  /// face along a light would catch its highlight.
-  bool mayRoundNormals = true;
+  /// How small normals may be made. A display list takes whole numbers for floats by a rule that has no 0, so that
+  /// a face along a light would catch its highlight. Only normals of whole faces become bytes: across a face a
+  /// rounding would show in a highlight.
+  VertexFormat::NormalForm smallestNormals = VertexFormat::NormalForm::bytes;
 };
 
 /// The faces of a face set as indexed triangles.
@@ -85,6 +86,9 @@ private:
 
   bool isInReach(std::int32_t vertex);
   Key keyOf(const CornerIndices& attribute) const;
+  using NormalForm = VertexFormat::NormalForm;
+  NormalForm chooseNormalForm() const;
+  template <class Use> void withNormalForm(Use&& use) const;
   std::int32_t copyVertex(std::int32_t vertex);
   void addTriangle(std::int32_t face, std::int32_t a, std::int32_t b, std::int32_t c);
   void addFan(std::int32_t face);

@@ -74,6 +74,13 @@ bool MeshBuffers::canEndStrips(SoState* state) {
   return cc_glglue_glversion_matches_at_least(glueOf(context), 3, 1, 0) && restartFunction(context);
 }
 
+VertexFormat::NormalForm MeshBuffers::smallestNormals(SoState* state) {
+  // Older versions have no 0 in bytes, which would show; in shorts it does not.
+  const cc_glglue* const glue = glueOf(contextOf(state));
+  return cc_glglue_glversion_matches_at_least(glue, 4, 2, 0) ? VertexFormat::NormalForm::bytes
+                                                             : VertexFormat::NormalForm::shorts;
+}
+
 MeshBuffers::~MeshBuffers() {
   for (const InContext& in : contexts) {
     scheduleDelete(in.context, in.vertices);
@@ -242,7 +249,8 @@ void MeshBuffers::draw(SoState* state, unsigned primitive) const {
   glVertexPointer(3, GL_FLOAT, stride, vertices);
   if (form.normals) {
     glEnableClientState(GL_NORMAL_ARRAY);
-    glNormalPointer(form.shortNormals ? GL_SHORT : GL_FLOAT, stride, place(vertices, form.normalAt()));
+    constexpr GLenum types[] = {GL_FLOAT, GL_SHORT, GL_BYTE};
+    glNormalPointer(types[static_cast<int>(form.normalForm)], stride, place(vertices, form.normalAt()));
   }
   if (form.colors) {
     glEnableClientState(GL_COLOR_ARRAY);

@@ -34,6 +34,8 @@ public:
   void draw(SoState* state, unsigned primitive) const;
   /// Whether a context can draw a mesh with ends of strips.
   static bool canEndStrips(SoState* state);
+  /// The smallest form of normals that a context can draw.
+  static VertexFormat::NormalForm smallestNormals(SoState* state);
   /// Frees what is in memory.
   void releaseMemory();
 

@@ -197,7 +197,8 @@ bool VrmlIndexedFaceSet::prepare(SoGLRenderAction* action) {
   }
   tessel::FaceMeshSource source = meshSource(*this, *vpCache, needs, prepared);
   source.runs = runs;
-  source.mayRoundNormals = keepsOutOfLists(*this, state);
+  source.smallestNormals = keepsOutOfLists(*this, state) ? tessel::MeshBuffers::smallestNormals(state)
+                                                         : tessel::VertexFormat::NormalForm::floats;
   const bool generate = needs.normals && vpCache->generateNormals;
   if (generate) generateNormals(*this, animated, workshop->normals, source);
 

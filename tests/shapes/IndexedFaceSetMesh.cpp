@@ -240,7 +240,13 @@ std::vector<Vertex> verticesOf(const FaceMesh& mesh) {
   for (std::size_t i = 0; i < result.size(); ++i) {
     const std::byte* at = bytes.data() + i * form.stride();
     std::memcpy(&result[i].point, at, 12);
-    if (form.shortNormals) {
+    using NormalForm = tessel::VertexFormat::NormalForm;
+    if (form.normals && form.normalForm == NormalForm::bytes) {
+      std::int8_t parts[3];
+      std::memcpy(parts, at + form.normalAt(), 3);
+      result[i].normal = SbVec3f(parts[0], parts[1], parts[2]);
+      result[i].normal.normalize();
+    } else if (form.normals && form.normalForm == NormalForm::shorts) {
       std::int16_t parts[3];
       std::memcpy(parts, at + form.normalAt(), 6);
       result[i].normal = SbVec3f(parts[0], parts[1], parts[2]) / 32767;
@@ -307,6 +313,26 @@ TEST(IndexedFaceSetMesh, EveryCornerHasItsValuesInEveryBinding) {
           }
           EXPECT_EQ(at, triangles.size()) << what;
         }
+}
+
+TEST(IndexedFaceSetMesh, NormalsOfBytesKeepTheirDirection) {
+  EXPECT_EQ(normalBytes({0, 0, 0}), (std::array<std::int8_t, 4>{}));
+  std::mt19937 random(1);
+  std::normal_distribution<float> any;
+  double sum = 0;
+  constexpr int count = 10000;
+  for (int i = 0; i < count; ++i) {
+    SbVec3f normal(any(random), any(random), any(random));
+    if (i < 3) normal = SbVec3f(0, 0, 0), normal[i] = -1;
+    normal.normalize();
+    const auto bytes = normalBytes(normal);
+    SbVec3f kept(bytes[0], bytes[1], bytes[2]);
+    kept.normalize();
+    const double angle = (kept - normal).length();
+    EXPECT_LT(angle, i < 3 ? 1e-6 : 0.006) << i;
+    sum += angle;
+  }
+  EXPECT_LT(sum / count, 0.001);
 }
 
 TEST(IndexedFaceSetMesh, SharesVerticesAsFarAsTheirValuesAllow) {
