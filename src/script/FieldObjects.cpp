@@ -5,6 +5,7 @@
 #include "script/GlobalVar.h"
 #include "script/VsField.h"
 #include "script/VsSFColor.h"
+#include "script/VsSFImage.h"
 #include "script/VsSFRotation.h"
 #include "script/VsSFString.h"
 #include "script/VsSFVec.h"
@@ -27,7 +28,8 @@ template <class Object> constexpr Row row() {
 
 constexpr Row rows[] = {
     // single values
-    row<VsSFString>(), row<VsSFVec2f>(), row<VsSFVec3f>(), row<VsSFRotation>(), row<VsSFColor>(),
+    row<VsSFString>(), row<VsSFImage>(),    row<VsSFVec2f>(),
+    row<VsSFVec3f>(),  row<VsSFRotation>(), row<VsSFColor>(),
 };
 
 const Row* rowOf(Type type) {

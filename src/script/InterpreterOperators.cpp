@@ -18,8 +18,6 @@
 namespace tessel::script {
 namespace {
 
-constexpr std::size_t textLimit = std::size_t{1} << 24;
-
 void report(const char* text) { VsError::postRuntimeError("%s", text); }
 
 bool isText(const Value& value) { return value.type() == Type::sfString; }
@@ -88,11 +86,7 @@ void Interpreter::concatenate(Value& result, const Value& left, const Value& rig
                                         : SharedText(VsSFString::getStringFromScalar(left));
   const std::string number = isText(right) ? std::string() : VsSFString::getStringFromScalar(right);
   const std::string_view more = isText(right) ? VsSFString::viewOf(right) : std::string_view(number);
-  if (start.size() + more.size() > textLimit) {
-    VsError::postRuntimeError("Attempt to make a string longer than %zu characters", textLimit);
-  } else {
-    VsSFString::setResult(result, start.plus(more));
-  }
+  if (VsSFString::mayHave(start.size() + more.size())) VsSFString::setResult(result, start.plus(more));
 }
 
 void Interpreter::slowCompare(const Instruction& i) {

@@ -9,10 +9,13 @@
 
 namespace tessel::script {
 
-/// A text that never changes, and shares its characters with texts that were made by appending to it: appending to
+/// A text that shares its characters with texts that were made by appending to it: appending to
 /// the longest of them only adds characters, so a text that is built piece by piece costs what its pieces cost.
 class SharedText {
 public:
+  /// No script makes a longer one.
+  static constexpr std::size_t limit = std::size_t{1} << 24;
+
   SharedText() = default;
   explicit SharedText(std::string_view text)
       : characters(std::make_shared<std::string>(text)), length(text.size()) {}
@@ -21,6 +24,16 @@ public:
     return characters ? std::string_view(*characters).substr(0, length) : std::string_view();
   }
   std::size_t size() const { return length; }
+
+  /// Takes another text, in the same memory if nobody shares it.
+  void become(std::string_view text) {
+    if (characters && characters.use_count() == 1) {
+      characters->assign(text);
+      length = text.size();
+    } else {
+      *this = SharedText(text);
+    }
+  }
 
   SharedText plus(std::string_view more) const {
     SharedText sum;

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <memory>
+
+#include <Inventor/fields/SoSFImage.h>
+
+#include "script/VsField.h"
+
+namespace tessel::script {
+
+/// A picture, as a script's own or over a toolkit field.
+class VsSFImage : public VsField {
+public:
+  using Field = SoSFImage;
+  static constexpr Type ofType = Type::sfImage;
+
+  VsSFImage() : own(std::make_unique<SoSFImage>()) {}
+  VsSFImage(SoSFImage& field, bool keepsNode) : VsField(&field, keepsNode) {}
+
+  Type type() const override { return ofType; }
+  void postExecute(const Value& current) override;
+  void memberEvaluate(Value& result, Property property, std::string_view name) override;
+  void memberAssign(Value& holder, Property property, std::string_view name, const Value& newValue) override;
+  void constructField(Arguments arguments) override;
+
+private:
+  SoSFImage& image() const { return own ? *own : *static_cast<SoSFImage*>(liveField()); }
+  void resize(int number, std::int32_t value);
+  void readPixels(Value& result) const;
+
+  std::unique_ptr<SoSFImage> own;
+};
+
+}  // namespace tessel::script
