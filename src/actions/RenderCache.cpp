@@ -18,15 +18,19 @@ namespace tessel {
 
 namespace {
 
-// In times that the branch is drawn.
+// In frames.
 constexpr int leastPatience = 1, mostPatience = 256;
+// In times that the list is drawn.
 constexpr int longLife = 64;
+// To make a list takes as long as to draw the branch some ten times without.
+constexpr int manyUses = 12;
 
 }  // namespace
 
 void RenderCache::Release::operator()(SoGLRenderCache* list) const { list->unref(); }
 
 unsigned RenderCache::shapesMet = 0;
+unsigned RenderCache::frame = 0;
 
 RenderCache::RenderCache(int lists, int shapes)
     : capacity(lists), maxShapes(shapes), patience(leastPatience) {}
@@ -36,7 +40,20 @@ RenderCache::~RenderCache() = default;
 void RenderCache::invalidate() {
   if (!entries.empty()) learnFrom(entries.front());
   entries.clear();
-  unchanged = 0;
+  startWaiting();
+}
+
+void RenderCache::startWaiting() { unchanged = usesInFrame = 0; }
+
+void RenderCache::countUse(SoGLRenderAction* action) {
+  // Other actions tell of no frames: each use is one.
+  const bool sameFrame = lastFrame == frame && VrmlRenderAction::delayedShapesOf(action);
+  lastFrame = frame;
+  if (usesInFrame > 0 && (!sameFrame || usesInFrame == manyUses)) {
+    ++unchanged;
+    usesInFrame = 0;
+  }
+  ++usesInFrame;
 }
 
 void RenderCache::learnFrom(const Entry& entry) {
@@ -71,7 +88,8 @@ void RenderCache::open(SoGLRenderAction* action) {
   autoCacheOutside = SoGLCacheContextElement::resetAutoCacheBits(state);
   shapesBefore = shapesMet;
   // What is drawn unchanged into a list of a larger branch is ready for one when that is lost.
-  if (unchanged++ < patience || capacity <= 0 || SoCacheElement::anyOpen(state) || keptOut ||
+  countUse(action);
+  if (unchanged < patience || capacity <= 0 || SoCacheElement::anyOpen(state) || keptOut ||
       numShapes > static_cast<unsigned>(maxShapes))
     return;
   if (static_cast<int>(entries.size()) >= capacity) {
@@ -112,7 +130,7 @@ void RenderCache::close(SoGLRenderAction* action) {
   making.numShapes = numShapes;
   if (sound) {
     entries.insert(entries.begin(), std::move(making));
-    unchanged = 0;
+    startWaiting();
   }
   making = Entry();
 }

@@ -14,8 +14,9 @@ class DelayedRecording;
 /// Display lists that stand for a branch of the world, for as long as nothing in it changes.
 ///
 /// What the branch delays (see VrmlRenderAction) is recorded beside the list and delayed again whenever the list
-/// is drawn. At first a list is made when the branch has been drawn unchanged once; the shorter the lists of a branch
-/// live, the longer it must stay unchanged before the next. None is made of a branch of many shapes: lists of its
+/// is drawn. At first a list is made when the branch has been drawn unchanged in one frame, or so often in this one that
+/// it pays at once: the first picture of a world does not wait for lists. The shorter the lists of a branch live, the
+/// longer it must stay unchanged before the next. None is made of a branch of many shapes: lists of its
 /// parts are drawn as fast, and a change costs less. Nor of one in which something says by the toolkit's
 /// DONT_AUTO_CACHE that it draws better without; these marks are passed on.
 ///
@@ -44,6 +45,8 @@ public:
   void close(SoGLRenderAction* action);
   /// The branch has changed.
   void invalidate();
+  /// To be called by the action when a frame begins.
+  static void beginFrame() { ++frame; }
   /// To be called by each shape that is drawn, or delayed.
   static void countShape() { ++shapesMet; }
 
@@ -59,8 +62,11 @@ private:
     int timesDrawn = 0;
   };
   void learnFrom(const Entry& entry);
+  void countUse(SoGLRenderAction* action);
+  void startWaiting();
 
   static unsigned shapesMet;  // in all traversals so far, also in lists
+  static unsigned frame;      // a number of its own for each
 
   std::vector<Entry> entries;  // the one drawn last comes first
   Entry making;                // between open and close
@@ -71,7 +77,9 @@ private:
   int maxShapes;
   unsigned shapesBefore = 0;  // met before `open`
   unsigned numShapes = 0;     // that the branch held when it was last drawn without a list
-  int unchanged = 0;          // how often the branch was drawn without a list since it changed
+  unsigned lastFrame = 0;     // in which the branch was drawn without a list
+  int usesInFrame = 0;        // how often it was so in that frame
+  int unchanged = 0;          // how many frames before that it was so since it changed; many uses count as a frame
   int patience;               // how often it must be before a list is made
 };
 

@@ -15,6 +15,7 @@
 
 #include "actions/DelayedShapes.h"
 #include "actions/DrawScopeElement.h"
+#include "actions/RenderCache.h"
 
 SO_ACTION_SOURCE(VrmlRenderAction);
 
@@ -103,6 +104,7 @@ SbBool VrmlRenderAction::handleTransparency(SbBool isTransparent) {
 
 void VrmlRenderAction::beginTraversal(SoNode* node) {
   const tessel::ScopedValue<int> deeper(level, level + 1);
+  if (level == 1) tessel::RenderCache::beginFrame();
   // The toolkit comes here once for the frame, and from inside once for each pass and for each of its paths.
   const bool isPass = level == 2 && !isDrawingDelayed(this);
   if (!isPass) {
