@@ -110,6 +110,47 @@ void buildStrings(benchmark::State& state) {
              " local s = 'number ' .. i if s == 'number 4711' then n = n + 1 end end return n end");
 }
 
+// Beside tables of three numbers, made and read in functions as a program in Lua would.
+void vectors(benchmark::State& state) {
+  againstLua(state, 1,
+             "function run() { p = new SFVec3f(0, 0, 0); v = new SFVec3f(1, 2, 3); s = 0;"
+             " for (i = 0; i < 300000; i++) { p = p.add(v.multiply(0.5)); s = s + p.dot(v) + p.x;"
+             " if (s > 1000) { s = 0; p = new SFVec3f(0, 0, 0); } } return i; }",
+             "local function add(a, b) return {a[1] + b[1], a[2] + b[2], a[3] + b[3]} end"
+             " local function multiply(a, f) return {a[1] * f, a[2] * f, a[3] * f} end"
+             " local function dot(a, b) return a[1] * b[1] + a[2] * b[2] + a[3] * b[3] end"
+             " function run() local p, v, s, n = {0, 0, 0}, {1, 2, 3}, 0, 0 for i = 0, 299999 do"
+             " p = add(p, multiply(v, 0.5)) s = s + dot(p, v) + p[1]"
+             " if s > 1000 then s = 0 p = {0, 0, 0} end n = n + 1 end return n end");
+}
+
+// Written and read component by component.
+void components(benchmark::State& state) {
+  againstLua(state, 1,
+             "function run() { v = new SFVec3f(1, 2, 3); for (i = 0; i < 500000; i++) {"
+             " v.x = v.y + 1; v[1] = v[2] - 1; v.z = i; } return v.x; }",
+             "function run() local v = {x = 1, y = 2, z = 3} for i = 0, 499999 do"
+             " v.x = v.y + 1 v.y = v.z - 1 v.z = i end return v.x end");
+}
+
+void cutStrings(benchmark::State& state) {
+  againstLua(state, 1,
+             "function run() { s = 'the quick brown fox jumps over the lazy dog'; n = 0;"
+             " for (i = 0; i < 200000; i++) { t = s.substring(i % 20, 30); c = s.charAt(i % 40);"
+             " if (c == 'o') n = n + t.length; n = n + t.indexOf('j'); } return n; }",
+             "function run() local s, n = 'the quick brown fox jumps over the lazy dog', 0"
+             " for i = 0, 199999 do local t = s:sub(i % 20 + 1, 30) local c = s:sub(i % 40 + 1, i % 40 + 1)"
+             " if c == 'o' then n = n + #t end n = n + t:find('j', 1, true) - 1 end return n end");
+}
+
+void formatStrings(benchmark::State& state) {
+  againstLua(state, 1,
+             "function run() { n = 0; for (i = 0; i < 100000; i++)"
+             " n = n + new SFString('%d: %5.2f %s', i, i / 4, 'end').length; return n; }",
+             "function run() local n = 0 for i = 0, 99999 do"
+             " n = n + #string.format('%d: %5.2f %s', i, i / 4, 'end') end return n end");
+}
+
 // The rounding is most of the cost.
 double rounded(double x) {
   const auto seconds = static_cast<std::int32_t>(x);
@@ -135,7 +176,11 @@ BENCHMARK(wholeNumbers)->UseManualTime()->Iterations(5)->Unit(benchmark::kMillis
 BENCHMARK(calls)->UseManualTime()->Iterations(20)->Unit(benchmark::kMillisecond);
 BENCHMARK(fractions)->UseManualTime()->Iterations(5)->Unit(benchmark::kMillisecond);
 BENCHMARK(mathCalls)->UseManualTime()->Iterations(10)->Unit(benchmark::kMillisecond);
+BENCHMARK(vectors)->UseManualTime()->Iterations(10)->Unit(benchmark::kMillisecond);
+BENCHMARK(components)->UseManualTime()->Iterations(10)->Unit(benchmark::kMillisecond);
 BENCHMARK(buildStrings)->UseManualTime()->Iterations(10)->Unit(benchmark::kMillisecond);
+BENCHMARK(cutStrings)->UseManualTime()->Iterations(10)->Unit(benchmark::kMillisecond);
+BENCHMARK(formatStrings)->UseManualTime()->Iterations(10)->Unit(benchmark::kMillisecond);
 
 // Ten times the pieces in about ten times the time.
 void appending(benchmark::State& state) {

@@ -4,8 +4,9 @@
 
 #include "script/Arithmetic.h"
 #include "script/JsMath.h"
-#include "script/VsField.h"
 #include "script/VsParseTree.h"
+#include "script/VsSFColor.h"
+#include "script/VsSFVec.h"
 
 namespace tessel::script {
 
@@ -68,10 +69,42 @@ static inline bool arePlain(const Value& a, const Value& b) {
   return a.type() == Type::sfTime && b.type() == Type::sfTime;
 }
 
+// Where a component of a vector or colour of the script's own is, by its number or property; null for all else.
+template <class Which> static inline float* componentOf(const Value& vector, Which which) {
+  switch (vector.type()) {
+    case Type::sfVec2f:
+      return static_cast<VsSFVec2f*>(vector.object())->ownComponent(which);
+    case Type::sfVec3f:
+      return static_cast<VsSFVec3f*>(vector.object())->ownComponent(which);
+    case Type::sfColor:
+      return static_cast<VsSFColor*>(vector.object())->ownComponent(which);
+    default:
+      return nullptr;
+  }
+}
+
+// Sets a component, if it is there and the value is a number.
+static inline bool assignComponent(float* component, const Value& value, Value& result) {
+  if (!component || !value.isScalar()) return false;
+  *component = value.getFloat();
+  result.setFloat(*component);
+  return true;
+}
+
 bool Interpreter::loop() {
   const Instruction* pc = function->code.data();
   Value* base = window;
 
+  // Numbers of other types have their way in the loop too.
+  const auto arithMixed = [&]<Op op, bool assigns>() __attribute__((noinline)) {
+    const Instruction& i = *pc;
+    const Value& a = base[i.a];
+    const Value& b = base[i.b];
+    if (!a.isScalar() || !b.isScalar()) return slowArith(i);
+    const double x = arithmetic<op>(a.getTime(), b.getTime());
+    base[i.dst].setNumber(x, resultType(a.type(), b.type()));
+    if constexpr (assigns) base[i.c].setValue(base[i.dst]);
+  };
   const auto arith = [&]<Op op, bool assigns>() __attribute__((always_inline)) {
     const Instruction& i = *pc;
     const Value& a = base[i.a];
@@ -81,7 +114,7 @@ bool Interpreter::loop() {
       base[i.dst].setWhole(result);
       if constexpr (assigns) base[i.c].setWhole(result);
     } else {
-      slowArith(i);
+      arithMixed.template operator()<op, assigns>();
     }
     ++pc;
   };
@@ -283,12 +316,37 @@ bool Interpreter::loop() {
         base = window;
         pc = at;
         break;
-      case Op::getElement:
-        getElement(i);
+      case Op::getElement: {
+        const Value& index = base[i.b];
+        const float* component =
+            index.type() == Type::sfTime ? componentOf(base[i.a], number::truncated(index.time())) : nullptr;
+        if (component) {
+          base[i.dst].setFloat(*component);
+        } else {
+          getElement(i);
+        }
         ++pc;
         break;
-      case Op::setElement:
-        setElement(i);
+      }
+      case Op::setElement: {
+        const Value& index = base[i.b];
+        float* component =
+            index.type() == Type::sfTime ? componentOf(base[i.a], number::truncated(index.time())) : nullptr;
+        if (!assignComponent(component, base[i.c], base[i.dst])) setElement(i);
+        ++pc;
+        break;
+      }
+      case Op::getMember:
+        if (const float* component = componentOf(base[i.a], static_cast<Property>(i.aux))) {
+          base[i.dst].setFloat(*component);
+        } else {
+          onObject(i);
+        }
+        ++pc;
+        break;
+      case Op::setMember:
+        if (!assignComponent(componentOf(base[i.a], static_cast<Property>(i.aux)), base[i.c], base[i.dst]))
+          onObject(i);
         ++pc;
         break;
       case Op::callMath:

@@ -30,7 +30,7 @@ private:
   void leave();
   bool takeStep(const Instruction& instruction);
 
-  // The ways of an operation that is not done on two numbers of the plainest type. They know the instruction by
+  // The ways of an operation that is not done in the loop. They know the instruction by
   // `at`, for its line.
   void slowArith(const Instruction& instruction);
   void concatenate(Value& result, const Value& left, const Value& right);

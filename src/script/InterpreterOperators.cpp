@@ -23,19 +23,6 @@ void report(const char* text) { VsError::postRuntimeError("%s", text); }
 bool isText(const Value& value) { return value.type() == Type::sfString; }
 bool isNumberOrText(const Value& value) { return value.isScalar() || isText(value); }
 
-// The type of a result of these two numbers.
-Type resultType(Type a, Type b) {
-  for (const Type type : {Type::sfTime, Type::sfFloat, Type::sfInt32})
-    if (a == type || b == type) return type;
-  return Type::sfBool;
-}
-
-template <int... I> double arithmeticOf(Op op, double a, double b, std::integer_sequence<int, I...>) {
-  using Operation = double(double, double);
-  static constexpr Operation* table[] = {&arithmetic<static_cast<Op>(I)>...};
-  return table[static_cast<int>(op)](a, b);
-}
-
 template <int... I> bool comparisonOf(Op op, double a, double b, std::integer_sequence<int, I...>) {
   using Operation = bool(double, double);
   constexpr int first = static_cast<int>(Op::equal);
@@ -67,10 +54,7 @@ void Interpreter::slowArith(const Instruction& i) {
   if (!i.aux) checkVariable(i.a);
   checkVariable(i.b);
   if (!a.isNone() && !b.isNone()) {
-    if (a.isScalar() && b.isScalar()) {
-      const double x = arithmeticOf(op, a.getTime(), b.getTime(), std::make_integer_sequence<int, 11>());
-      result.setNumber(x, resultType(a.type(), b.type()));
-    } else if (!isNumberOrText(a) || !isNumberOrText(b)) {
+    if (!isNumberOrText(a) || !isNumberOrText(b)) {
       report(RTE_EXPR_ARITH_TYPE);
     } else if (op != Op::add) {
       report(RTE_EXPR_BAD_ARITH_OP);
@@ -104,10 +88,15 @@ void Interpreter::slowCompare(const Instruction& i) {
   } else if (a.isScalar() && b.isScalar()) {
     result.setBool(comparisonOf(op, a.getTime(), b.getTime(), all));
   } else if (isNumberOrText(a) && isNumberOrText(b)) {
-    const auto text = [](const Value& value) {
-      return isText(value) ? std::string(VsSFString::viewOf(value)) : std::to_string(value.getInt());
+    const auto number = [](const Value& value) {
+      return isText(value) ? std::string() : std::to_string(value.getInt());
     };
-    result.setBool(comparisonOf(op, text(a).compare(text(b)), 0, all));
+    const auto text = [](const Value& value, const std::string& number) {
+      return isText(value) ? VsSFString::viewOf(value) : std::string_view(number);
+    };
+    const std::string left = number(a);
+    const std::string right = number(b);
+    result.setBool(comparisonOf(op, text(a, left).compare(text(b, right)), 0, all));
   } else {
     report(RTE_EXPR_LOGIC_TYPE);
     result.clear();

@@ -40,28 +40,6 @@ std::int32_t Value::getInt() const {
   }
 }
 
-float Value::getFloat() const {
-  switch (kind) {
-    case Type::sfFloat:
-      return number.real;
-    case Type::sfTime:
-      return static_cast<float>(number.time);
-    default:
-      return static_cast<float>(number.integer);
-  }
-}
-
-double Value::getTime() const {
-  switch (kind) {
-    case Type::sfFloat:
-      return number.real;
-    case Type::sfTime:
-      return number.time;
-    default:
-      return number.integer;
-  }
-}
-
 void Value::setNumber(double x, Type like) {
   switch (like) {
     case Type::sfBool:

@@ -69,8 +69,26 @@ public:
   // Of scalars only.
   bool getBool() const;
   std::int32_t getInt() const;
-  float getFloat() const;
-  double getTime() const;
+  float getFloat() const {
+    switch (kind) {
+      case Type::sfFloat:
+        return number.real;
+      case Type::sfTime:
+        return static_cast<float>(number.time);
+      default:
+        return static_cast<float>(number.integer);
+    }
+  }
+  double getTime() const {
+    switch (kind) {
+      case Type::sfFloat:
+        return number.real;
+      case Type::sfTime:
+        return number.time;
+      default:
+        return number.integer;
+    }
+  }
 
   // What was held is given up; the value takes the setter's type.
   void setBool(bool x) {

@@ -12,6 +12,7 @@ struct ColorTraits {
   using Field = SoSFColor;
   static constexpr Type type = Type::sfColor;
   static constexpr const char* name = "SFColor";
+  static constexpr bool keepsComponents = true;
   static constexpr const char* notNumeric = RTE_EXPR_SFCOLOR_TYPE;
   static constexpr float neutral[] = {0, 0, 0};
   static constexpr Property properties[] = {Property::r, Property::g, Property::b};

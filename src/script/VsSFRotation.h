@@ -14,6 +14,7 @@ struct RotationTraits {
   using Field = SoSFRotation;
   static constexpr Type type = Type::sfRotation;
   static constexpr const char* name = "SFRotation";
+  static constexpr bool keepsComponents = false;
   static constexpr const char* notNumeric = RTE_EXPR_SFROTATION_TYPE;
   static constexpr float neutral[] = {0, 0, 0, 1};
   static constexpr Property properties[] = {Property::x, Property::y, Property::z, Property::angle};

@@ -11,6 +11,7 @@ namespace tessel::script {
 /// What SFVec2f and SFVec3f have in common.
 template <class Vector> struct VecTraits {
   using Single = Vector;
+  static constexpr bool keepsComponents = true;
   static float component(const Vector& vector, int i) { return vector[i]; }
   static void setComponent(Vector& vector, int i, float x) { vector[i] = x; }
   static Vector make(const float* numbers) { return Vector(numbers); }

@@ -16,7 +16,8 @@ namespace tessel::script {
 ///
 /// Traits tell the toolkit's `Single` and its `Field`; `type`, `name` and `notNumeric`, the report of a component that
 /// is given something else; the `properties`, one a component; the `methods`; `component(single, i)`,
-/// `setComponent(single, i, x)` and `make(numbers)`, from as many numbers as there are components.
+/// `setComponent(single, i, x)` and `make(numbers)`, from as many numbers as there are components; and whether the toolkit
+/// `keepsComponents` as they are.
 template <class Traits> class VsVector : public VsField {
 public:
   using Single = typename Traits::Single;
@@ -48,6 +49,15 @@ public:
     } else {
       own = value;
     }
+  }
+
+  /// Where a component is kept, by its number or property; null if it is not there, or not to be reached so.
+  float* ownComponent(std::int32_t i) requires Traits::keepsComponents {
+    return i >= 0 && i < count && !liveField() ? &own[i] : nullptr;
+  }
+  float* ownComponent(Property property) requires Traits::keepsComponents {
+    return ownComponent(static_cast<std::int32_t>(property) -
+                        static_cast<std::int32_t>(Traits::properties[0]));
   }
 
   /// What of a vector is true for elements of multiples too.
