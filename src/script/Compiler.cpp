@@ -21,6 +21,11 @@ bool isSimple(const Expr& expr) {
          expr.kind == ExprKind::global;
 }
 
+// Nothing happens when its object and index are evaluated.
+bool isSimpleTarget(const Expr& expr) {
+  return expr.owner != Owner::ownMATH && isSimple(*expr.a) && (!expr.b || isSimple(*expr.b));
+}
+
 bool mayGiveNone(Expr& expr) {
   const Expr& result = last(expr);
   if (isSimple(result)) return false;
@@ -399,8 +404,11 @@ void Compiler::assign(Expr& expr, bool wantsResult) {
 
   Jumps failed;
   Jumps done;
-  const bool wasChecked = checkBefore(value, target);
-  ifNone(value, failed);
+  bool wasChecked = false;
+  if (!isSimpleTarget(target)) {
+    wasChecked = checkBefore(value, target);
+    ifNone(value, failed);
+  }
   assignTo(target, -1, wasChecked, failed, &value);
   if (wantsResult) {
     emit(Op::copyResult, expr.line, resultOf(expr), resultOf(target));
@@ -435,7 +443,7 @@ void Compiler::assignTo(Expr& target, int place, bool wasChecked, Jumps& failed,
       }
       const int object = operand(*target.a);
       emit(Op::setMember, target.line, resultOf(target), object, target.index, from(),
-           static_cast<int>(target.property));
+           static_cast<int>(target.property) + (wasChecked ? isChecked : 0));
   }
 }
 

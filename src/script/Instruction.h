@@ -74,7 +74,7 @@ enum class Op : std::uint8_t {
   getElement,  ///< dst = a[b]
   setElement,  ///< a[b] = c, dst = what was assigned, or nothing
   getMember,   ///< dst = a.property; b: the member access; aux: the property
-  setMember,   ///< a.property = c, like getMember
+  setMember,   ///< a.property = c, like getMember, but nothing without c; aux: also `isChecked`
   setMathMember,   ///< reports
   acceptsCall,     ///< goes on at target `b` unless object `a` takes method `aux` with `c` arguments
   callMethod,      ///< dst = a.method aux(c arguments from argument list b)
@@ -87,6 +87,9 @@ enum class Op : std::uint8_t {
   parseInt,        ///< dst = parseInt(c arguments from argument list b)
   parseFloat,      ///< dst = parseFloat(...)
 };
+
+/// Stands above the property that is set, which has one byte: that the variable given to it has a value was looked at before.
+constexpr int isChecked = 256;
 
 struct Instruction {
   Op op = Op::end;

@@ -91,20 +91,21 @@ static inline bool assignComponent(float* component, const Value& value, Value& 
   return true;
 }
 
+// Numbers of all types. False if one is none.
+template <Op op, bool assigns> [[gnu::noinline]] static bool arithMixed(Value* base, const Instruction& i) {
+  const Value& a = base[i.a];
+  const Value& b = base[i.b];
+  if (!a.isScalar() || !b.isScalar()) return false;
+  const double x = arithmetic<op>(a.getTime(), b.getTime());
+  base[i.dst].setNumber(x, resultType(a.type(), b.type()));
+  if constexpr (assigns) base[i.c].setValue(base[i.dst]);
+  return true;
+}
+
 bool Interpreter::loop() {
   const Instruction* pc = function->code.data();
   Value* base = window;
 
-  // Numbers of other types have their way in the loop too.
-  const auto arithMixed = [&]<Op op, bool assigns>() __attribute__((noinline)) {
-    const Instruction& i = *pc;
-    const Value& a = base[i.a];
-    const Value& b = base[i.b];
-    if (!a.isScalar() || !b.isScalar()) return slowArith(i);
-    const double x = arithmetic<op>(a.getTime(), b.getTime());
-    base[i.dst].setNumber(x, resultType(a.type(), b.type()));
-    if constexpr (assigns) base[i.c].setValue(base[i.dst]);
-  };
   const auto arith = [&]<Op op, bool assigns>() __attribute__((always_inline)) {
     const Instruction& i = *pc;
     const Value& a = base[i.a];
@@ -113,8 +114,8 @@ bool Interpreter::loop() {
       const double result = number::rounded(arithmetic<op>(a.time(), b.time()));
       base[i.dst].setWhole(result);
       if constexpr (assigns) base[i.c].setWhole(result);
-    } else {
-      arithMixed.template operator()<op, assigns>();
+    } else if (!arithMixed<op, assigns>(base, i)) {
+      slowArith(i);
     }
     ++pc;
   };
@@ -344,11 +345,12 @@ bool Interpreter::loop() {
         }
         ++pc;
         break;
-      case Op::setMember:
-        if (!assignComponent(componentOf(base[i.a], static_cast<Property>(i.aux)), base[i.c], base[i.dst]))
-          onObject(i);
+      case Op::setMember: {
+        float* component = componentOf(base[i.a], static_cast<Property>(i.aux));
+        if (!assignComponent(component, base[i.c], base[i.dst]) && hasValue(i)) onObject(i);
         ++pc;
         break;
+      }
       case Op::callMath:
         callMath(i);
         ++pc;

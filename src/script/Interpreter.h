@@ -46,6 +46,7 @@ private:
   bool isIndex(const Instruction& instruction);
   void getElement(const Instruction& instruction);
   void setElement(const Instruction& instruction);
+  bool hasValue(const Instruction& instruction);
   void callMath(const Instruction& instruction);
   void parseNumber(const Instruction& instruction);
   bool onObject(const Instruction& instruction);

@@ -261,6 +261,14 @@ void Interpreter::setElement(const Instruction& i) {
   if (!holder.object()->setElement(result, holder.element(), index.getInt(), value)) result.clear();
 }
 
+// What a property is to be set to.
+bool Interpreter::hasValue(const Instruction& i) {
+  at = &i;
+  if (i.aux < isChecked) checkVariable(i.c);
+  if (window[i.c].isNone()) window[i.dst].clear();
+  return !window[i.c].isNone();
+}
+
 void Interpreter::callMath(const Instruction& i) {
   at = &i;
   double args[2] = {};

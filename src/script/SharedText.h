@@ -35,6 +35,16 @@ public:
     }
   }
 
+  /// Lets go of the text, but not of its memory if that is no more than so many characters and nobody shares it.
+  void leave(std::size_t kept) {
+    if (characters && characters.use_count() == 1 && characters->capacity() <= kept) {
+      characters->clear();
+      length = 0;
+    } else {
+      *this = SharedText();
+    }
+  }
+
   SharedText plus(std::string_view more) const {
     SharedText sum;
     if (characters && characters->size() == length) {

@@ -40,19 +40,6 @@ std::int32_t Value::getInt() const {
   }
 }
 
-void Value::setNumber(double x, Type like) {
-  switch (like) {
-    case Type::sfBool:
-      return setBool(x != 0);
-    case Type::sfInt32:
-      return setInt(number::truncated(x));
-    case Type::sfFloat:
-      return setFloat(static_cast<float>(x));
-    default:
-      return setTime(x);
-  }
-}
-
 void Value::setObject(const Value& newValue) {
   if (!isHeldByField(newValue.kind)) return;
   if (isVector(newValue.kind)) {

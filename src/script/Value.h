@@ -108,7 +108,18 @@ public:
     number.time = number::rounded(x);
   }
   /// The number in the type that a result of these operands has: sfTime, sfFloat, sfInt32 or sfBool.
-  void setNumber(double x, Type like);
+  void setNumber(double x, Type like) {
+    switch (like) {
+      case Type::sfBool:
+        return setBool(x != 0);
+      case Type::sfInt32:
+        return setInt(number::truncated(x));
+      case Type::sfFloat:
+        return setFloat(static_cast<float>(x));
+      default:
+        return setTime(x);
+    }
+  }
 
   /// Gives up what is held.
   void clear(Type without = Type::none) {

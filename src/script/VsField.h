@@ -91,7 +91,8 @@ protected:
   virtual ~VsField();
 
 private:
-  void dispose() { delete this; }
+  // When the last share goes.
+  virtual void dispose() { delete this; }
 
   std::uint32_t shares = 0;
   SoField* field = nullptr;

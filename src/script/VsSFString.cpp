@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <iterator>
 #include <utility>
 
 #include <tessel/script/RuntimeErrors.h>
@@ -34,7 +35,35 @@ std::size_t placeIn(std::string_view text, const Value& index) {
 
 }  // namespace
 
-Value VsSFString::make(std::string_view text) { return {Type::sfString, new VsSFString(SharedText(text))}; }
+// A few objects that nobody holds, with the memory of their texts, for the next ones: most strings live no longer
+// than a statement.
+static struct {
+  VsSFString* objects[32];
+  std::size_t count;
+} spare;
+
+VsSFString* VsSFString::take() { return spare.count > 0 ? spare.objects[--spare.count] : new VsSFString; }
+
+void VsSFString::dispose() {
+  if (liveField() || spare.count == std::size(spare.objects)) {
+    delete this;
+  } else {
+    own.leave(256);
+    spare.objects[spare.count++] = this;
+  }
+}
+
+Value VsSFString::make(SharedText text) {
+  VsSFString* object = take();
+  object->own = std::move(text);
+  return {ofType, object};
+}
+
+Value VsSFString::make(std::string_view text) {
+  VsSFString* object = take();
+  object->own.become(text);
+  return {ofType, object};
+}
 
 // The object that a result is put into: one that nobody else holds.
 VsSFString* VsSFString::reusable(const Value& result) {
@@ -46,7 +75,7 @@ void VsSFString::setResult(Value& result, SharedText text) {
   if (VsSFString* object = reusable(result)) {
     object->own = std::move(text);
   } else {
-    result = Value(ofType, new VsSFString(std::move(text)));
+    result = make(std::move(text));
   }
 }
 

@@ -18,9 +18,9 @@ public:
   static constexpr Type ofType = Type::sfString;
 
   VsSFString() = default;
-  explicit VsSFString(SharedText text) : own(std::move(text)) {}
   VsSFString(SoSFString& field, bool keepsNode) : VsField(&field, keepsNode) {}
 
+  static Value make(SharedText text);
   static Value make(std::string_view text);
   /// Puts a text into `result`, in the object it holds if nobody else does.
   static void setResult(Value& result, SharedText text);
@@ -47,6 +47,8 @@ public:
   void constructField(Arguments arguments) override;
 
 private:
+  static VsSFString* take();
+  void dispose() override;
   static VsSFString* reusable(const Value& result);
   void find(Value& result, bool fromEnd, Arguments arguments) const;
   void substring(Value& result, Arguments arguments) const;
