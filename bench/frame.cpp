@@ -186,6 +186,17 @@ std::string glass(int n) {
   return text + "] }\n";
 }
 
+/// Ten meshes of so many triangles one behind the other.
+std::string panes(int n) {
+  const std::string opaque = "Material { ";
+  std::string mesh = bench::faceSet(n);
+  mesh.insert(mesh.find(opaque) + opaque.size(), "transparency 0.5 ");
+  std::string text;
+  for (int i = 0; i < 10; ++i)
+    text += "Transform { translation 0 0 " + std::to_string(i) + " children [\n" + mesh + "] }\n";
+  return text;
+}
+
 /// The tree of many parts that is also read and measured in memory.
 std::string parts(int n) { return bench::textOf(bench::partTree(n)); }
 
@@ -206,7 +217,7 @@ void still(benchmark::State& state, Build build, double limit) {
   {
     bench::Duel duel(state, limit);
     for (auto _ : state) {
-      duel.rival(drawing([&] { loop.draw(build == glass); }));
+      duel.rival(drawing([&] { loop.draw(build == glass || build == panes); }));
       duel.library(drawing([&] { frame.draw(); }));
     }
   }
@@ -254,6 +265,7 @@ FRAMES(still, parts, 1.2)->Arg(20000);
 FRAMES(still, cylinders, 1.2)->Arg(20000);
 FRAMES(still, flat, 1.2)->Arg(20000);
 FRAMES(still, glass, 4)->Arg(1000);
+FRAMES(still, panes, 2)->Arg(100000);
 FRAMES(moving, parts, 1.2)->Arg(20000);
 FRAMES(moving, cylinders, 1.2)->Arg(20000);
 FRAMES(moving, flat, 3)->Arg(20000);
