@@ -79,8 +79,8 @@ private:
   unsigned numShapes = 0;     // that the branch held when it was last drawn without a list
   unsigned lastFrame = 0;     // in which the branch was drawn without a list
   int usesInFrame = 0;        // how often it was so in that frame
-  int unchanged = 0;  // how many frames before that it was so since it changed; many uses count as a frame
-  int patience;       // how often it must be before a list is made
+  int unchanged = 0;          // for how many frames before; many uses count as one
+  int patience;               // how often it must be before a list is made
 };
 
 }  // namespace tessel
