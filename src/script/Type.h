@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <initializer_list>
 
 namespace tessel::script {
 
@@ -44,12 +43,8 @@ constexpr bool isMultiple(Type type) { return type >= Type::mfInt32 && type <= T
 constexpr bool isVector(Type type) {
   return (type >= Type::sfVec2f && type <= Type::sfColor) || isElement(type);
 }
-/// The type of a number that is made of two numbers.
-constexpr Type resultType(Type a, Type b) {
-  for (const Type type : {Type::sfTime, Type::sfFloat, Type::sfInt32})
-    if (a == type || b == type) return type;
-  return Type::sfBool;
-}
+/// The type of a number that is made of two numbers: the later of theirs.
+constexpr Type resultType(Type a, Type b) { return a < b ? b : a; }
 /// The type of a single vector that an element stands for; any other type is its own.
 constexpr Type wholeOf(Type type) {
   switch (type) {

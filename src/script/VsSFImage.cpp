@@ -124,7 +124,7 @@ void VsSFImage::readPixels(Value& result) const {
     std::uint32_t pixel = 0;
     for (std::size_t c = 0; c < components; ++c) pixel = pixel << 8 | *bytes++;
     entry.setInt(static_cast<std::int32_t>(pixel));
-    result.object()->append(entry);
+    if (!result.object()->append(entry)) return;
   }
 }
 
