@@ -4,8 +4,10 @@
 
 #include "script/GlobalVar.h"
 #include "script/VsField.h"
+#include "script/VsMFields.h"
 #include "script/VsSFColor.h"
 #include "script/VsSFImage.h"
+#include "script/VsSFNode.h"
 #include "script/VsSFRotation.h"
 #include "script/VsSFString.h"
 #include "script/VsSFVec.h"
@@ -28,8 +30,22 @@ template <class Object> constexpr Row row() {
 
 constexpr Row rows[] = {
     // single values
-    row<VsSFString>(), row<VsSFImage>(),    row<VsSFVec2f>(),
-    row<VsSFVec3f>(),  row<VsSFRotation>(), row<VsSFColor>(),
+    row<VsSFString>(),
+    row<VsSFNode>(),
+    row<VsSFImage>(),
+    row<VsSFVec2f>(),
+    row<VsSFVec3f>(),
+    row<VsSFRotation>(),
+    row<VsSFColor>(),
+    // multiple values
+    row<VsMFInt32>(),
+    row<VsMFFloat>(),
+    row<VsMFString>(),
+    row<VsMFNode>(),
+    row<VsMFVec2f>(),
+    row<VsMFVec3f>(),
+    row<VsMFColor>(),
+    row<VsMFRotation>(),
 };
 
 const Row* rowOf(Type type) {

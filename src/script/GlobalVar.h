@@ -26,6 +26,8 @@ public:
   void setValue(const Value& newValue);
 
   void postExecute();
+  /// Is over its field again, which stays as it is.
+  void forgetAssigned() { held = saved; }
 
 private:
   SoField* field;

@@ -8,6 +8,7 @@
 #include "script/VsBrowser.h"
 #include "script/VsField.h"
 #include "script/VsParseTree.h"
+#include "script/VsSFNode.h"
 
 namespace tessel::script {
 namespace {
@@ -45,16 +46,22 @@ bool Interpreter::onObject(const Instruction& i) {
     case Op::getMember: {
       checkVariable(i.a);
       const Value holder = window[i.a];
-      if (VsField* object = objectOf(holder))
-        object->memberEvaluate(window[i.dst], static_cast<Property>(i.aux), tree.memberName(i.b));
+      VsMemberAccess& access = tree.memberAccess(i.b);
+      if (holder.type() == Type::sfNode)
+        static_cast<VsSFNode*>(holder.object())->readProperty(window[i.dst], access);
+      else if (VsField* object = objectOf(holder))
+        object->memberEvaluate(window[i.dst], static_cast<Property>(i.aux), access.name());
       return true;
     }
     case Op::setMember: {
       checkVariable(i.a);
       const Value holder = window[i.a];
       window[i.dst].clear();
-      if (VsField* object = objectOf(holder))
-        object->memberAssign(window[i.dst], static_cast<Property>(i.aux), tree.memberName(i.b), window[i.c]);
+      VsMemberAccess& access = tree.memberAccess(i.b);
+      if (holder.type() == Type::sfNode)
+        static_cast<VsSFNode*>(holder.object())->writeProperty(window[i.dst], access, window[i.c]);
+      else if (VsField* object = objectOf(holder))
+        object->memberAssign(window[i.dst], static_cast<Property>(i.aux), access.name(), window[i.c]);
       return true;
     }
     case Op::setMathMember:

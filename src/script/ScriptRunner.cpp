@@ -181,6 +181,7 @@ void ScriptRunner::shutDown() {
   ++executing;
   tree->allowSteps();
   if (Function* last = tree->findFunction("shutdown")) tree->call(*last, {});
+  tree->forgetAssigned();
   --executing;
 }
 

@@ -28,9 +28,10 @@ void post(ScriptReportKind kind, std::string_view message, const std::string& te
   sink.handler({kind, message, text, where.script, where.file, where.line}, sink.data);
 }
 
+script::Location whereItRuns() { return innermost ? innermost->location() : script::Location(); }
+
 void postRunning(ScriptReportKind kind, std::string_view message) {
-  const script::Location where = innermost ? innermost->location() : script::Location();
-  post(kind, message, "VrmlScript Runtime Error:\n    " + std::string(message) + "\n", where);
+  post(kind, message, "VrmlScript Runtime Error:\n    " + std::string(message) + "\n", whereItRuns());
 }
 
 }  // namespace
@@ -55,6 +56,10 @@ void VsError::postRuntimeError(const char* format, ...) {
   std::vsnprintf(text, sizeof text, format, arguments);
   va_end(arguments);
   postRunning(ScriptReportKind::runtime, text);
+}
+
+void VsError::postRunningLine(std::string_view message) {
+  post(ScriptReportKind::runtime, message, std::string(message) + "\n", whereItRuns());
 }
 
 void VsError::postStopped(std::string_view message) { postRunning(ScriptReportKind::stopped, message); }

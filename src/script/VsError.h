@@ -35,6 +35,8 @@ private:
 namespace VsError {
 
 [[gnu::format(printf, 1, 2)]] void postRuntimeError(const char* format, ...);
+/// A complaint about what runs, as a line of its own.
+void postRunningLine(std::string_view message);
 void postStopped(std::string_view message);
 void postParseError(std::string_view message, const Location& where);
 /// A Script that has no program, or none that can be run. The text is a line of its own.

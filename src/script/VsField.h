@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string_view>
@@ -32,6 +33,10 @@ class VsField {
 public:
   VsField(const VsField&) = delete;
   VsField& operator=(const VsField&) = delete;
+
+  // Objects come and go with every event; their room is used again.
+  static void* operator new(std::size_t size);
+  static void operator delete(void* room, std::size_t size);
 
   void ref() { ++shares; }
   void unref() {

@@ -47,6 +47,12 @@ void VsParseTree::allowSteps() {
 
 void VsParseTree::postExecute() {
   for (GlobalVar& variable : globals) variable.postExecute();
+  for (VsMemberAccess& access : memberAccesses) access.postExecute();
+}
+
+void VsParseTree::forgetAssigned() {
+  for (GlobalVar& variable : globals) variable.forgetAssigned();
+  for (VsMemberAccess& access : memberAccesses) access.forgetAssigned();
 }
 
 Function& VsParseTree::beginFunction(std::string name) {
@@ -60,9 +66,9 @@ int VsParseTree::globalNamed(const std::string& name) const {
   return found == globalPlaces.end() ? -1 : found->second;
 }
 
-int VsParseTree::addMemberAccess(std::string name) {
-  memberNames.push_back(std::move(name));
-  return static_cast<int>(memberNames.size()) - 1;
+int VsParseTree::addMemberAccess(const std::string& name) {
+  memberAccesses.emplace_back(name);
+  return static_cast<int>(memberAccesses.size()) - 1;
 }
 
 Location VsParseTree::locationOf(int lineEnds) const {

@@ -14,6 +14,7 @@
 #include "script/Function.h"
 #include "script/GlobalVar.h"
 #include "script/VsError.h"
+#include "script/VsMemberAccess.h"
 
 namespace tessel::script {
 
@@ -49,17 +50,19 @@ public:
   /// values goes out in `postExecute`.
   void preExecute();
   void postExecute();
+  /// Instead of `postExecute`: nothing goes out.
+  void forgetAssigned();
 
   // For the parser and the interpreter.
   Function& beginFunction(std::string name);
   int globalNamed(const std::string& name) const;
-  int addMemberAccess(std::string name);
+  int addMemberAccess(const std::string& name);
   void yyerror(std::string_view message, std::string_view line, int lineEnds);
   void postLongToken(int lineEnds);
   int errors() const { return errorCount; }
   Function& function(int index) { return functions[static_cast<std::size_t>(index)]; }
   GlobalVar& global(int index) { return globals[static_cast<std::size_t>(index)]; }
-  const std::string& memberName(int index) const { return memberNames[static_cast<std::size_t>(index)]; }
+  VsMemberAccess& memberAccess(int index) { return memberAccesses[static_cast<std::size_t>(index)]; }
   Location locationOf(int lineEnds) const;
 
   std::int64_t stepsLeft = 0;  ///< until the script is stopped
@@ -70,7 +73,7 @@ private:
   std::unordered_map<std::string, int> functionPlaces;  // of the first one of each name
   std::vector<GlobalVar> globals;
   std::unordered_map<std::string, int> globalPlaces;
-  std::vector<std::string> memberNames;
+  std::vector<VsMemberAccess> memberAccesses;
   std::string nodeName;
   std::string file;
   int firstLine = 0;

@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "script/VsField.h"
+#include "script/VsSFNode.h"
 #include "script/VsSFString.h"
 
 using namespace tessel::script;
@@ -41,10 +42,37 @@ static std::string vectorText(const Value& value) {
   return text;
 }
 
+// Its type and values: numbers as they are, strings in brackets, vectors by their components.
+static std::string multipleText(const Value& value) {
+  static constexpr const char* names[] = {"MFInt32", "MFFloat", "MFString", "MFNode",
+                                          "MFVec2f", "MFVec3f", "MFColor",  "MFRotation"};
+  std::string text = names[static_cast<int>(value.type()) - static_cast<int>(Type::mfInt32)];
+  Value count;
+  value.object()->memberEvaluate(count, Property::length, "length");
+  for (int i = 0; i < count.getInt(); ++i) {
+    Value element;
+    value.object()->getElement(element, -1, i);
+    if (isVector(element.type())) {
+      Value vector;
+      vector.setValue(element);
+      const std::string components = vectorText(vector);
+      text += " (" + components.substr(components.find(' ') + 1) + ")";
+    } else if (element.type() == Type::sfString) {
+      text += " [" + std::string(VsSFString::viewOf(element)) + "]";
+    } else if (element.type() == Type::sfNode) {
+      text += VsSFNode::nodeOf(element) ? " node" : " null";
+    } else {
+      text += ' ' + VsSFString::getStringFromScalar(element);
+    }
+  }
+  return text;
+}
+
 std::string written(const Value& value) {
   static constexpr const char* scalars[] = {"SFBool ", "SFInt32 ", "SFFloat ", "SFTime "};
   if (value.isScalar())
     return scalars[static_cast<int>(value.type())] + VsSFString::getStringFromScalar(value);
+  if (isMultiple(value.type())) return multipleText(value);
   switch (value.type()) {
     case Type::none:
       return "none";
@@ -57,6 +85,8 @@ std::string written(const Value& value) {
     case Type::sfRotation:
     case Type::sfColor:
       return vectorText(value);
+    case Type::sfNode:
+      return VsSFNode::nodeOf(value) ? "SFNode" : "SFNode null";
     default:
       return "object";
   }

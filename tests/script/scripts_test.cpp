@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // The scripts in scripts/*.vs. Each file holds cases; a case begins with the value that its function `test` gives,
-// `//= SFTime 3` (or `unparsed`, `none`), then a line `//! message` for each report in their order, then the script.
+// `//= SFTime 3` (or `unparsed`, `none`), then a line `//! message` for each report in their order, with `\n` for the end of
+// a line in it, then the script.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -35,7 +36,9 @@ std::vector<Case> casesOf(const std::filesystem::path& path) {
     if (line.starts_with("//= ")) {
       cases.push_back({path.filename().string() + ":" + std::to_string(number), line.substr(4), {}, {}});
     } else if (line.starts_with("//! ")) {
-      cases.back().reports.push_back(line.substr(4));
+      std::string report = line.substr(4);
+      if (const auto end = report.find("\\n"); end != std::string::npos) report.replace(end, 2, "\n");
+      cases.back().reports.push_back(std::move(report));
     } else if (!cases.empty()) {
       cases.back().script += line + '\n';
     }

@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#include "script/VsSFNode.h"
+
+#include <string>
+#include <utility>
+
+#include <Inventor/SbTime.h>
+
+#include <tessel/core/VrmlDB.h>
+#include <tessel/core/VrmlNode.h>
+#include <tessel/script/RuntimeErrors.h>
+
+#include "script/GlobalVar.h"
+#include "script/NodeEvents.h"
+#include "script/VsError.h"
+#include "script/VsMemberAccess.h"
+#include "script/VsSFString.h"
+
+namespace tessel::script {
+namespace {
+
+void report(const char* text, std::string_view name, const char* more = nullptr, const char* end = nullptr) {
+  std::string message = text;
+  message.append(" ").append(name);
+  for (const char* part : {more, end})
+    if (part) message.append(" ").append(part);
+  VsError::postRuntimeError("%s", message.c_str());
+}
+
+// A node whose properties can be asked for. None at all has no properties.
+VrmlNode* ownerOf(SoNode* node, const char* deed, std::string_view name) {
+  if (!node) {
+    report(RTE_FLD_SFNODE_NO_PROP, name);
+    return nullptr;
+  }
+  VrmlNode* ours = asVrmlNode(node);
+  if (!ours)
+    VsError::postRunningLine("Illegal attempt to " + std::string(deed) + " property " + std::string(name) +
+                             " of a non-VRML nodes");
+  return ours;
+}
+
+// The type that an eventIn takes as its report calls it.
+const char* complaintOf(Type type) {
+  switch (type) {
+    case Type::sfVec2f:
+      return RTE_FLD_SFNODE_SFVEC2F;
+    case Type::sfVec3f:
+      return RTE_FLD_SFNODE_SFVEC3F;
+    case Type::sfColor:
+      return RTE_FLD_SFNODE_SFCOLOR;
+    default:
+      return RTE_FLD_SFNODE_SFROTATION;
+  }
+}
+
+bool fits(Type type, const Value& newValue, std::string_view name) {
+  if (isScalar(type) ? newValue.isScalar() : newValue.type() == type) return true;
+  if (isScalar(type))
+    report(RTE_FLD_SFNODE_NON_NUMERIC, name, RTE_FLD_SFNODE_FIELD);
+  else if (isVector(type))
+    report(RTE_FLD_SFNODE_ASSIGN_VAL, name, RTE_FLD_SFNODE_FIELD, complaintOf(type));
+  else
+    report(RTE_FLD_SFNODE_BAD_TYPE, name, RTE_FLD_SFNODE_FIELD);
+  return false;
+}
+
+// A Script may make one like itself and send it an event. What happens at one time must come to an end.
+bool mayRead() {
+  constexpr int most = 5000;
+  static SbTime time;
+  static int count = 0;
+  if (const SbTime now = VrmlDB::getFrameTime(); now != time) {
+    time = now;
+    count = 0;
+  }
+  if (count < most) return ++count;
+  VsError::postRuntimeError("Scripts make nodes of more than %d texts at one time", most);
+  return false;
+}
+
+}  // namespace
+
+void VsSFNode::setResult(Value& result, SoNode* node) {
+  if (result.type() == ofType && result.object()->isUnshared() && !result.object()->liveField()) {
+    static_cast<VsSFNode*>(result.object())->own.reset(node);
+  } else {
+    result = Value(ofType, new VsSFNode(node));
+  }
+}
+
+SoRef<SoNode> VsSFNode::read(std::string_view text) {
+  if (!mayRead()) return {};
+  const std::string_view header = VrmlDB::header_v2.getString();
+  const std::string whole = (text.starts_with(header) ? "" : std::string(header) + "\n") + std::string(text);
+  ReadStatus status;
+  return SoRef<SoNode>(VrmlDB::read(whole, "", status));
+}
+
+void VsSFNode::constructField(Arguments arguments) {
+  if (arguments[0]->type() != Type::sfString) return VsError::postRuntimeError("%s", RTE_FLD_SFNODE_ARG);
+  own = read(VsSFString::viewOf(*arguments[0]));
+}
+
+void VsSFNode::postExecute(const Value& current) {
+  if (current.object()->liveField() != liveField())
+    static_cast<SoSFNode*>(liveField())->setValue(nodeOf(current));
+}
+
+void VsSFNode::readProperty(Value& result, VsMemberAccess& access) const {
+  VrmlNode* owner = ownerOf(node(), "access", access.name());
+  if (!owner) return;
+  const SoRef<VrmlNode> staying(owner);
+  const NodeEvent event = access.eventOut(*owner);
+  if (!event.field) return report(RTE_FLD_SFNODE_NO_PROP, access.name());
+  if (!event.isEventOut())
+    return report(RTE_FLD_SFNODE_NO_ACCESS, access.name(), RTE_FLD_SFNODE_NOT_EVENTOUT);
+  const Type type = typeOf(*event.field);
+  if (isScalar(type)) return readScalar(*event.field, type, result);
+  if (type == Type::undefined)
+    return VsError::postRunningLine("createField shouldn't be called for this type");
+  if (result.type() != type || result.object()->liveField() != event.field)
+    result = fieldObjectOver(*event.field, true);
+}
+
+void VsSFNode::writeProperty(Value& holder, VsMemberAccess& access, const Value& newValue) const {
+  VrmlNode* owner = ownerOf(node(), "assign to", access.name());
+  if (!owner) return;
+  const SoRef<VrmlNode> staying(owner);
+  const NodeEvent event = access.eventIn(*owner);
+  if (!event.field) return report(RTE_FLD_SFNODE_NO_PROP, access.name());
+  if (!event.isEventIn()) return report(RTE_FLD_SFNODE_NO_ASSIGN, access.name(), RTE_FLD_SFNODE_NOT_EVENTIN);
+  const Type type = typeOf(*event.field);
+  if (!fits(type, newValue, access.name())) return;
+  if (isScalar(type)) {
+    writeScalar(*event.field, type, newValue);
+    return readScalar(*event.field, type, holder);
+  }
+  Value over = fieldObjectOver(*event.field, true);
+  if (isVector(type)) {
+    over.object()->setVecValue(newValue);
+    holder = std::move(over);
+  } else {
+    access.assign(std::move(over), newValue);
+    holder.setValue(newValue);
+  }
+}
+
+}  // namespace tessel::script
