@@ -10,14 +10,11 @@
 #include "script/VsError.h"
 
 namespace tessel::script {
-namespace {
 
-constexpr const char* className = "SFImage";
-
-struct Shape {
+struct PictureShape {
   std::int32_t numbers[3];  // width, height, components
 
-  explicit Shape(const SoSFImage& image) {
+  explicit PictureShape(const SoSFImage& image) {
     SbVec2s size;
     int components = 0;
     image.getValue(size, components);
@@ -25,13 +22,14 @@ struct Shape {
     numbers[1] = size[1];
     numbers[2] = components;
   }
-  Shape(std::int32_t width, std::int32_t height, std::int32_t components)
+  PictureShape(std::int32_t width, std::int32_t height, std::int32_t components)
       : numbers{width, height, components} {}
 
   std::size_t pixels() const {
     return static_cast<std::size_t>(numbers[0]) * static_cast<std::size_t>(numbers[1]);
   }
   std::size_t components() const { return static_cast<std::size_t>(numbers[2]); }
+  std::size_t bytes() const { return pixels() * components(); }
 
   bool isBounded() const {
     constexpr std::int32_t limits[] = {32767, 32767, 4};
@@ -45,12 +43,12 @@ struct Shape {
   }
 };
 
-using Bytes = std::vector<unsigned char>;
+namespace {
 
-void give(SoSFImage& image, const Shape& shape, const Bytes& bytes) {
-  const SbVec2s size(static_cast<short>(shape.numbers[0]), static_cast<short>(shape.numbers[1]));
-  image.setValue(size, shape.numbers[2], bytes.empty() ? nullptr : bytes.data());
-}
+constexpr const char* className = "SFImage";
+
+using Shape = PictureShape;
+using Bytes = std::vector<unsigned char>;
 
 const unsigned char* bytesOf(const SoSFImage& image) {
   SbVec2s size;
@@ -66,7 +64,7 @@ std::size_t entriesOf(const Value& pixels) {
 
 // An entry is a pixel, with its last component in the lowest byte. Pixels without one are black.
 Bytes bytesFrom(const Value& pixels, const Shape& shape) {
-  Bytes bytes(shape.pixels() * shape.components());
+  Bytes bytes(shape.bytes());
   const std::size_t count = std::min(entriesOf(pixels), bytes.empty() ? 0 : shape.pixels());
   auto out = bytes.begin();
   Value entry;
@@ -93,6 +91,12 @@ int numberOf(Property property) {
 }
 
 }  // namespace
+
+void VsSFImage::give(const Shape& shape, const Bytes& bytes) {
+  const SbVec2s size(static_cast<short>(shape.numbers[0]), static_cast<short>(shape.numbers[1]));
+  image().setValue(size, shape.numbers[2], bytes.empty() ? nullptr : bytes.data());
+  if (own) room.take(bytes.size());
+}
 
 void VsSFImage::postExecute(const Value& current) {
   const SoSFImage& from = static_cast<const VsSFImage*>(current.object())->image();
@@ -142,7 +146,7 @@ void VsSFImage::memberAssign(Value& holder, Property property, std::string_view 
     VsError::postRuntimeError("%s", RTE_FLD_SFIMAGE_PIXELS);
   } else {
     holder = newValue;
-    give(image(), shape, bytesFrom(newValue, shape));
+    give(shape, bytesFrom(newValue, shape));
   }
 }
 
@@ -151,11 +155,11 @@ void VsSFImage::resize(int number, std::int32_t value) {
   const Shape before(image());
   Shape shape = before;
   shape.numbers[number] = value;
-  if (!shape.isBounded()) return;
-  Bytes bytes(shape.pixels() * shape.components());
+  if (!shape.isBounded() || !hasRoomFor(shape.bytes())) return;
+  Bytes bytes(shape.bytes());
   if (const unsigned char* old = bytesOf(image()))
-    std::copy_n(old, std::min(bytes.size(), before.pixels() * before.components()), bytes.begin());
-  give(image(), shape, bytes);
+    std::copy_n(old, std::min(bytes.size(), before.bytes()), bytes.begin());
+  give(shape, bytes);
 }
 
 void VsSFImage::constructField(Arguments arguments) {
@@ -163,7 +167,7 @@ void VsSFImage::constructField(Arguments arguments) {
     if (!arguments[i]->isScalar()) return VsError::postRuntimeError("%s", RTE_FLD_SFIMAGE_ARG13);
   if (arguments[3]->type() != Type::mfInt32) return VsError::postRuntimeError("%s", RTE_FLD_SFIMAGE_ARG4);
   const Shape shape(arguments[0]->getInt(), arguments[1]->getInt(), arguments[2]->getInt());
-  if (shape.isBounded()) give(image(), shape, bytesFrom(*arguments[3], shape));
+  if (shape.isBounded() && hasRoomFor(shape.bytes())) give(shape, bytesFrom(*arguments[3], shape));
 }
 
 }  // namespace tessel::script

@@ -2,12 +2,16 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include <Inventor/fields/SoSFImage.h>
 
+#include "script/Room.h"
 #include "script/VsField.h"
 
 namespace tessel::script {
+
+struct PictureShape;
 
 /// A picture, as a script's own or over a toolkit field.
 class VsSFImage : public VsField {
@@ -28,8 +32,11 @@ private:
   SoSFImage& image() const { return own ? *own : *static_cast<SoSFImage*>(liveField()); }
   void resize(int number, std::int32_t value);
   void readPixels(Value& result) const;
+  bool hasRoomFor(std::size_t bytes) const { return !own || room.has(bytes); }
+  void give(const PictureShape& shape, const std::vector<unsigned char>& bytes);
 
   std::unique_ptr<SoSFImage> own;
+  Room room;
 };
 
 }  // namespace tessel::script

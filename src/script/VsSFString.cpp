@@ -88,7 +88,7 @@ void VsSFString::setResult(Value& result, std::string_view text) {
 }
 
 bool VsSFString::mayHave(std::size_t size) {
-  if (size <= SharedText::limit) return true;
+  if (size <= SharedText::limit) return Room::hasMore(size);
   VsError::postRuntimeError("Attempt to make a string longer than %zu characters", SharedText::limit);
   return false;
 }
@@ -175,11 +175,13 @@ void VsSFString::substring(Value& result, Arguments arguments) const {
     VsError::postRuntimeError("%s", RTE_FLD_SUBSTRING_INDEX);
     return setResult(result, std::string_view());
   }
-  setResult(result, text.substr(static_cast<std::size_t>(first), static_cast<std::size_t>(last - first)));
+  const auto size = static_cast<std::size_t>(last - first);
+  if (mayHave(size)) setResult(result, text.substr(static_cast<std::size_t>(first), size));
 }
 
 // Letters of English, whatever language the host speaks.
 void VsSFString::changeCase(Value& result, char first, char last, int distance) const {
+  if (!mayHave(view().size())) return;
   std::string text(view());
   for (char& c : text)
     if (c >= first && c <= last) c = static_cast<char>(c + distance);

@@ -31,7 +31,7 @@ public:
   }
   /// A number as a script shows it, which is how strings and numbers are put together.
   static std::string getStringFromScalar(const Value& scalar);
-  /// Whether a string may have that many characters; reports it if not.
+  /// Whether one more string may have that many characters; reports it if not.
   static bool mayHave(std::size_t size);
 
   Type type() const override { return Type::sfString; }

@@ -134,4 +134,19 @@ TEST(ScriptValues, FormatsThatWouldWriteToMemoryOnlyWarn) {
   EXPECT_EQ(heard, warning + warning);
 }
 
+// Each expression keeps its result. What they take together is given back with the script.
+TEST(ScriptValues, TakeSoMuchMemoryTogetherAndNoMore) {
+  const std::string start = "function test() { s = 'xxxxxxxx'; for (i = 0; i < 20; i++) s = s + s;";
+  std::string many;
+  for (int i = 0; i < 34; ++i) many += "s.toUpperCase();";
+  const ScriptReports reports;
+  EXPECT_EQ(resultOf(start + many + "return s.length; }"), "SFInt32 8388608");
+  ASSERT_FALSE(reports.heard.empty());
+  EXPECT_EQ(reports.heard[0].message, "Attempt to take more than 268435456 bytes for values of scripts");
+
+  const ScriptReports none;
+  EXPECT_EQ(resultOf(start + "return s.toUpperCase().charAt(8388607); }"), "SFString X");
+  EXPECT_TRUE(none.heard.empty());
+}
+
 }  // namespace
