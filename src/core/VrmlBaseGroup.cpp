@@ -493,7 +493,7 @@ void VrmlBaseGroup::notify(SoNotList* list) {
   if (record && (record->getType() == SoNotRec::CONTAINER || record->getType() == SoNotRec::PARENT)) {
     const SoNode* source =
         list->getFirstRecAtNode() ? static_cast<SoNode*>(list->getFirstRecAtNode()->getBase()) : nullptr;
-    const bool structural = field ? field->isOfType(VrmlMFChildren::getClassTypeId())
+    const bool structural = field ? field->getTypeId() == VrmlMFChildren::getClassTypeId()
                                   : source && source->isOfType(VrmlNode::getClassTypeId()) &&
                                         static_cast<const VrmlNode*>(source)->holdsChildren();
     if (structural) kidType = tessel::KidType::notComputed;

@@ -45,14 +45,6 @@ namespace {
 
 SoSFTime* realTime() { return static_cast<SoSFTime*>(SoDB::getGlobalField("realTime")); }
 
-// The node whose field an event changed last. One that came along routes began elsewhere.
-SoNode* changedNode(const VrmlNotifySensor& sensor) {
-  const SoField* field = sensor.getTriggerField();
-  SoFieldContainer* holder = field ? field->getContainer() : nullptr;
-  const bool held = holder && holder->isOfType(SoNode::getClassTypeId());
-  return held ? static_cast<SoNode*>(holder) : sensor.getTriggerNode();
-}
-
 // What a node is to the scene manager.
 enum class Role : std::uint8_t { unknown, none, camera, binding, transform, anchor, inlined, group };
 
@@ -69,9 +61,9 @@ Role findRole(SoType type) {
 }
 
 // Remembered, since every event asks, and the toolkit walks up a class's ancestors to tell.
-Role roleOf(const SoNode* node) {
+Role roleOf(const SoBase* object) {
   static std::vector<Role> known;
-  const SoType type = node->getTypeId();
+  const SoType type = object->getTypeId();
   const auto key = static_cast<std::size_t>(type.getKey());
   if (key >= known.size()) known.resize(key + 1, Role::unknown);
   if (known[key] == Role::unknown) known[key] = findRole(type);
@@ -362,12 +354,10 @@ void VrmlSceneManager::notifyHandlerCB(void* data, SoSensor* sensor) {
   const auto* source = static_cast<const VrmlNotifySensor*>(sensor);
   manager->scheduleRedraw();
   if (!manager->moveSensor.isScheduled() && manager->viewpointMayMove()) manager->moveSensor.schedule();
-  SoField* field = source->getTriggerField();
-  SoNode* node = changedNode(*source);
-  if (!node) return;
-  if (field)
-    manager->fieldChanged(node, field);
-  else
+  // An event that came along routes began at another node than the one whose field it changed last.
+  if (SoField* field = source->getTriggerField())
+    manager->fieldChanged(field);
+  else if (SoNode* node = source->getTriggerNode())
     manager->structureChanged(node);
 }
 
@@ -403,11 +393,12 @@ void VrmlSceneManager::checkViewpointMoved() {
     viewpointManager->updateSceneCamera(viewpoint, 1, 0);
 }
 
-void VrmlSceneManager::fieldChanged(SoNode* node, SoField* field) {
+void VrmlSceneManager::fieldChanged(SoField* field) {
+  SoFieldContainer* const holder = field->getContainer();
   if (field->getTypeId() == VrmlMFChildren::getClassTypeId())
     bindingsDirty = true;
-  else if (roleOf(node) == Role::binding)
-    bindingFieldChanged(static_cast<VrmlBindingNode*>(node), field);
+  else if (holder && roleOf(holder) == Role::binding)
+    bindingFieldChanged(static_cast<VrmlBindingNode*>(holder), field);
 }
 
 void VrmlSceneManager::bindingFieldChanged(VrmlBindingNode* node, SoField* field) {

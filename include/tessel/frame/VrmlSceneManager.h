@@ -127,7 +127,7 @@ private:
   void checkSoundTraversal();
   bool viewpointMayMove() const;
   void checkViewpointMoved();
-  void fieldChanged(SoNode* node, SoField* field);
+  void fieldChanged(SoField* field);
   void bindingFieldChanged(VrmlBindingNode* node, SoField* field);
   void structureChanged(SoNode* node);
   bool serveAnchor(VrmlAnchor* anchor) const;
