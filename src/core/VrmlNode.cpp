@@ -163,6 +163,7 @@ SoField* VrmlNode::getFieldAt(int index) {
 }
 
 void VrmlNode::listFields(SoFieldList& list) const { getFields(list); }
+bool VrmlNode::findFieldName(const SoField* field, SbName& name) const { return getFieldName(field, name); }
 void VrmlNode::listHeldNodes(std::vector<SoNode*>&) const {}
 
 SoNode* VrmlNode::addToCopyDict() const {

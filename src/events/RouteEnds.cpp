@@ -18,6 +18,15 @@ FieldKind kindOf(const SoField* field) {
   return node ? static_cast<FieldKind>(node->getFieldType(field)) : FieldKind::internal;
 }
 
+SbName fieldName(const SoField& field) {
+  SbName name = SbName::empty();
+  if (const VrmlNode* node = vrmlNodeOf(&field))
+    node->findFieldName(&field, name);
+  else if (const SoFieldContainer* container = field.getContainer())
+    container->getFieldName(&field, name);
+  return name;
+}
+
 std::string givenName(const SoBase& base) {
   if (base.isOfType(VrmlNode::getClassTypeId())) {
     const SbName& exact = static_cast<const VrmlNode&>(base).getDefName();

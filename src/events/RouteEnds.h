@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include <Inventor/SbName.h>
+
 #include <tessel/core/FieldKind.h>
 
 class SoBase;
@@ -15,6 +17,8 @@ namespace tessel {
 VrmlNode* vrmlNodeOf(const SoField* field);
 /// The kind of a field of a VRML node.
 FieldKind kindOf(const SoField* field);
+/// The name of a field, empty if it has none. A look at a name leaves instances of prototypes as they are.
+SbName fieldName(const SoField& field);
 /// The name that somebody gave a node: as its DEF has it, else as the toolkit has it; may be empty.
 std::string givenName(const SoBase& base);
 

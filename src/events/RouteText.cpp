@@ -37,8 +37,7 @@ constexpr End source = {FieldKind::eventOut, "eventOut", "", "_changed"};
 constexpr End destination = {FieldKind::eventIn, "eventIn", "set_", ""};
 
 std::string eventName(const SoField& field, const End& end) {
-  SbName name;
-  field.getContainer()->getFieldName(&field, name);
+  const SbName name = tessel::fieldName(field);
   if (kindOf(&field) != FieldKind::exposedField) return name.getString();
   return std::string(end.prefix) + name.getString() + std::string(end.suffix);
 }

@@ -54,9 +54,8 @@ bool isOnNode(const SoField* field) {
 std::string endName(const SoField* end) {
   const SoFieldContainer* container = end->getContainer();
   const std::string node = container ? tessel::givenName(*container) : std::string();
-  SbName field;
-  if (!container || !container->getFieldName(end, field)) field = "<UNKNOWN>";
-  return (node.empty() ? "<NONAME>" : node) + '.' + field.getString();
+  const SbName field = tessel::fieldName(*end);
+  return (node.empty() ? "<NONAME>" : node) + '.' + (field.getLength() > 0 ? field.getString() : "<UNKNOWN>");
 }
 
 void warnOfDuplicate(const SoField* from, const SoField* to) {

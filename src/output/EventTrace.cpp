@@ -91,10 +91,10 @@ struct EventTrace::State : EventWatch {
     const std::size_t dot = wanted.rfind('.');
     const VrmlNode* node = dot == std::string::npos ? nullptr : names.find(wanted.substr(0, dot));
     SoFieldList fields;
-    if (node) node->getFields(fields);
+    if (node) node->listFields(fields);
     SbName name;
     for (int i = 0; i < fields.getLength(); ++i)
-      if (node->getFieldName(fields[i], name) &&
+      if (node->findFieldName(fields[i], name) &&
           isNameOf(name.getString(), static_cast<FieldKind>(node->getFieldType(fields[i])),
                    wanted.substr(dot + 1)))
         return true;
@@ -105,7 +105,7 @@ struct EventTrace::State : EventWatch {
     const auto kind = static_cast<FieldKind>(node.getFieldType(&field));
     if (kind != FieldKind::exposedField && kind != FieldKind::eventOut && kind != FieldKind::eventIn) return;
     SbName fieldName;
-    if (!node.getFieldName(&field, fieldName)) return;
+    if (!node.findFieldName(&field, fieldName)) return;
     // A node without a name may get one before the events are handed on.
     const std::string_view known = names.knownName(node);
     if (!known.empty() && !isSelected(known, fieldName.getString(), kind)) return;

@@ -311,6 +311,12 @@ void VrmlProtoUse::listFields(SoFieldList& list) const {
   for (int i = 0; i < data->fields.size(); ++i) list.append(&data->fields[i]);
 }
 
+bool VrmlProtoUse::findFieldName(const SoField* field, SbName& name) const {
+  const int i = data->fields.indexOf(field);
+  if (i >= 0) name = data->fields.item(i).name;
+  return i >= 0;
+}
+
 const SoFieldData* VrmlProtoUse::getFieldData() const {
   auto& self = const_cast<VrmlProtoUse&>(*this);
   for (int i = 0; i < data->fields.size(); ++i) self.connectField(i, both);

@@ -2,6 +2,8 @@
 // Names of nodes, and events as they are told, where the program's own runs do not reach.
 #include <gtest/gtest.h>
 
+#include <Inventor/lists/SoFieldList.h>
+
 #include <tessel/core/VrmlGroup.h>
 #include <tessel/core/VrmlTransform.h>
 #include <tessel/output/EventTrace.h>
@@ -121,6 +123,26 @@ TEST_F(Traced, WhatIsNoEventIsNotTold) {
   transform->scale.setValue(2, 2, 2);
   transform->scale.setValue(2, 2, 2);
   EXPECT_EQ(told.take(), "T.scale 2 2 2\nT.scale 2 2 2\n") << "an event is one though the value stays";
+}
+
+// A field of an instance is connected with the body when it is first needed, which is dear.
+TEST_F(Traced, RoutesAndTracesConnectNothingElseOfAnInstance) {
+  TestWorld world(
+      "PROTO P [ exposedField SFVec3f idle 1 1 1 eventIn SFVec3f set_place eventOut SFVec3f place_changed ] {"
+      "  Transform { scale IS idle set_translation IS set_place translation_changed IS place_changed } }"
+      "DEF FROM Transform { } DEF I P { } DEF TO Transform { }"
+      "ROUTE FROM.translation TO I.set_place ROUTE I.place_changed TO TO.translation");
+  use(world);
+  Told told(names);
+  told.trace.select("I.nothing");
+  world.get<VrmlTransform>("FROM")->translation.setValue(1, 2, 3);
+  EXPECT_NE(told.take().find("I.place_changed 1 2 3"), std::string::npos);
+  EXPECT_EQ(told.trace.unknownSelections(), std::vector<std::string>{"I.nothing"});
+  SoFieldList ends;
+  auto* instance = world.get<VrmlNode>("I");
+  for (const int field : {0, 1, 2})
+    EXPECT_EQ(instance->getFieldAt(field)->getForwardConnections(ends), field > 0);
+  EXPECT_TRUE(world.messages.empty()) << world.messages.text();
 }
 
 }  // namespace

@@ -118,6 +118,8 @@ public:
   virtual SoField* getFieldAt(int index);
   /// Appends the fields, for who only looks at the values that they hold.
   virtual void listFields(SoFieldList& list) const;
+  /// Finds the name of a field, for who only wants to tell of it; false if it is not the node's.
+  virtual bool findFieldName(const SoField* field, SbName& name) const;
 
   /// Appends nodes that the node keeps alive otherwise than as children or in fields.
   virtual void listHeldNodes(std::vector<SoNode*>& list) const;

@@ -73,6 +73,7 @@ public:
   int getFieldIndex(const SoField* field) const override;
   SoField* getFieldAt(int index) override;
   void listFields(SoFieldList& list) const override;
+  bool findFieldName(const SoField* field, SbName& name) const override;
   void listHeldNodes(std::vector<SoNode*>& list) const override;
 
   SoNode* addToCopyDict() const override;
