@@ -14,6 +14,7 @@
 #include <tessel/toolkit/Scoped.h>
 
 #include "core/DeepCopy.h"
+#include "core/EventWatch.h"
 #include "core/NodeClassImpl.h"
 #include "core/WorldReader.h"
 #include "proto/BodyMap.h"
@@ -213,6 +214,8 @@ void VrmlProtoUse::makeBody() {
   if (!copies.empty()) addChild(copies.front().get());
   for (std::size_t i = 0; i < data->connected.size(); ++i)
     if (data->connected[i]) connectField(static_cast<int>(i), std::exchange(data->connected[i], 0));
+  // Who watches events is to hear of all that an instance sends, also where no route takes it on.
+  for (int i = 0; tessel::EventWatch::any() && i < data->fields.size(); ++i) connectField(i, out);
 }
 
 // Copying.
