@@ -23,7 +23,7 @@ template <> void VsSFColor::methodCall(Value& result, Method method, Arguments a
     Value number;
     for (const float x : hsv) {
       number.setFloat(x);
-      if (isHeldByField(result.type())) result.object()->append(number);
+      result.object()->append(number);
     }
     return;
   }

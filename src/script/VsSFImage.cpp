@@ -8,6 +8,7 @@
 
 #include "script/FieldErrors.h"
 #include "script/VsError.h"
+#include "script/VsMFields.h"
 
 namespace tessel::script {
 
@@ -56,21 +57,16 @@ const unsigned char* bytesOf(const SoSFImage& image) {
   return image.getValue(size, components);
 }
 
-std::size_t entriesOf(const Value& pixels) {
-  Value length;
-  pixels.object()->memberEvaluate(length, Property::length, "length");
-  return static_cast<std::size_t>(length.getInt());
-}
+std::size_t entriesOf(const Value& pixels) { return static_cast<std::size_t>(VsMFInt32::countOf(pixels)); }
 
 // An entry is a pixel, with its last component in the lowest byte. Pixels without one are black.
 Bytes bytesFrom(const Value& pixels, const Shape& shape) {
   Bytes bytes(shape.bytes());
   const std::size_t count = std::min(entriesOf(pixels), bytes.empty() ? 0 : shape.pixels());
   auto out = bytes.begin();
-  Value entry;
+  const auto& entries = *static_cast<const VsMFInt32*>(pixels.object());
   for (std::size_t i = 0; i < count; ++i) {
-    pixels.object()->getElement(entry, -1, static_cast<std::int32_t>(i));
-    const auto pixel = static_cast<std::uint32_t>(entry.getInt());
+    const auto pixel = static_cast<std::uint32_t>(entries.at(static_cast<int>(i)));
     for (std::size_t c = shape.components(); c-- > 0;) *out++ = static_cast<unsigned char>(pixel >> (8 * c));
   }
   return bytes;
@@ -119,7 +115,6 @@ void VsSFImage::memberEvaluate(Value& result, Property property, std::string_vie
 
 void VsSFImage::readPixels(Value& result) const {
   allocField(result, Type::mfInt32);
-  if (result.isNone()) return;
   const Shape shape(image());
   const unsigned char* bytes = bytesOf(image());
   const std::size_t components = bytes ? shape.components() : 0;
