@@ -151,6 +151,24 @@ void formatStrings(benchmark::State& state) {
              " n = n + #string.format('%d: %5.2f %s', i, i / 4, 'end') end return n end");
 }
 
+void numberLists(benchmark::State& state) {
+  againstLua(state, 1,
+             "function run() { s = 0; for (k = 0; k < 20; k++) { m = new MFFloat();"
+             " for (i = 0; i < 10000; i++) m[i] = i; for (i = 0; i < 10000; i++) s += m[i]; } return s; }",
+             "function run() local s = 0 for k = 1, 20 do local m = {}"
+             " for i = 1, 10000 do m[i] = i - 1 end for i = 1, 10000 do s = s + m[i] end end return s end");
+}
+
+void vectorLists(benchmark::State& state) {
+  againstLua(state, 1,
+             "function run() { s = 0; for (k = 0; k < 20; k++) { m = new MFVec3f();"
+             " for (i = 0; i < 10000; i++) m[i] = new SFVec3f(i, 1, 2);"
+             " for (i = 0; i < 10000; i++) s += m[i][0]; } return s; }",
+             "function run() local s = 0 for k = 1, 20 do local m = {}"
+             " for i = 1, 10000 do m[i] = {i - 1, 1, 2} end for i = 1, 10000 do s = s + m[i][1] end end"
+             " return s end");
+}
+
 // The rounding is most of the cost.
 double rounded(double x) {
   const auto seconds = static_cast<std::int32_t>(x);
@@ -176,6 +194,8 @@ BENCHMARK(wholeNumbers)->UseManualTime()->Iterations(5)->Unit(benchmark::kMillis
 BENCHMARK(calls)->UseManualTime()->Iterations(20)->Unit(benchmark::kMillisecond);
 BENCHMARK(fractions)->UseManualTime()->Iterations(5)->Unit(benchmark::kMillisecond);
 BENCHMARK(mathCalls)->UseManualTime()->Iterations(10)->Unit(benchmark::kMillisecond);
+BENCHMARK(numberLists)->UseManualTime()->Iterations(10)->Unit(benchmark::kMillisecond);
+BENCHMARK(vectorLists)->UseManualTime()->Iterations(10)->Unit(benchmark::kMillisecond);
 BENCHMARK(vectors)->UseManualTime()->Iterations(10)->Unit(benchmark::kMillisecond);
 BENCHMARK(components)->UseManualTime()->Iterations(10)->Unit(benchmark::kMillisecond);
 BENCHMARK(buildStrings)->UseManualTime()->Iterations(10)->Unit(benchmark::kMillisecond);
@@ -191,6 +211,15 @@ void appending(benchmark::State& state) {
   state.SetComplexityN(state.range(0));
 }
 BENCHMARK(appending)->RangeMultiplier(10)->Range(1000, 1000000)->Complexity(benchmark::oAuto);
+
+void appendingToList(benchmark::State& state) {
+  const std::string text = "function run() { m = new MFFloat(); for (i = 0; i < " +
+                           std::to_string(state.range(0)) + "; i++) m[m.length] = i; return m.length; }";
+  Script script(text);
+  for (auto _ : state) benchmark::DoNotOptimize(script.run());
+  state.SetComplexityN(state.range(0));
+}
+BENCHMARK(appendingToList)->RangeMultiplier(10)->Range(1000, 1000000)->Complexity(benchmark::oAuto);
 
 // A script of 10,000 lines, beside a look at each of its characters.
 void parsing(benchmark::State& state) {

@@ -4,6 +4,7 @@
 
 #include "script/Arithmetic.h"
 #include "script/JsMath.h"
+#include "script/VsMFields.h"
 #include "script/VsParseTree.h"
 #include "script/VsSFColor.h"
 #include "script/VsSFVec.h"
@@ -81,6 +82,13 @@ template <class Which> static inline float* componentOf(const Value& vector, Whi
     default:
       return nullptr;
   }
+}
+
+// The same for an element of floats too. To be written, it may be a new one behind the last.
+template <bool isWritten = false> static inline float* elementOf(const Value& array, std::int32_t i) {
+  if (array.type() != Type::mfFloat) return componentOf(array, i);
+  auto* floats = static_cast<VsMFFloat*>(array.object());
+  return isWritten ? floats->ownElementOrNext(i) : floats->ownElement(i);
 }
 
 // Sets a component, if it is there and the value is a number.
@@ -320,7 +328,7 @@ bool Interpreter::loop() {
       case Op::getElement: {
         const Value& index = base[i.b];
         const float* component =
-            index.type() == Type::sfTime ? componentOf(base[i.a], number::truncated(index.time())) : nullptr;
+            index.type() == Type::sfTime ? elementOf(base[i.a], number::truncated(index.time())) : nullptr;
         if (component) {
           base[i.dst].setFloat(*component);
         } else {
@@ -331,8 +339,9 @@ bool Interpreter::loop() {
       }
       case Op::setElement: {
         const Value& index = base[i.b];
-        float* component =
-            index.type() == Type::sfTime ? componentOf(base[i.a], number::truncated(index.time())) : nullptr;
+        float* component = index.type() == Type::sfTime && base[i.c].isScalar()
+                               ? elementOf<true>(base[i.a], number::truncated(index.time()))
+                               : nullptr;
         if (!assignComponent(component, base[i.c], base[i.dst])) setElement(i);
         ++pc;
         break;

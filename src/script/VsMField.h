@@ -66,6 +66,19 @@ public:
     }
   }
 
+  /// The element of a value of the script's own, if it is there.
+  Stored* ownElement(std::int32_t i) {
+    const auto place = static_cast<std::size_t>(i);  // far beyond the end if it is below 0
+    return !liveField() && place < own.size() ? &own[place] : nullptr;
+  }
+  /// The same, or a new one behind the last if there is room.
+  Stored* ownElementOrNext(std::int32_t i) {
+    const auto place = static_cast<std::size_t>(i);
+    if (!liveField() && place == own.size() && place < own.capacity() && i < Traits::most)
+      own.push_back(Traits::neutral());
+    return ownElement(i);
+  }
+
   Type type() const override { return ofType; }
   bool keepsNodes() const override { return ofType == Type::mfNode || VsField::keepsNodes(); }
   void postExecute(const Value& current) override;

@@ -28,15 +28,15 @@ void report(const char* text, std::string_view name, const char* more = nullptr,
 }
 
 // A node whose properties can be asked for. None at all has no properties.
-VrmlNode* ownerOf(SoNode* node, const char* deed, std::string_view name) {
+VrmlNode* ownerOf(SoNode* node, const char* deed, const VsMemberAccess& access) {
   if (!node) {
-    report(RTE_FLD_SFNODE_NO_PROP, name);
+    report(RTE_FLD_SFNODE_NO_PROP, access.name());
     return nullptr;
   }
   VrmlNode* ours = asVrmlNode(node);
   if (!ours)
-    VsError::postRunningLine("Illegal attempt to " + std::string(deed) + " property " + std::string(name) +
-                             " of a non-VRML nodes");
+    VsError::postRunningLine("Illegal attempt to " + std::string(deed) + " property " +
+                             std::string(access.name()) + " of a non-VRML nodes");
   return ours;
 }
 
@@ -54,8 +54,9 @@ const char* complaintOf(Type type) {
   }
 }
 
-bool fits(Type type, const Value& newValue, std::string_view name) {
+bool fits(Type type, const Value& newValue, const VsMemberAccess& access) {
   if (isScalar(type) ? newValue.isScalar() : newValue.type() == type) return true;
+  const std::string_view name = access.name();
   if (isScalar(type))
     report(RTE_FLD_SFNODE_NON_NUMERIC, name, RTE_FLD_SFNODE_FIELD);
   else if (isVector(type))
@@ -108,7 +109,7 @@ void VsSFNode::postExecute(const Value& current) {
 }
 
 void VsSFNode::readProperty(Value& result, VsMemberAccess& access) const {
-  VrmlNode* owner = ownerOf(node(), "access", access.name());
+  VrmlNode* owner = ownerOf(node(), "access", access);
   if (!owner) return;
   const SoRef<VrmlNode> staying(owner);
   const NodeEvent event = access.eventOut(*owner);
@@ -124,14 +125,14 @@ void VsSFNode::readProperty(Value& result, VsMemberAccess& access) const {
 }
 
 void VsSFNode::writeProperty(Value& holder, VsMemberAccess& access, const Value& newValue) const {
-  VrmlNode* owner = ownerOf(node(), "assign to", access.name());
+  VrmlNode* owner = ownerOf(node(), "assign to", access);
   if (!owner) return;
   const SoRef<VrmlNode> staying(owner);
   const NodeEvent event = access.eventIn(*owner);
   if (!event.field) return report(RTE_FLD_SFNODE_NO_PROP, access.name());
   if (!event.isEventIn()) return report(RTE_FLD_SFNODE_NO_ASSIGN, access.name(), RTE_FLD_SFNODE_NOT_EVENTIN);
   const Type type = typeOf(*event.field);
-  if (!fits(type, newValue, access.name())) return;
+  if (!fits(type, newValue, access)) return;
   if (isScalar(type)) {
     writeScalar(*event.field, type, newValue);
     return readScalar(*event.field, type, holder);
