@@ -46,6 +46,16 @@ public:
     glFinish();
   }
 
+  /// Gives GL the camera.
+  void loadMatrices() const {
+    SbMatrix viewing, projection;
+    camera->getViewVolume(float(width) / height).getMatrices(viewing, projection);
+    glMatrixMode(GL_PROJECTION);
+    glLoadMatrixf(projection[0]);
+    glMatrixMode(GL_MODELVIEW);
+    glLoadMatrixf(viewing[0]);
+  }
+
   static void clear() {
     context().makeCurrent();
     glEnable(GL_DEPTH_TEST);

@@ -333,13 +333,8 @@ public:
       if (smooth) v.normal.normalize();
   }
 
-  void draw(const SoPerspectiveCamera& camera) const {
-    SbMatrix viewing, projection;
-    camera.getViewVolume(1).getMatrices(viewing, projection);
-    glMatrixMode(GL_PROJECTION);
-    glLoadMatrixf(projection[0]);
-    glMatrixMode(GL_MODELVIEW);
-    glLoadMatrixf(viewing[0]);
+  void draw(const Frame& frame) const {
+    frame.loadMatrices();
     glEnable(GL_LIGHTING);
     for (const GLenum array : {GL_VERTEX_ARRAY, GL_NORMAL_ARRAY}) glEnableClientState(array);
     glVertexPointer(3, GL_FLOAT, sizeof(Vertex), &vertices.data()->point);
@@ -380,7 +375,7 @@ void points(benchmark::State& state) {
       duel.rival([&] {
         Frame::clear();
         plain.compute(static_cast<float>(frames % 300) / 300);
-        plain.draw(*frame.getCamera());
+        plain.draw(frame);
         return plain.someHeight();
       });
       duel.library([&] {

@@ -129,19 +129,10 @@ const Kind kinds[] = {{"flat", [](int n) { return torus(n, ""); }},
                       {"mixed", mixed},
                       {"concave", concave}};
 
-void loadMatrices(const SoPerspectiveCamera& camera) {
-  SbMatrix viewing, projection;
-  camera.getViewVolume(1).getMatrices(viewing, projection);
-  glMatrixMode(GL_PROJECTION);
-  glLoadMatrixf(projection[0]);
-  glMatrixMode(GL_MODELVIEW);
-  glLoadMatrixf(viewing[0]);
-}
-
 /// The rival: the same triangles with the same values in a display list of one glDrawElements, vertices shared.
 class DisplayList {
 public:
-  explicit DisplayList(const Frame& frame) : camera(frame.getCamera()) {
+  explicit DisplayList(const Frame& f) : frame(f) {
     SoCallbackAction collect;
     collect.addTriangleCallback(
         VrmlIndexedFaceSet::getClassTypeId(),
@@ -165,7 +156,7 @@ public:
   ~DisplayList() { glDeleteLists(list, 1); }
 
   void draw() const {
-    loadMatrices(*camera);
+    frame.loadMatrices();
     glEnable(GL_LIGHTING);
     glEnable(GL_COLOR_MATERIAL);
     glCallList(list);
@@ -199,7 +190,7 @@ private:
     }
   }
 
-  const SoPerspectiveCamera* camera;
+  const Frame& frame;
   std::unordered_map<Vertex, GLuint, SameBytes, SameBytes> numbers;
   std::vector<Vertex> vertices;
   std::vector<GLuint> index;
@@ -274,21 +265,10 @@ void blend(const std::vector<SbVec3f>& from, const std::vector<SbVec3f>& to, flo
   for (std::size_t i = 0; i < from.size(); ++i) out[i] = from[i] + (to[i] - from[i]) * at;
 }
 
-/// The least that shows points in motion: plain loops that blend them and compute the normals of faces and points, and
-/// one glDrawElements.
-class PlainLoops {
-public:
-  PlainLoops(const Frame& frame, std::vector<SbVec3f> a, std::vector<SbVec3f> b)
-      : camera(frame.getCamera()),
-        from(std::move(a)),
-        to(std::move(b)),
-        points(from.size()),
-        normals(from.size()) {
-    const auto* mesh = static_cast<VrmlIndexedFaceSet*>(SoNode::getByName("MESH"));
-    const int* index = mesh->coordIndex.getValues(0);
-    for (int i = 0; i < mesh->coordIndex.getNum(); i += 5)
-      for (int k = 0; k < 4; ++k) corners.push_back(static_cast<GLuint>(index[i + k]));
-  }
+/// The least that must be computed for points in motion: the blend, the normals of the faces, those of the points.
+struct PlainLoops {
+  std::vector<SbVec3f> from, to, points = from, normals = from;
+  std::vector<GLuint> corners = cornersOf(*static_cast<VrmlIndexedFaceSet*>(SoNode::getByName("MESH")));
 
   void move(float at) {
     blend(from, to, at, points.data());
@@ -301,9 +281,9 @@ public:
     for (SbVec3f& n : normals) n.normalize();
   }
 
-  void draw() const {
+  void draw(const Frame& frame) const {
     Frame::clear();
-    loadMatrices(*camera);
+    frame.loadMatrices();
     glEnable(GL_LIGHTING);
     for (const GLenum array : {GL_VERTEX_ARRAY, GL_NORMAL_ARRAY}) glEnableClientState(array);
     glVertexPointer(3, GL_FLOAT, 0, points.data());
@@ -314,9 +294,12 @@ public:
   }
 
 private:
-  const SoPerspectiveCamera* camera;
-  std::vector<SbVec3f> from, to, points, normals;
-  std::vector<GLuint> corners;
+  static std::vector<GLuint> cornersOf(const VrmlIndexedFaceSet& quads) {
+    std::vector<GLuint> result;
+    for (int i = 0; i < quads.coordIndex.getNum(); ++i)
+      if (quads.coordIndex[i] >= 0) result.push_back(static_cast<GLuint>(quads.coordIndex[i]));
+    return result;
+  }
 };
 
 /// A mesh that finds its own normals, whose points move in every frame.
@@ -327,14 +310,14 @@ void moving(benchmark::State& state, const char* fields) {
   auto to = from;
   for (SbVec3f& p : to) p *= 1.1f;
   SoMFVec3f& point = static_cast<VrmlCoordinate*>(SoNode::getByName("POINTS"))->point;
-  PlainLoops loops(frame, from, to);
+  PlainLoops loops{from, to};
   bench::Duel duel(state, 3);
   int step = 0;
   for (auto _ : state) {
     const float at = static_cast<float>(++step % 10) / 10;
     duel.rival([&] {
       loops.move(at);
-      loops.draw();
+      loops.draw(frame);
       return 0;
     });
     duel.library([&] {
