@@ -43,15 +43,20 @@ void VrmlIndexedShape::computeBBox(SoAction* action, SbBox3f& box, SbVec3f& cent
   const int numPoints = node->point.getNum();
   const std::int32_t* index = coordIndex.getValues(0);
   const int numIndices = coordIndex.getNum();
+  SbVec3f low = box.getMin(), high = box.getMax();
   double sum[3] = {};
   int used = 0;
   for (int i = 0; i < numIndices; ++i) {
     if (index[i] < 0 || index[i] >= numPoints) continue;
     const SbVec3f& p = points[index[i]];
-    box.extendBy(p);
-    for (int k = 0; k < 3; ++k) sum[k] += p[k];
+    for (int k = 0; k < 3; ++k) {
+      low[k] = std::min(low[k], p[k]);
+      high[k] = std::max(high[k], p[k]);
+      sum[k] += p[k];
+    }
     ++used;
   }
+  box.setBounds(low, high);
   if (used)
     center.setValue(static_cast<float>(sum[0] / used), static_cast<float>(sum[1] / used),
                     static_cast<float>(sum[2] / used));
