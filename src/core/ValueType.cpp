@@ -3,6 +3,7 @@
 
 #include <array>
 #include <new>
+#include <optional>
 #include <vector>
 
 #include <tessel/core/VrmlNode.h>
@@ -116,11 +117,20 @@ ValueType valueTypeNamed(std::string_view name) {
 
 const char* nameOf(ValueType type) { return rowOf(type).word; }
 
-ValueType valueTypeOf(const SoField& field) {
-  const SoType type = field.getTypeId();
+static ValueType valueTypeOf(SoType fieldClass) {
   for (std::size_t i = 0; i < rows.size(); ++i)
-    if (type == rows[i].fieldClass()) return static_cast<ValueType>(i);
-  return type == SoSFNode::getClassTypeId() ? ValueType::sfNode : ValueType::count;
+    if (fieldClass == rows[i].fieldClass()) return static_cast<ValueType>(i);
+  return fieldClass == SoSFNode::getClassTypeId() ? ValueType::sfNode : ValueType::count;
+}
+
+// Remembered, since every event and every copy asks.
+ValueType valueTypeOf(const SoField& field) {
+  static std::vector<std::optional<ValueType>> known;
+  const SoType type = field.getTypeId();
+  const auto key = static_cast<std::size_t>(type.getKey());
+  if (key >= known.size()) known.resize(key + 1);
+  if (!known[key]) known[key] = valueTypeOf(type);
+  return *known[key];
 }
 
 SoField* newField(ValueType type) {

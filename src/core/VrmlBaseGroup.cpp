@@ -17,9 +17,11 @@
 #include <tessel/core/VrmlMFChildren.h>
 #include <tessel/toolkit/Scoped.h>
 
+#include "core/DeepCopy.h"
 #include "core/NodeClassImpl.h"
 #include "core/WorldReader.h"
 
+using tessel::DeepCopy;
 using tessel::FieldSpec;
 
 namespace {
@@ -508,9 +510,9 @@ void VrmlBaseGroup::notify(SoNotList* list) {
 // Copying.
 
 SoNode* VrmlBaseGroup::addToCopyDict() const {
-  if (SoFieldContainer* copied = checkCopy(this)) return static_cast<SoNode*>(copied);
+  if (SoFieldContainer* copied = DeepCopy::checkCopy(this)) return static_cast<SoNode*>(copied);
   SoNode* copy = NodeClass::addToCopyDict();
-  for (int i = 0; i < childList->getLength(); ++i) (*childList)[i]->addToCopyDict();
+  for (int i = 0; i < childList->getLength(); ++i) DeepCopy::addBelow(*(*childList)[i]);
   return copy;
 }
 
@@ -521,7 +523,7 @@ void VrmlBaseGroup::copyContents(const SoFieldContainer* from, SbBool copyConnec
   changeChildren([&](SoChildList& list) {
     list.truncate(0);
     for (int i = 0; i < theirs.getLength(); ++i) {
-      const SoFieldContainer* copy = findCopy(theirs[i], copyConnections);
+      const SoFieldContainer* copy = DeepCopy::findCopy(theirs[i], copyConnections);
       list.append(copy ? static_cast<SoNode*>(const_cast<SoFieldContainer*>(copy)) : theirs[i]);
     }
   });

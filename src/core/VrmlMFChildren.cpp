@@ -14,6 +14,8 @@
 #include <tessel/toolkit/Scoped.h>
 #include <tessel/toolkit/SoRef.h>
 
+#include "core/DeepCopy.h"
+
 SoType VrmlMFChildren::classTypeId;
 
 namespace {
@@ -114,7 +116,7 @@ void VrmlMFChildren::fixCopy(SbBool copyConnections) {
   if (!group) return;
   for (int i = 0; i < group->getNumChildren(); ++i) {
     SoNode* child = group->getChild(i);
-    SoFieldContainer* copy = child ? SoFieldContainer::findCopy(child, copyConnections) : nullptr;
+    SoFieldContainer* copy = child ? tessel::DeepCopy::findCopy(child, copyConnections) : nullptr;
     if (copy && copy != child) group->replaceChild(i, static_cast<VrmlNode*>(copy));
   }
 }

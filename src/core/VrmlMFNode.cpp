@@ -3,6 +3,8 @@
 
 #include <tessel/toolkit/Scoped.h>
 
+#include "core/DeepCopy.h"
+
 void VrmlMFNode::copyFrom(const SoField& source) {
   const int count = static_cast<const SoMFNode&>(source).getNum();
   if (getNum() > count) {
@@ -11,3 +13,5 @@ void VrmlMFNode::copyFrom(const SoField& source) {
   }
   SoMFNode::copyFrom(source);
 }
+
+void VrmlMFNode::fixCopy(SbBool copyConnections) { tessel::DeepCopy::fixNodes(*this, copyConnections); }

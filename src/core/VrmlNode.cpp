@@ -143,12 +143,25 @@ SoNode* VrmlNode::deepCopy(const VrmlNode* node, int copyConnections) {
   return copy.release();
 }
 
-bool VrmlNode::isDoingDeepCopy() { return tessel::DeepCopy::isRunning(); }
+bool VrmlNode::isDoingDeepCopy() { return tessel::DeepCopy::current() != nullptr; }
 
 void VrmlNode::copyContents(const SoFieldContainer* from, SbBool copyConnections) {
   const tessel::ScopedValue<const VrmlNode*> taking(copyTarget, this);
-  inherited::copyContents(from, copyConnections);
-  if (const auto* name = static_cast<const VrmlNode*>(from)->getDef()) setDef(*name);
+  const auto& original = *static_cast<const VrmlNode*>(from);
+  if (tessel::DeepCopy* copying = tessel::DeepCopy::current()) {
+    copying->copyFields(original, *this);
+    if (const SbName& name = original.getName(); name != SbName::empty()) setName(name);
+    if (original.isOverride()) setOverride(TRUE);
+  } else {
+    inherited::copyContents(from, copyConnections);
+  }
+  if (const auto* name = original.getDef()) setDef(*name);
+}
+
+SoFieldContainer* VrmlNode::copyThroughConnection() const {
+  if (!isDoingDeepCopy()) return inherited::copyThroughConnection();
+  SoFieldContainer* copy = tessel::DeepCopy::findCopy(this, true);
+  return copy ? copy : const_cast<VrmlNode*>(this);
 }
 
 SoField* VrmlNode::getRouteEnd(const SbName& name, bool) { return getField(name); }
@@ -167,19 +180,11 @@ bool VrmlNode::findFieldName(const SoField* field, SbName& name) const { return 
 void VrmlNode::listHeldNodes(std::vector<SoNode*>&) const {}
 
 SoNode* VrmlNode::addToCopyDict() const {
-  if (SoFieldContainer* copied = checkCopy(this)) return static_cast<SoNode*>(copied);
-  SoNode* copy = inherited::addToCopyDict();
-  if (!isDoingDeepCopy()) return copy;
-  SoFieldList fields;
-  listFields(fields);
-  for (int i = 0; i < fields.getLength(); ++i) {
-    if (fields[i]->isOfType(SoSFNode::getClassTypeId())) {
-      if (const SoNode* value = static_cast<SoSFNode*>(fields[i])->getValue()) value->addToCopyDict();
-    } else if (fields[i]->isOfType(SoMFNode::getClassTypeId())) {
-      const SoMFNode& list = *static_cast<SoMFNode*>(fields[i]);
-      for (int n = 0; n < list.getNum(); ++n)
-        if (list[n]) list[n]->addToCopyDict();
-    }
-  }
+  tessel::DeepCopy* copying = tessel::DeepCopy::current();
+  if (!copying) return inherited::addToCopyDict();
+  if (SoFieldContainer* copied = tessel::DeepCopy::checkCopy(this)) return static_cast<SoNode*>(copied);
+  auto* copy = static_cast<SoNode*>(getTypeId().createInstance());
+  tessel::DeepCopy::enter(this, copy, false);
+  copying->addFields(*this);
   return copy;
 }

@@ -5,6 +5,8 @@
 
 #include <Inventor/nodes/SoNode.h>
 
+#include "core/DeepCopy.h"
+
 SoType VrmlSFNode::classTypeId;
 int VrmlSFNode::doFixCopy = 0;
 SoNode* (*VrmlSFNode::actualNodeOf)(SoNode*) = nullptr;
@@ -42,7 +44,7 @@ SoNode* VrmlSFNode::getRealValue() const {
 void VrmlSFNode::fixCopy(SbBool copyConnections) {
   SoNode* original = doFixCopy ? getValue() : nullptr;
   if (!original) return;
-  if (SoFieldContainer* copy = SoFieldContainer::findCopy(original, copyConnections))
+  if (SoFieldContainer* copy = tessel::DeepCopy::findCopy(original, copyConnections))
     setValue(static_cast<SoNode*>(copy));
 }
 

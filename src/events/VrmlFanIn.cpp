@@ -12,6 +12,8 @@
 #include <tessel/core/VrmlMFNode.h>
 #include <tessel/core/VrmlNode.h>
 
+#include "core/DeepCopy.h"
+
 SoType VrmlFanIn::classTypeId;
 
 namespace {
@@ -118,11 +120,11 @@ void VrmlFanIn::evaluate() {
 }
 
 SoFieldContainer* VrmlFanIn::copyThroughConnection() const {
-  if (SoFieldContainer* copy = checkCopy(this)) return copy;
+  if (SoFieldContainer* copy = tessel::DeepCopy::checkCopy(this)) return copy;
   if (!shouldCopy()) return const_cast<VrmlFanIn*>(this);
   auto* copy = new VrmlFanIn(fieldType);
   for (int i = 0; i < getNumInputs(); ++i) copy->addInput();
-  addCopy(this, copy);
+  tessel::DeepCopy::enter(this, copy, true);
   copy->copyContents(this, TRUE);
   return copy;
 }

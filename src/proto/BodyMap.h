@@ -12,9 +12,10 @@ namespace tessel {
 /// numbers that hold in every copy.
 struct BodyMap {
   struct Entry {
-    int index;       // of the interface field
-    int node;        // in `nodes`
-    int fieldIndex;  // on that node
+    int index;        // of the interface field
+    int node;         // in `nodes`
+    int fieldIndex;   // on that node
+    bool isInstance;  // the node is an instance of a prototype
   };
 
   std::vector<const VrmlNode*> nodes;  // those of the body that have fields with IS

@@ -155,7 +155,8 @@ const tessel::BodyMap& VrmlProtoDef::getBodyMap() const {
     if (fieldIndex < 0) continue;  // declared twice
     const auto [place, isNew] = numbers.try_emplace(node, static_cast<int>(map.nodes.size()));
     if (isNew) map.nodes.push_back(node);
-    map.entries.push_back({mapping.index, place->second, fieldIndex});
+    map.entries.push_back(
+        {mapping.index, place->second, fieldIndex, node->isOfType(VrmlProtoUse::getClassTypeId()) == TRUE});
     if ((*interface)[mapping.index].holdsNodes() && !node->holdsNodesWeakly()) map.nodesHeldWeakly = false;
   }
   std::ranges::stable_sort(map.entries, {}, &tessel::BodyMap::Entry::index);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include <tessel/proto/VrmlProtoUse.h>
 
+#include <tuple>
 #include <utility>
 
 #include <Inventor/errors/SoDebugError.h>
@@ -22,6 +23,7 @@
 #include "proto/InstanceBuild.h"
 #include "proto/InstanceData.h"
 
+using tessel::DeepCopy;
 using tessel::InstanceBuild;
 using tessel::InstanceData;
 using tessel::InstanceFields;
@@ -199,7 +201,7 @@ void VrmlProtoUse::makeBody() {
   const tessel::BodyMap& map = data->protoDef->getBodyMap();
   std::vector<SoRef<VrmlNode>> copies;
   {
-    tessel::DeepCopy copying(true);
+    DeepCopy copying(true);
     for (int i = 0; i < body.getNumChildren(); ++i) copying.add(*body.getChild(i));
     for (int i = 0; i < body.getNumChildren(); ++i)
       copies.emplace_back(static_cast<VrmlNode*>(copying.of(body.getChild(i))));
@@ -221,9 +223,9 @@ void VrmlProtoUse::makeBody() {
 // Copying.
 
 SoNode* VrmlProtoUse::addToCopyDict() const {
-  if (SoFieldContainer* copied = checkCopy(this)) return static_cast<SoNode*>(copied);
+  if (SoFieldContainer* copied = DeepCopy::checkCopy(this)) return static_cast<SoNode*>(copied);
   auto* copy = new VrmlProtoUse;
-  addCopy(this, copy);
+  DeepCopy::enter(this, copy, false);
   if (data->protoDef) copy->data->protoDef = data->protoDef;
   copy->data->externDef = data->externDef;
   if (const VrmlProtoDef* definition = data->protoDef ? data->protoDef.get() : data->externDef.get())
@@ -233,11 +235,11 @@ SoNode* VrmlProtoUse::addToCopyDict() const {
     if (!data->fields.item(i).hasValue()) continue;
     const SoField& field = data->fields[i];
     if (data->fields.item(i).type == tessel::ValueType::sfNode) {
-      if (const SoNode* node = static_cast<const VrmlSFNode&>(field).getValue()) node->addToCopyDict();
+      if (const SoNode* node = static_cast<const VrmlSFNode&>(field).getValue()) DeepCopy::addBelow(*node);
     } else if (data->fields.item(i).type == tessel::ValueType::mfNode) {
       const auto& list = static_cast<const SoMFNode&>(field);
       for (int n = 0; n < list.getNum(); ++n)
-        if (list[n]) list[n]->addToCopyDict();
+        if (list[n]) DeepCopy::addBelow(*list[n]);
     }
   }
   return copy;
@@ -270,7 +272,7 @@ void VrmlProtoUse::copyRoutes(const SoField& source, int index) {
   for (int n = 0; n < masters.getLength(); ++n) {
     auto* node = dynamic_cast<VrmlNode*>(masters[n]->getContainer());
     if (!node) continue;
-    auto* copy = static_cast<VrmlNode*>(checkCopy(node) ? findCopy(node, TRUE) : node);
+    auto* copy = static_cast<VrmlNode*>(DeepCopy::checkCopy(node) ? DeepCopy::findCopy(node, true) : node);
     if (SoField* master = copy->getFieldAt(node->getFieldIndex(masters[n]))) {
       connectField(index, in);
       VrmlRoute::add(master, &data->fields[index], 1);
@@ -351,14 +353,16 @@ int VrmlProtoUse::isVrmlRoute(const SoField* from, const SoField* to) const {
 
 // From the body of this instance on, into the instances in it that the field goes on to.
 template <class Visit> void VrmlProtoUse::forEachInside(int index, Visit visit) {
-  std::vector<std::pair<VrmlProtoUse*, int>> open{{this, index}};
-  for (std::size_t n = 0; n < open.size(); ++n) {
-    const auto [use, own] = open[n];
-    if (!visit(*use, own) || !use->data->isMade) continue;
-    for (const auto& entry : use->data->protoDef->getBodyMap().of(own)) {
-      VrmlNode* node = use->mappedNode(entry.node);
-      if (node && asUse(node)) open.emplace_back(static_cast<VrmlProtoUse*>(node), entry.fieldIndex);
-    }
+  std::vector<std::pair<VrmlProtoUse*, int>> open;  // most fields go no further than the body
+  VrmlProtoUse* use = this;
+  for (std::size_t n = 0;; ++n) {
+    if (visit(*use, index) && use->data->isMade)
+      for (const auto& entry : use->data->protoDef->getBodyMap().of(index)) {
+        VrmlNode* node = entry.isInstance ? use->mappedNode(entry.node) : nullptr;
+        if (node) open.emplace_back(static_cast<VrmlProtoUse*>(node), entry.fieldIndex);
+      }
+    if (n == open.size()) return;
+    std::tie(use, index) = open[n];
   }
 }
 
@@ -407,7 +411,8 @@ void VrmlProtoUse::connectWithBody(int index, Ways ways) {
 
 void VrmlProtoUse::pushField(int index) {
   forEachInside(index, [](VrmlProtoUse& use, int own) {
-    if (!use.data->isMade || !use.data->fields.item(own).hasValue()) return false;
+    const auto& item = use.data->fields.item(own);
+    if (!use.data->isMade || !item.hasValue()) return false;
     const SoField& value = use.data->fields[own];
     for (const auto& entry : use.data->protoDef->getBodyMap().of(own)) {
       VrmlNode* node = use.mappedNode(entry.node);
@@ -416,9 +421,9 @@ void VrmlProtoUse::pushField(int index) {
       {
         const tessel::NotifyOff silence(*inner);
         tessel::copyValue(value, *inner);
-        tessel::discountAsIn(value, *inner);
+        if (item.holdsNodes()) tessel::discountAsIn(value, *inner);
       }
-      if (!asUse(node)) node->notifyContainerOnly(inner);
+      if (!entry.isInstance) node->notifyContainerOnly(inner);
     }
     return true;
   });

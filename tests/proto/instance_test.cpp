@@ -6,7 +6,9 @@
 
 #include <Inventor/SbViewportRegion.h>
 #include <Inventor/actions/SoGetBoundingBoxAction.h>
+#include <Inventor/engines/SoComposeVec3f.h>
 #include <Inventor/fields/SoFields.h>
+#include <Inventor/nodes/SoCube.h>
 
 #include <tessel/core/VrmlGroup.h>
 #include <tessel/core/VrmlTransform.h>
@@ -198,6 +200,27 @@ TEST(ProtoUse, ACopyStandsForItself) {
   EXPECT_EQ(sizeOf(original), SbVec3f(2, 2, 2));
   originalFrom->scale.setValue(3, 3, 3);
   EXPECT_EQ(sizeOf(instance), SbVec3f(5, 5, 5));
+}
+
+// A host may feed a field from an engine of the toolkit's, which is copied with the node, and put nodes of its own in.
+TEST(ProtoUse, ACopyGoesTogetherWithEnginesAndNodesOfTheToolkit) {
+  const TestWorld world(std::string(boxes) + R"(
+    DEF BOTH Group { children [ DEF FROM Transform { } DEF I Sized { scale 2 2 2 } DEF S Script { field SFNode held NULL } ] }
+    ROUTE FROM.scale TO I.scale)");
+  auto* compose = new SoComposeVec3f;
+  compose->x.setValue(7);
+  world.get<VrmlTransform>("FROM")->scale.connectFrom(&compose->vector);
+  auto* cube = new SoCube;
+  static_cast<SoSFNode*>(world.get<VrmlScript>("S")->getField("held"))->setValue(cube);
+  const SoRef<VrmlGroup> copy(
+      static_cast<VrmlGroup*>(VrmlNode::deepCopy(world.get<VrmlGroup>("BOTH"), TRUE)));
+  compose->x.setValue(8);
+  auto* from = static_cast<VrmlTransform*>(copy->getChild(0));
+  EXPECT_EQ(from->scale.getValue()[0], 8) << "an engine that knows none of the nodes feeds both";
+  SoNode* copiedCube = static_cast<SoSFNode*>(copy->getChild(2)->getField("held"))->getValue();
+  EXPECT_NE(copiedCube, cube);
+  ASSERT_NE(copiedCube, nullptr);
+  EXPECT_TRUE(copiedCube->isOfType(SoCube::getClassTypeId()));
 }
 
 TEST(ProtoUse, InnerNamesHideOuterOnesAndTheClassesOfThatName) {

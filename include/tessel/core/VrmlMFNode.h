@@ -15,4 +15,6 @@ public:
     return *this;
   }
   void copyFrom(const SoField& source) override;
+  /// Puts copies in the place of nodes that are copied too.
+  void fixCopy(SbBool copyConnections) override;
 };

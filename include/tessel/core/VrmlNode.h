@@ -134,6 +134,7 @@ public:
   /// False unless a class says otherwise: the state that a VRML node changes is gone when it is done.
   SbBool affectsState() const override { return FALSE; }
   SoNode* addToCopyDict() const override;
+  SoFieldContainer* copyThroughConnection() const override;
   void copyContents(const SoFieldContainer* from, SbBool copyConnections) override;
   /// A host's switch, 0 at first: whether a change of what shows nothing by itself (the input of a sensor, a Fog
   /// that is not bound) is kept from the nodes above, and so asks for no redraw.
