@@ -9,6 +9,7 @@
 #include <Inventor/actions/SoCallbackAction.h>
 #include <Inventor/misc/SoChildList.h>
 #include <tessel/core/VrmlNode.h>
+#include <tessel/frame/VrmlSceneManager.h>
 #include <tessel/proto/VrmlExternProtoInline.h>
 #include <tessel/proto/VrmlInline.h>
 #include <tessel/proto/VrmlProtoDict.h>
@@ -168,6 +169,7 @@ int Fetcher::answer(std::chrono::nanoseconds budget) {
   using Clock = std::chrono::steady_clock;
   const Clock::time_point start = Clock::now();
   int answered = 0;
+  const VrmlSceneManager::Arrivals together;
   takeFromNetwork();
   while (!queue.empty() && Clock::now() - start < budget) {
     const Request request = std::move(queue.front());

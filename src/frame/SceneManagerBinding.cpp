@@ -136,6 +136,35 @@ void VrmlSceneManager::unbindNode(VrmlBindingNode* node) {
   stack->tellBound(newTop.get(), 1, node);
 }
 
+// --- worlds that come for Inlines --------------------------------------------------------------------------
+
+namespace {
+int arrivalsOpen = 0;
+std::vector<VrmlSceneManager*> managersWaiting;  // for the last Arrivals to go
+}  // namespace
+
+VrmlSceneManager::Arrivals::Arrivals() { ++arrivalsOpen; }
+
+VrmlSceneManager::Arrivals::~Arrivals() {
+  if (--arrivalsOpen > 0) return;
+  while (!managersWaiting.empty()) {
+    VrmlSceneManager* manager = managersWaiting.back();
+    managersWaiting.pop_back();
+    if (manager->bindingsDirty) manager->worldArrived();
+  }
+}
+
+void VrmlSceneManager::worldArrived() {
+  bindingsDirty = true;
+  if (this == activeSceneManager) return;  // the next frame looks
+  if (arrivalsOpen == 0)
+    updateBindingNodes();
+  else if (std::ranges::find(managersWaiting, this) == managersWaiting.end())
+    managersWaiting.push_back(this);
+}
+
+void VrmlSceneManager::forgetArrivals() { std::erase(managersWaiting, this); }
+
 void VrmlSceneManager::updateBindingNodes() {
   bindingsDirty = false;
   SoPathList paths = pathsToBindingNodes(root.get());

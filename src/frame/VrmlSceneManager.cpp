@@ -105,6 +105,7 @@ VrmlSceneManager::VrmlSceneManager()
 }
 
 VrmlSceneManager::~VrmlSceneManager() {
+  forgetArrivals();
   setAnchorHighlightCallback(nullptr, nullptr);
   setAnchorFetchCallback(nullptr, nullptr);
   setNavigationInfoChangedCallback(nullptr, nullptr);
@@ -423,11 +424,8 @@ void VrmlSceneManager::structureChanged(SoNode* node) {
     case Role::anchor:
       if (!serveAnchor(static_cast<VrmlAnchor*>(node))) bindingsDirty = true;
       break;
-    case Role::inlined:  // its world has come
-      if (this == activeSceneManager)
-        bindingsDirty = true;
-      else
-        updateBindingNodes();
+    case Role::inlined:
+      worldArrived();
       break;
     case Role::transform:
     case Role::group:

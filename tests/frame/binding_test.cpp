@@ -7,6 +7,7 @@
 #include <tessel/frame/VrmlFog.h>
 #include <tessel/frame/VrmlNavigationInfo.h>
 #include <tessel/pointing/VrmlTouchSensor.h>
+#include <tessel/proto/VrmlInline.h>
 
 #include "frame/Stage.h"
 
@@ -25,6 +26,25 @@ TEST(Binding, AWorldComesWithTheFirstOfEachKindBoundAndTheRestWaiting) {
   auto* background = stage.manager.getCurrentBinding(VrmlBackground::getClassTypeId());
   ASSERT_NE(background, nullptr);
   EXPECT_TRUE(background->isBound.getValue());
+}
+
+TEST(Binding, WorldsThatArriveTogetherAreLookedThroughOnce) {
+  Stage stage("DEF A Inline { } DEF B Inline { } DEF PLACE Group { }");
+  const TestWorld first("DEF VA Viewpoint { }"), second("DEF VB Viewpoint { }");
+  const VrmlViewpointManager& known = *stage.manager.getViewpointManager();
+  const int before = known.getNumViewpoints();
+  {
+    const VrmlSceneManager::Arrivals together;
+    stage.get<VrmlInline>("A")->setChildData(first.get<VrmlViewpoint>("VA"));
+    {
+      const VrmlSceneManager::Arrivals inside;
+      stage.get<VrmlInline>("B")->setChildData(second.get<VrmlViewpoint>("VB"));
+    }
+    EXPECT_EQ(known.getNumViewpoints(), before);
+    const Stage brief("DEF C Inline { }");
+    brief.get<VrmlInline>("C")->setChildData(first.get<VrmlViewpoint>("VA"));
+  }
+  EXPECT_EQ(known.getNumViewpoints(), before + 2);
 }
 
 TEST(Binding, ASecondFogOfALivingWorldWaitsForItsEvent) {

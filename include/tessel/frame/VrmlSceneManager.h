@@ -90,6 +90,15 @@ public:
   void unbindNode(VrmlBindingNode* node);
   /// Brings the stacks in line with the scene, now rather than in the next frame.
   void updateBindingNodes();
+  /// For hosts that bring many worlds for Inlines at once: while one lives, scenes are not looked through at each
+  /// arrival, but once when the last one goes.
+  class TESSEL_API Arrivals {
+  public:
+    Arrivals();
+    ~Arrivals();
+    Arrivals(const Arrivals&) = delete;
+    Arrivals& operator=(const Arrivals&) = delete;
+  };
 
   VrmlViewpointManager* getViewpointManager() const { return viewpointManager.get(); }
   /// Puts a host's own manager of viewpoints in place; null leaves the one that is there.
@@ -130,6 +139,8 @@ private:
   void fieldChanged(SoField* field);
   void bindingFieldChanged(VrmlBindingNode* node, SoField* field);
   void structureChanged(SoNode* node);
+  void worldArrived();
+  void forgetArrivals();
   bool serveAnchor(VrmlAnchor* anchor) const;
 
   void updateStack(BindingStack& stack, const SoPathList& paths);
