@@ -12,8 +12,10 @@
 #include <tessel/events/VrmlRoute.h>
 #include <tessel/proto/VrmlProtoDict.h>
 
+#include "core/ValueWriter.h"
 #include "core/WorldReader.h"
 #include "proto/ProtoInterface.h"
+#include "proto/ProtoReading.h"
 
 using tessel::FieldKind;
 using tessel::ValueType;
@@ -58,6 +60,7 @@ int VrmlProtoDef::read(WorldReader& reader) {
 
 int VrmlProtoDef::readContents(WorldReader& reader) {
   tessel::Lexer& lexer = reader.lexer();
+  const Reading reading(*this);
   if (!readNameAndInterface(reader, 1)) return 0;
   if (!lexer.take('{')) return reader.error("Expected a '{' to begin prototype definition");
   if (reader.isTooDeep()) return 0;
@@ -178,9 +181,9 @@ void VrmlProtoDef::writeInterfaceItem(SoOutput* out, int index, int withValue) {
   out->indent();
   out->write((text + tessel::nameOf(item.type) + ' ' + item.name.getString() + ' ').c_str());
   if (withValue && item.hasValue()) {
-    SbString value;
-    getInterfaceField(index)->get(value);
-    out->write(value.getString());
+    std::string value;
+    tessel::writeValue(value, *getInterfaceField(index), item.type);
+    out->write(value.c_str());
   }
   out->write('\n');
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include <tessel/proto/VrmlExternProtoDef.h>
 
+#include <string>
 #include <utility>
 
 #include <tessel/core/VrmlDB.h>
@@ -12,6 +13,7 @@
 #include "core/WorldReader.h"
 #include "proto/InstanceBuild.h"
 #include "proto/InstanceData.h"
+#include "toolkit/ReadReport.h"
 
 using tessel::InstancePlace;
 
@@ -108,14 +110,30 @@ void VrmlExternProtoDef::setDefinition(VrmlProtoDef* definition) {
     }
     definition = external->realDef.get();
   }
-  realDef.reset(definition);
   unfollow();
+  if (definition && definition->leadsTo(*this)) {
+    refuse();
+    return;
+  }
+  realDef.reset(definition);
   for (const auto& follower : takeFollowers()) follower->setDefinition(definition);
   while (realDef && !requestors.empty()) {
     const Requestor last = requestors.rbegin()->second;
     removeRequestor(*last.use);
     tessel::InstanceBuild::complete(*last.use, *realDef, last.place);
   }
+}
+
+// Without this the definitions would hold one another for ever, and an instance would end at the limits only.
+void VrmlExternProtoDef::refuse() {
+  const std::string text = "A prototype can't use itself, through no other file either; instances of \"" +
+                           std::string(name.getString()) + "\" stay empty";
+  constexpr const char* where = "VrmlExternProtoDef::setDefinition";
+  if (const tessel::DefName* place = getPlace())
+    tessel::postReadWarning(where, place->file.getString(), place->line, text);
+  else
+    tessel::postReadWarning(where, text);
+  fetchFailed();
 }
 
 void VrmlExternProtoDef::addRequestor(VrmlProtoUse* use) { addRequestor(*use, InstancePlace{}); }

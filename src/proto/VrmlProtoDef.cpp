@@ -3,12 +3,14 @@
 
 #include <algorithm>
 #include <unordered_map>
+#include <unordered_set>
 
 #include <Inventor/lists/SbStringList.h>
 #include <Inventor/lists/SoFieldList.h>
 
 #include <tessel/core/VrmlGroup.h>
 #include <tessel/events/VrmlRoute.h>
+#include <tessel/proto/VrmlExternProtoDef.h>
 #include <tessel/proto/VrmlProtoDict.h>
 #include <tessel/proto/VrmlProtoUse.h>
 
@@ -17,9 +19,13 @@
 #include "core/WorldReader.h"
 #include "proto/BodyMap.h"
 #include "proto/ProtoInterface.h"
+#include "proto/ProtoReading.h"
+#include "proto/Remains.h"
 
 using tessel::FieldKind;
 using tessel::ProtoInterface;
+
+VrmlProtoDef::Reading* VrmlProtoDef::innermostReading = nullptr;
 
 namespace {
 
@@ -59,7 +65,11 @@ VrmlProtoDef::VrmlProtoDef()
   setUpFields();
 }
 
-VrmlProtoDef::~VrmlProtoDef() = default;
+VrmlProtoDef::~VrmlProtoDef() {
+  for (const auto& used : uses) tessel::Remains::add(used.get());
+  uses.clear();
+  tessel::Remains::release();
+}
 
 const SoFieldData* VrmlProtoDef::getFieldData() const { return &interfaceData; }
 
@@ -120,7 +130,26 @@ VrmlProtoUse* VrmlProtoDef::createUse(tessel::WorldReader& reader, std::string_v
   const int stack = VrmlProtoDict::currentStackId;
   if (!VrmlProtoDict::knowsAny(stack)) return nullptr;
   VrmlProtoDef* definition = VrmlProtoDict::find(stack, std::string(wanted).c_str());
-  return definition ? VrmlProtoUse::createForReading(*definition, reader) : nullptr;
+  if (!definition) return nullptr;
+  if (innermostReading) innermostReading->met(*definition);
+  return VrmlProtoUse::createForReading(*definition, reader);
+}
+
+bool VrmlProtoDef::leadsTo(const VrmlProtoDef& other) const {
+  std::unordered_set<const VrmlProtoDef*> met{this};
+  std::vector<const VrmlProtoDef*> open{this};
+  const auto meet = [&](const VrmlProtoDef* next) {
+    if (next && met.insert(next).second) open.push_back(next);
+  };
+  while (!open.empty()) {
+    const VrmlProtoDef* one = open.back();
+    open.pop_back();
+    if (one == &other) return true;
+    if (one->isOfType(VrmlExternProtoDef::getClassTypeId()))
+      meet(static_cast<const VrmlExternProtoDef*>(one)->getRealDefinition());
+    for (const auto& used : one->uses) meet(used.get());
+  }
+  return false;
 }
 
 // Mappings.

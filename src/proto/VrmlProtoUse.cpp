@@ -22,12 +22,14 @@
 #include "proto/FieldValues.h"
 #include "proto/InstanceBuild.h"
 #include "proto/InstanceData.h"
+#include "proto/Remains.h"
 
 using tessel::DeepCopy;
 using tessel::InstanceBuild;
 using tessel::InstanceData;
 using tessel::InstanceFields;
 using tessel::InstancePlace;
+using tessel::Remains;
 using tessel::SoRef;
 
 const VrmlProtoUse* VrmlProtoUse::openProtoUse = nullptr;
@@ -38,29 +40,6 @@ const VrmlProtoUse* asUse(const SoNode* node) {
   return node && node->isOfType(VrmlProtoUse::getClassTypeId()) ? static_cast<const VrmlProtoUse*>(node)
                                                                 : nullptr;
 }
-
-// What instances let go of. Nodes inside one another go one after the other, whatever their number.
-class Remains {
-public:
-  static void add(SoNode* node) {
-    if (node) list().emplace_back(node);
-  }
-  static void release() {
-    if (releasing) return;
-    const tessel::ScopedValue<bool> here(releasing, true);
-    while (!list().empty()) {
-      const SoRef<SoNode> last = std::move(list().back());
-      list().pop_back();
-    }
-  }
-
-private:
-  static std::vector<SoRef<SoNode>>& list() {
-    static auto* const nodes = new std::vector<SoRef<SoNode>>;
-    return *nodes;
-  }
-  inline static bool releasing = false;
-};
 
 }  // namespace
 

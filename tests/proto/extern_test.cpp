@@ -189,16 +189,57 @@ TEST_F(ExternTest, APrototypeThatUsesItselfThroughAFileStops) {
   const std::string text = "#VRML V2.0 utf8\n" + files["http://here/self.wrl"];
   EXPECT_EQ(VrmlDB::read(text, "self.wrl", status), nullptr);
   VrmlProtoDict* names = VrmlProtoDict::getTopOfStack(stack);
-  auto* self = static_cast<VrmlExternProtoDef*>(names->findInThis("Self"));
-  self->setDefinition(names->findInThis("Again"));
+  const SoRef<VrmlExternProtoDef> self(static_cast<VrmlExternProtoDef*>(names->findInThis("Self")));
+  const SoRef<VrmlProtoDef> again(names->findInThis("Again"));
   {
-    const SoRef<VrmlProtoUse> instance(new VrmlProtoUse(self));
-    EXPECT_NE(instance->getActualNode(), nullptr);
+    const SoRef<VrmlProtoUse> instance(new VrmlProtoUse(again.get()));
+    ASSERT_EQ(asked.size(), 1u);
+    self->setDefinition(again.get());
+    ASSERT_NE(instance->getActualNode(), nullptr);
+    EXPECT_EQ(static_cast<VrmlProtoUse*>(static_cast<VrmlGroup*>(instance->getActualNode())->getChild(0))
+                  ->getActualNode(),
+              nullptr);
   }
-  EXPECT_EQ(world.messages.count("stays empty\n\tOccurred at line   3 in self.wrl"), 1)
+  EXPECT_EQ(world.messages.count("\"Self\" stay empty\n\tOccurred at line   2 in self.wrl"), 1)
       << world.messages.text();
-  self->setDefinition(nullptr);
   VrmlProtoDict::deleteStack(stack);
+  asked.clear();
+  EXPECT_EQ(again->getRefCount(), 1) << "nobody holds it any more";
+  EXPECT_EQ(self->getRefCount(), 3) << "ours, and those of the body that has an instance of it";
+}
+
+TEST_F(ExternTest, DefinitionsOfTwoFilesThatUseEachOtherAreLetGoOf) {
+  const auto readNames = [](const char* text) {
+    const int stack = VrmlProtoDict::createStack();
+    ReadStatus status;
+    EXPECT_EQ(VrmlDB::read("#VRML V2.0 utf8\n" + std::string(text), "names.wrl", status), nullptr);
+    EXPECT_NE(status, ReadStatus::failed);
+    return stack;
+  };
+  const auto external = [](int stack, const char* name) {
+    return static_cast<VrmlExternProtoDef*>(VrmlProtoDict::getTopOfStack(stack)->findInThis(name));
+  };
+  const Messages messages;
+  const int a = readNames(R"(EXTERNPROTO Y [ ] "b.wrl#Y"
+    PROTO Apple [ field SFNode inside Y { } ] { Group { } }
+    PROTO Core [ ] { Shape { geometry Box { } } })");
+  const int b = readNames(R"(EXTERNPROTO Apple [ ] "a.wrl#Apple"
+    EXTERNPROTO Core [ ] "a.wrl#Core"
+    PROTO Y [ ] { Group { children [ Core { } Apple { } ] } })");
+  const SoRef<VrmlProtoDef> y(VrmlProtoDict::getTopOfStack(b)->findInThis("Y"));
+  external(a, "Y")->setDefinition(y.get());
+  external(b, "Core")->setDefinition(VrmlProtoDict::getTopOfStack(a)->findInThis("Core"));
+  EXPECT_TRUE(messages.empty()) << messages.text();
+  external(b, "Apple")->setDefinition(VrmlProtoDict::getTopOfStack(a)->findInThis("Apple"));
+  EXPECT_EQ(messages.count("\"Apple\" stay empty"), 1) << messages.text();
+  {
+    const SoRef<VrmlProtoUse> instance(new VrmlProtoUse(y.get()));
+    EXPECT_EQ(widthOf(instance.get()), 2) << "the rest of it is there";
+  }
+  VrmlProtoDict::deleteStack(a);
+  VrmlProtoDict::deleteStack(b);
+  asked.clear();
+  EXPECT_EQ(y->getRefCount(), 1);
 }
 
 TEST_F(ExternTest, AnInstanceMayGoWhileItWaits) {

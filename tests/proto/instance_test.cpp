@@ -2,9 +2,12 @@
 // Instances of prototypes: values, events and nodes through the interface, nesting, copies, limits.
 #include <gtest/gtest.h>
 
+#include <cctype>
+#include <cstdlib>
 #include <string>
 
 #include <Inventor/SbViewportRegion.h>
+#include <Inventor/SoOutput.h>
 #include <Inventor/actions/SoGetBoundingBoxAction.h>
 #include <Inventor/engines/SoComposeVec3f.h>
 #include <Inventor/fields/SoFields.h>
@@ -230,6 +233,35 @@ TEST(ProtoUse, InnerNamesHideOuterOnesAndTheClassesOfThatName) {
     DEF IN Outer { } DEF OUT Shape { geometry Box { } })");
   EXPECT_EQ(sizeOf(use(world, "IN"))[0], 8);
   EXPECT_EQ(sizeOf(world.get<VrmlShape>("OUT"))[0], 6);
+}
+
+TEST(ProtoDef, WritesAnInterfaceThatReadsBack) {
+  const std::string interface = R"(
+      field        SFFloat size 0.1
+      exposedField MFString words ["a \"b\"", "c"]
+      eventIn      SFBool on 
+      eventOut     SFTime at 
+     ]
+)";
+  const TestWorld world(("PROTO Lamp [" + interface + " { Group { } } DEF I Lamp { }").c_str());
+  ASSERT_EQ(world.status, ReadStatus::world) << world.messages.text();
+  SoOutput out;
+  constexpr std::size_t room = 4096;
+  out.setBuffer(std::malloc(room), room, std::realloc);
+  use(world, "I")->getProtoDef()->writeNameAndInterface(&out, "PROTO", 1);
+  void* text = nullptr;
+  std::size_t size = 0;
+  out.getBuffer(text, size);
+  const std::string written(static_cast<const char*>(text), size);
+  std::free(text);
+  const auto squeezed = [](const std::string& from) {
+    std::string result;
+    for (const char c : from)
+      if (!std::isspace(static_cast<unsigned char>(c))) result += c;
+    return result;
+  };
+  EXPECT_NE(written.find("exposedField MFString words "), std::string::npos) << written;
+  EXPECT_NE(squeezed(written).find(squeezed("PROTO Lamp [" + interface)), std::string::npos) << written;
 }
 
 TEST(ProtoUse, WithoutBodyOrWithTwoMappingsOfOneField) {

@@ -39,7 +39,7 @@ public:
   /// The same for an instance in a certain place.
   void getDefinition(VrmlProtoUse* use, const tessel::InstancePlace& place);
   /// The real definition has come: completes all that wait for it, the last first. One that is itself external is
-  /// followed to its own.
+  /// followed to its own. One whose instances would have instances of this one in them is refused with a message.
   void setDefinition(VrmlProtoDef* definition);
   /// Whether a definition may be the real one: one that leads back here never comes to an end.
   bool canBecome(const VrmlProtoDef& definition) const;
@@ -62,6 +62,7 @@ private:
   void addRequestor(VrmlProtoUse& use, const tessel::InstancePlace& place);
 
   void requestFile();
+  void refuse();
 
   bool fetchRequested = false;
   tessel::SoRef<VrmlExternProtoDef> followed;  // whose real definition is ours

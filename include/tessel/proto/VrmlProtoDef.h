@@ -110,6 +110,8 @@ public:
   /// How many levels of nodes such a traversal goes through.
   int getExpandedLevels() const { return expandedLevels; }
   int getBodyLevels() const { return bodyLevels; }
+  /// Whether an instance has instances of `other` in it, as far as definitions are known.
+  bool leadsTo(const VrmlProtoDef& other) const;
   const tessel::BodyMap& getBodyMap() const;
 
 protected:
@@ -119,6 +121,9 @@ protected:
   SoField* addInterfaceField(std::string_view fieldName, tessel::FieldKind kind, tessel::ValueType type);
 
 private:
+  class Reading;
+  static Reading* innermostReading;
+
   struct Mapping {
     SoField* field;
     int index;
@@ -131,6 +136,7 @@ private:
   std::vector<Mapping> isMappings;
   mutable std::unique_ptr<tessel::BodyMap> bodyMap;  // made when the first instance asks
   std::unique_ptr<VrmlProtoDict> innerDict;
+  std::vector<tessel::SoRef<VrmlProtoDef>> uses;  // whose instances stand in the body or the interface
   std::uint64_t bodyNodes = 0;
   std::uint64_t expandedNodes = 0;
   int expandedLevels = 0;
