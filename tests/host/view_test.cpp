@@ -7,6 +7,7 @@
 
 #include <gmock/gmock.h>
 
+#include "host/HttpServer.h"
 #include "host/Program.h"
 #include "host/Screen.h"
 #include "support/Paths.h"
@@ -79,6 +80,29 @@ TEST_F(ViewGL, ReadsTheFileAgainWhenItChanges) {
   EXPECT_THAT(said(), HasSubstr("w.wrl: warning: the world that was read before stays\n"));
   makeFile("w.wrl", world(shiningBox("0 0 0", "2 2 2", "0 0 1")));
   EXPECT_TRUE(screen->shows(0.5, 0.5, blue));
+}
+
+TEST_F(ViewGL, ShowsWhatIsThereAndTheRestWhenItComes) {
+  const std::string lamp =
+      "PROTO Lamp [ field SFVec3f at 0 0 0 ] { Transform { translation IS at children [ " +
+      shiningBox("0 0 0", "1 1 1", "0 1 0") + "] } }";
+  HttpServer server(
+      {{"/slow.wrl",
+        {.body = world(shiningBox("0 0 0", "2 2 2", "1 0 0")), .delay = std::chrono::seconds(3)}},
+       {"/lamps.wrl", {.body = world(lamp), .delay = std::chrono::seconds(1)}}});
+  makeFile("w.wrl", world("EXTERNPROTO Lamp [ field SFVec3f at ] \"" + server.url("/lamps.wrl") + "\"\n" +
+                          shiningBox("-3 0 0", "2 2 2", "0 0 1") + "Lamp { at 2.5 0 0 }\nInline { url \"" +
+                          server.url("/slow.wrl") + "\" }\n"));
+  const auto start = std::chrono::steady_clock::now();
+  ASSERT_TRUE(screen->view({"w.wrl"}));
+  ASSERT_TRUE(screen->shows(0.2, 0.5, blue));
+  EXPECT_TRUE(screen->shows(0.5, 0.5, black));
+  if (std::chrono::steady_clock::now() - start > std::chrono::seconds(3))
+    GTEST_SKIP() << "this machine is too slow today";
+  EXPECT_TRUE(screen->shows(0.5, 0.5, red));
+  EXPECT_TRUE(screen->shows(0.75, 0.5, green));
+  EXPECT_EQ(server.count("/slow.wrl"), 1);
+  EXPECT_EQ(said(), "");
 }
 
 // Nothing is drawn while it waits, and yet its time comes.
