@@ -8,8 +8,7 @@
 
 #include <tessel/core/VrmlNode.h>
 #include <tessel/core/VrmlSFNode.h>
-
-#include "core/ValueType.h"
+#include <tessel/toolkit/Scoped.h>
 
 namespace tessel {
 
@@ -118,46 +117,46 @@ void DeepCopy::watchConnection(const SoField& field) {
   if (!isOwn) useToolkitTable();
 }
 
-// Nodes come last, with all that they hold: what they are connected with is there by then.
+// Nodes come last, with all that they hold: what they are connected with is there by then. Nothing of this is an event,
+// also for nodes that are connected with the copy already.
 void DeepCopy::copyFields(const VrmlNode& original, VrmlNode& copy) {
   const auto tableOf = [](const SoFieldContainer& node) { return node.getFieldData(); };
   const SoFieldData* theirs = tableOf(original);
   const SoFieldData* own = tableOf(copy);
   const int count = std::min(theirs->getNumFields(), own->getNumFields());
-  bool holdsNodes = false;
-  const auto isPassedOver = [](const SoField& from, const SoField& to) {
-    return from.isDefault() && to.isDefault() && !from.isConnected() && !from.isIgnored();
-  };
-  for (int i = 0; i < count; ++i) {
-    const SoField& from = *theirs->getField(&original, i);
-    SoField& to = *own->getField(&copy, i);
-    if (isPassedOver(from, to)) continue;
-    const ValueType type = valueTypeOf(from);
-    to.setIgnored(from.isIgnored());
-    if (type == ValueType::sfNode || type == ValueType::mfNode)
-      holdsNodes = true;
-    else if (type != ValueType::children && !from.isDefault())
-      to.copyFrom(from);
-    to.setDefault(from.isDefault());
-    if (connections && from.isConnected() && original.shouldCopyFieldConnection(&from))
-      to.copyConnection(&from);
-  }
-  if (!holdsNodes) return;
-  for (int i = 0; i < count; ++i) {
-    const SoField& from = *theirs->getField(&original, i);
-    SoField& to = *own->getField(&copy, i);
-    if (isPassedOver(from, to)) continue;
-    if (const ValueType type = valueTypeOf(from); type == ValueType::sfNode) {
-      SoNode* node = static_cast<const SoSFNode&>(from).getValue();
-      SoNode* itsCopy = node ? of(node) : nullptr;
-      static_cast<SoSFNode&>(to).setValue(itsCopy ? itsCopy : node);
-      to.setDefault(from.isDefault());
-    } else if (type == ValueType::mfNode) {
-      to.copyFrom(from);
-      fixNodes(static_cast<SoMFNode&>(to), connections);
-      to.setDefault(from.isDefault());
+  const auto copyThose = [&](bool ofNodes) {
+    bool others = false;
+    for (int i = 0; i < count; ++i) {
+      const SoField& from = *theirs->getField(&original, i);
+      SoField& to = *own->getField(&copy, i);
+      if (from.isDefault() && to.isDefault() && !from.isConnected() && !from.isIgnored()) continue;
+      const ValueType type = valueTypeOf(from);
+      if ((type == ValueType::sfNode || type == ValueType::mfNode) != ofNodes) {
+        others = true;
+        continue;
+      }
+      copyField(original, from, to, type);
+      copy.notifyContainerOnly(&to);
     }
+    return others;
+  };
+  if (copyThose(false)) copyThose(true);
+}
+
+void DeepCopy::copyField(const VrmlNode& original, const SoField& from, SoField& to, ValueType type) {
+  const NotifyOff silence(to);
+  to.setIgnored(from.isIgnored());
+  if (type == ValueType::sfNode) {
+    SoNode* node = static_cast<const SoSFNode&>(from).getValue();
+    SoNode* itsCopy = node ? of(node) : nullptr;
+    static_cast<SoSFNode&>(to).setValue(itsCopy ? itsCopy : node);
+  } else if (type != ValueType::children && !from.isDefault()) {
+    to.copyFrom(from);
+    if (type == ValueType::mfNode) fixNodes(static_cast<SoMFNode&>(to), connections);
   }
+  to.setDefault(from.isDefault());
+  if (connections && from.isConnected() && original.shouldCopyFieldConnection(&from))
+    to.copyConnection(&from);
 }
 
 void DeepCopy::fixNodes(SoMFNode& field, bool withConnections) {

@@ -6,6 +6,8 @@
 
 #include <Inventor/nodes/SoNode.h>
 
+#include "core/ValueType.h"
+
 class SoMFNode;
 class VrmlNode;
 
@@ -59,6 +61,7 @@ private:
   SoFieldContainer* known(const SoFieldContainer* original);
   SoFieldContainer* filled(const SoFieldContainer* original);
   void watchConnection(const SoField& field);
+  void copyField(const VrmlNode& original, const SoField& from, SoField& to, ValueType type);
   void useToolkitTable();
 
   inline static DeepCopy* running = nullptr;

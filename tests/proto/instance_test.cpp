@@ -205,6 +205,25 @@ TEST(ProtoUse, ACopyStandsForItself) {
   EXPECT_EQ(sizeOf(instance), SbVec3f(5, 5, 5));
 }
 
+TEST(ProtoUse, MakingAnInstanceSendsNothingToItsScripts) {
+  const TestWorld world(R"(
+    PROTO Counting [ ] {
+      DEF S Script { eventIn SFVec3f moved eventIn SFBool on eventOut SFInt32 count
+        url "vrmlscript: function moved(v) { count = count + 1; } function on(b) { count = count + 1; }" }
+      DEF T Transform { translation 1 2 3 }
+      DEF CLOCK TimeSensor { enabled FALSE }
+      ROUTE T.translation TO S.moved
+      ROUTE CLOCK.enabled TO S.on
+    }
+    DEF I Counting { })");
+  auto* script = static_cast<VrmlScript*>(use(world, "I")->getActualNode());
+  auto* transform = static_cast<VrmlTransform*>(use(world, "I")->getOtherNodes().front().get());
+  const auto* count = static_cast<SoSFInt32*>(script->getField("count"));
+  EXPECT_EQ(count->getValue(), 0);
+  transform->translation.setValue(3, 2, 1);
+  EXPECT_EQ(count->getValue(), 1);
+}
+
 // A host may feed a field from an engine of the toolkit's, which is copied with the node, and put nodes of its own in.
 TEST(ProtoUse, ACopyGoesTogetherWithEnginesAndNodesOfTheToolkit) {
   const TestWorld world(std::string(boxes) + R"(
