@@ -15,7 +15,7 @@
 namespace tessel {
 
 void copyValue(const SoField& from, SoField& to) {
-  if (!from.isOfType(VrmlMFChildren::getClassTypeId()) || to.getTypeId() == from.getTypeId()) {
+  if (from.getTypeId() != VrmlMFChildren::getClassTypeId() || to.getTypeId() == from.getTypeId()) {
     to.copyFrom(from);
     return;
   }

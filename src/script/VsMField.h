@@ -11,32 +11,11 @@
 #include <tessel/toolkit/Scoped.h>
 
 #include "script/FieldErrors.h"
+#include "script/Room.h"
 #include "script/VsError.h"
 #include "script/VsField.h"
 
 namespace tessel::script {
-
-/// The room that the values of all multiples of scripts' own take together is limited.
-class MultipleRoom {
-public:
-  static constexpr std::size_t limit = std::size_t{1} << 28;  // bytes
-
-  MultipleRoom() = default;
-  ~MultipleRoom() { all -= taken; }
-  MultipleRoom(const MultipleRoom&) = delete;
-  MultipleRoom& operator=(const MultipleRoom&) = delete;
-
-  /// Whether there is that much; a report if not.
-  bool has(std::size_t bytes) const;
-  void take(std::size_t bytes) {
-    all += bytes - taken;
-    taken = bytes;
-  }
-
-private:
-  static inline std::size_t all = 0;
-  std::size_t taken = 0;
-};
 
 /// Several values of a kind, as a script's own or over a toolkit field, read and written there in place.
 ///
@@ -111,7 +90,7 @@ private:
   void give(Value& result, std::int32_t i);
 
   std::vector<Stored> own;
-  MultipleRoom room;
+  Room room;
 };
 
 }  // namespace tessel::script

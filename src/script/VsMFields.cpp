@@ -17,12 +17,6 @@ void missing(std::int32_t i, int count) {
 
 }  // namespace
 
-bool MultipleRoom::has(std::size_t bytes) const {
-  if (all - taken + bytes <= limit) return true;
-  VsError::postRuntimeError("Attempt to take more than %zu bytes for multi-valued fields", limit);
-  return false;
-}
-
 template <class Traits> bool VsMField<Traits>::has(std::int32_t i) const {
   const int n = count();
   if (i >= 0 && i < n) return true;
