@@ -52,10 +52,13 @@ public:
   }
 
   /// Where a component is kept, by its number or property; null if it is not there, or not to be reached so.
-  float* ownComponent(std::int32_t i) requires Traits::keepsComponents {
-    return i >= 0 && i < count && !liveField() ? &own[i] : nullptr;
+  float* ownComponent(std::int32_t i) {
+    if constexpr (Traits::keepsComponents)
+      return i >= 0 && i < count && !liveField() ? &own[i] : nullptr;
+    else
+      return nullptr;
   }
-  float* ownComponent(Property property) requires Traits::keepsComponents {
+  float* ownComponent(Property property) {
     return ownComponent(static_cast<std::int32_t>(property) -
                         static_cast<std::int32_t>(Traits::properties[0]));
   }

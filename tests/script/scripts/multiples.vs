@@ -123,7 +123,7 @@ function test() {
 }
 //= none
 //! Attempt to take more than
-function fill(depth) { m = new MFFloat(); m.length = 16777216; if (depth) fill(depth - 1); }
+function fill(depth) { m = new MFFloat(); m.length = 16000000; if (depth) fill(depth - 1); }
 function test() { fill(4); }
 //= SFInt32 1
 //! Attempt to access unknown multi-valued field property x
