@@ -13,6 +13,8 @@
 #include <tessel/core/VrmlNode.h>
 #include <tessel/events/VrmlRoute.h>
 
+#include "core/FieldLists.h"
+
 namespace tessel {
 
 namespace {
@@ -33,21 +35,12 @@ int levelOf(Node node) {
   return found == levels().end() ? 0 : found->second;
 }
 
-/// Without asking an instance of a prototype for its fields, which would connect them all.
-SoFieldList fieldsOf(Node node) {
-  SoFieldList fields;
-  if (node->isOfType(VrmlNode::getClassTypeId()))
-    static_cast<const VrmlNode*>(node)->listFields(fields);
-  else
-    node->getFields(fields);
-  return fields;
-}
-
 enum Direction { down = -1, up = 1 };
 
 /// Gives the nodes to which routes lead from a node, or from which they come. False if `visit` has seen enough.
 template <class Visit> bool visitNeighbours(Node node, Direction direction, Visit visit) {
-  const SoFieldList fields = fieldsOf(node);
+  SoFieldList fields;
+  listFields(*node, fields);
   for (int i = 0; i < fields.getLength(); ++i) {
     SoFieldList ends;
     direction == up ? VrmlRoute::getAllOutgoing(fields[i], ends) : VrmlRoute::getAllIncoming(fields[i], ends);
@@ -59,7 +52,8 @@ template <class Visit> bool visitNeighbours(Node node, Direction direction, Visi
 
 /// Found without a list, since a node may have any number of routes.
 bool hasIncoming(Node node) {
-  const SoFieldList fields = fieldsOf(node);
+  SoFieldList fields;
+  listFields(*node, fields);
   for (int i = 0; i < fields.getLength(); ++i)
     if (fields[i]->isConnected()) return true;
   return false;

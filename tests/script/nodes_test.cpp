@@ -233,7 +233,8 @@ TEST(ScriptNodes, WhatShutdownAssignsGoesNowhere) {
     static_cast<SoSFNode*>(script->getField("go"))->setValue(script);
     static_cast<SoSFNode*>(script->getField("go"))->setValue(nullptr);
   }
-  EXPECT_THAT(reports.messages(), testing::Each(testing::StartsWith("SFNode does not have")));
+  EXPECT_THAT(reports.messages(), testing::AllOf(testing::Not(IsEmpty()),
+                                                 testing::Each(testing::StartsWith("SFNode does not have"))));
 }
 
 // Each of them makes the next one of its own text, which quotes itself.
