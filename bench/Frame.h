@@ -23,7 +23,7 @@ public:
 
   /// @param text    a world without its header
   /// @param frames  drawn at once, so that every display list stands
-  explicit Frame(const std::string& text, int frames = 8)
+  explicit Frame(const std::string& text, int frames = 32)
       : root(new SoSeparator), action(SbViewportRegion(width, height)) {
     context().makeCurrent();
     tessel::ReadStatus status;

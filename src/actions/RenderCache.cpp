@@ -31,6 +31,7 @@ void RenderCache::Release::operator()(SoGLRenderCache* list) const { list->unref
 
 unsigned RenderCache::shapesMet = 0;
 unsigned RenderCache::frame = 0;
+unsigned RenderCache::recordedInFrame = 0;
 
 RenderCache::RenderCache(int lists, int shapes)
     : capacity(lists), maxShapes(shapes), patience(leastPatience) {}
@@ -83,15 +84,21 @@ bool RenderCache::call(SoGLRenderAction* action) {
   return false;
 }
 
+bool RenderCache::mayRecord(SoGLRenderAction* action) const {
+  if (unchanged < patience || capacity <= 0 || keptOut || numShapes > static_cast<unsigned>(maxShapes))
+    return false;
+  // No other action tells when a frame begins.
+  if (recordedInFrame >= manyRecorded && VrmlRenderAction::delayedShapesOf(action)) return false;
+  return !SoCacheElement::anyOpen(action->getState());
+}
+
 void RenderCache::open(SoGLRenderAction* action) {
   SoState* state = action->getState();
   autoCacheOutside = SoGLCacheContextElement::resetAutoCacheBits(state);
   shapesBefore = shapesMet;
   // What is drawn unchanged into a list of a larger branch is ready for one when that is lost.
   countUse(action);
-  if (unchanged < patience || capacity <= 0 || SoCacheElement::anyOpen(state) || keptOut ||
-      numShapes > static_cast<unsigned>(maxShapes))
-    return;
+  if (!mayRecord(action)) return;
   if (static_cast<int>(entries.size()) >= capacity) {
     learnFrom(entries.back());
     entries.pop_back();
@@ -128,6 +135,7 @@ void RenderCache::close(SoGLRenderAction* action) {
   }
   const bool sound = !SoCacheElement::setInvalid(invalidOutside);
   making.numShapes = numShapes;
+  recordedInFrame += numShapes;
   if (sound) {
     entries.insert(entries.begin(), std::move(making));
     startWaiting();

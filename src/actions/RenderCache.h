@@ -15,7 +15,7 @@ class DelayedRecording;
 ///
 /// What the branch delays (see VrmlRenderAction) is recorded beside the list and delayed again whenever the list
 /// is drawn. At first a list is made when the branch has been drawn unchanged in one frame, or so often in this one that
-/// it pays at once: the first picture of a world does not wait for lists. The shorter the lists of a branch live, the
+/// it pays at once: the first picture of a world does not wait for lists, and the next ones share the making of them. The shorter the lists of a branch live, the
 /// longer it must stay unchanged before the next. None is made of a branch of many shapes: lists of its
 /// parts are drawn as fast, and a change costs less. Nor of one in which something says by the toolkit's
 /// DONT_AUTO_CACHE that it draws better without; these marks are passed on.
@@ -29,6 +29,8 @@ class RenderCache {
 public:
   /// Of more shapes a branch makes no list: the first that moved would cost all of them.
   static constexpr int manyShapes = 128;
+  /// When a frame has recorded so many shapes it makes no further list: to make one takes longer than to draw without.
+  static constexpr unsigned manyRecorded = 1000;
 
   /// `capacity`: how many lists may stand side by side, for several contexts or surroundings.
   /// `maxShapes`: how many shapes a list may hold.
@@ -46,7 +48,10 @@ public:
   /// The branch has changed.
   void invalidate();
   /// To be called by the action when a frame begins.
-  static void beginFrame() { ++frame; }
+  static void beginFrame() {
+    ++frame;
+    recordedInFrame = 0;
+  }
   /// To be called by each shape that is drawn, or delayed.
   static void countShape() { ++shapesMet; }
 
@@ -64,9 +69,11 @@ private:
   void learnFrom(const Entry& entry);
   void countUse(SoGLRenderAction* action);
   void startWaiting();
+  bool mayRecord(SoGLRenderAction* action) const;
 
-  static unsigned shapesMet;  // in all traversals so far, also in lists
-  static unsigned frame;      // a number of its own for each
+  static unsigned shapesMet;        // in all traversals so far, also in lists
+  static unsigned frame;            // a number of its own for each
+  static unsigned recordedInFrame;  // shapes that this frame has drawn into lists
 
   std::vector<Entry> entries;  // the one drawn last comes first
   Entry making;                // between open and close

@@ -5,6 +5,8 @@
 
 #include <functional>
 
+#include <Inventor/system/gl.h>
+
 #include <tessel/core/VrmlGroup.h>
 #include <tessel/core/VrmlSwitch.h>
 #include <tessel/core/VrmlTransform.h>
@@ -148,6 +150,30 @@ TEST(DisplayListsGL, PartsThatAlwaysMoveAreDrawnWhereTheyAre) {
     const auto expected = plain.drawing->frame();
     EXPECT_LE(differing(listed.drawing->frame(), expected), 4) << "frame " << frame;
   }
+}
+
+TEST(DisplayListsGL, FramesShareTheMakingOfThem) {
+  std::string text = "Group { children [ ";
+  for (int i = 0; i < 3000; ++i)
+    text += "Transform { translation " + std::to_string(i % 60 / 30.0 - 1) + " " +
+            std::to_string(i / 60 / 25.0 - 1) +
+            " 0 children Shape { appearance Appearance { material Material { } } geometry Box { size .1 .1 "
+            ".1 } } } ";
+  TestWorld world(text + "] }");
+  Drawing drawing(world.root());
+  std::vector<unsigned> made;
+  for (int frame = 0; frame < 8; ++frame) {
+    const unsigned before = glGenLists(1);
+    drawing.frame();
+    const unsigned after = glGenLists(1);
+    made.push_back(after - before - 1);
+    glDeleteLists(before, 1);
+    glDeleteLists(after, 1);
+  }
+  EXPECT_EQ(made[0], 0u) << "the first picture waits for no list";
+  for (std::size_t frame = 1; frame <= 3; ++frame) EXPECT_GT(made[frame], 0u) << "frame " << frame;
+  EXPECT_LT(2 * made[1], made[1] + made[2] + made[3]);
+  for (std::size_t frame = 5; frame < 8; ++frame) EXPECT_EQ(made[frame], 0u) << "frame " << frame;
 }
 
 struct Still {
