@@ -234,8 +234,8 @@ void img_setrowsize(RgbImage& image, std::size_t length) {
 }
 
 template <class Items> int readRow(RgbImage& image, unsigned short* buffer) {
-  const std::size_t length =
-      image.isVerbatim() ? std::size_t{image.xsize} * Items::size : img_getrowsize(image);
+  const std::size_t width = image.xsize;
+  const std::size_t length = image.isVerbatim() ? width * Items::size : img_getrowsize(image);
   if (length == noRow && !image.isVerbatim()) return -1;
   const unsigned char* const bytes = img_read(image, length);
   if (!bytes) {
@@ -243,25 +243,26 @@ template <class Items> int readRow(RgbImage& image, unsigned short* buffer) {
     return -1;
   }
   if (image.isRunLength())
-    tessel::img_rle_expand<Items>(bytes, length, buffer, image.xsize);
+    tessel::img_rle_expand<Items>(bytes, length, buffer, width);
   else
-    for (std::size_t x = 0; x < image.xsize; ++x) buffer[x] = Items::get(bytes + x * Items::size);
+    for (std::size_t x = 0; x < width; ++x) buffer[x] = Items::get(bytes + x * Items::size);
   return image.xsize;
 }
 
 template <class Items> int writeRow(RgbImage& image, const unsigned short* buffer) {
-  unsigned char* const bytes = img_write(image, tessel::longestPacked<Items>(image.xsize));
+  const std::size_t width = image.xsize;
+  unsigned char* const bytes = img_write(image, tessel::longestPacked<Items>(width));
   if (!bytes) {
     report("putrow: error on write of row\n");
     return -1;
   }
   if (image.isRunLength()) {
-    const std::size_t length = tessel::img_rle_compact<Items>(buffer, image.xsize, bytes);
+    const std::size_t length = tessel::img_rle_compact<Items>(buffer, width, bytes);
     img_setrowsize(image, length);
     img_written(image, length);
   } else {
-    for (std::size_t x = 0; x < image.xsize; ++x) Items::put(bytes + x * Items::size, buffer[x]);
-    img_written(image, std::size_t{image.xsize} * Items::size);
+    for (std::size_t x = 0; x < width; ++x) Items::put(bytes + x * Items::size, buffer[x]);
+    img_written(image, width * Items::size);
   }
   return image.xsize;
 }

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "textures/ImageFile.h"
 
+#include <sys/mman.h>
+
 #include <Inventor/SoInput.h>
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
-#include <memory>
+
+#include <tessel/toolkit/PlainReport.h>
 
 namespace tessel::test {
 namespace {
@@ -22,12 +24,17 @@ ReadImage take(ImageReader reader, const SoInput& in) {
 
 }  // namespace
 
-ReadImage readImage(ImageReader reader, const Bytes& file) {
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> open(std::tmpfile(), &std::fclose);
-  std::fwrite(file.data(), 1, file.size(), open.get());
-  std::fflush(open.get());
+OpenFile fileOf(const Bytes& bytes) {
+  OpenFile file(fdopen(memfd_create("image", MFD_CLOEXEC), "w+b"), &std::fclose);
+  std::fwrite(bytes.data(), 1, bytes.size(), file.get());
+  std::fflush(file.get());
+  return file;
+}
+
+ReadImage readImage(ImageReader reader, const Bytes& bytes) {
+  const OpenFile file = fileOf(bytes);
   SoInput in;
-  in.setFilePointer(open.get());
+  in.setFilePointer(file.get());
   return take(reader, in);
 }
 
@@ -53,5 +60,12 @@ Bytes toRgba(const ReadImage& image) {
                 : image.bytes[static_cast<std::size_t>((y * image.width + x) * image.components + source)]);
   return rgba;
 }
+
+PlainTexts::PlainTexts() {
+  setPlainReportHandler(
+      [](std::string_view part, void* self) { static_cast<PlainTexts*>(self)->text += part; }, this);
+}
+
+PlainTexts::~PlainTexts() { setPlainReportHandler(nullptr, nullptr); }
 
 }  // namespace tessel::test

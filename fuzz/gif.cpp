@@ -1,0 +1,8 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Any bytes to the reader of GIF files.
+#include "Images.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  tessel::fuzz::readImage(tessel_ReadGIFImage, {data, size});
+  return 0;
+}
