@@ -14,7 +14,7 @@ namespace {
 
 /// A progressive file may have any number of scans, each of which costs a pass over the whole image; honest ones have
 /// some ten.
-constexpr int mostScans = 500;
+constexpr int mostScans = 100;
 
 /// libjpeg's decompressor and where it jumps after an error.
 class JpegDecoder {
@@ -39,9 +39,10 @@ public:
     jpeg_stdio_src(&jpeg, file);
     jpeg_read_header(&jpeg, TRUE);
     if (!isReadableSize(jpeg.image_width, jpeg.image_height)) return false;
-    jpeg_start_decompress(&jpeg);
+    jpeg_calc_output_dimensions(&jpeg);
     const int kept = keptComponents(jpeg.output_components);
     if (kept == 0 || !image.allocate(jpeg.output_width, jpeg.output_height, kept)) return false;
+    jpeg_start_decompress(&jpeg);
     if (kept == jpeg.output_components)
       readRows(image);
     else
