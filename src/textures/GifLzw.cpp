@@ -23,19 +23,24 @@ inline int GifLzw::nextCode() {
   return code;
 }
 
-/// Empties table and stack. The first code behind is an index by itself; false if there is none.
-bool GifLzw::start() {
-  if (leastWidth >= widest) return false;
+GifLzw::GifLzw(std::FILE* file, int leastCodeSize) : blocks(file), leastWidth(leastCodeSize) {
+  if (leastWidth >= widest) return;
   clearCode = 1 << leastWidth;
-  width = leastWidth + 1;
-  maxCode = clearCode + 2;
-  maxCodeSize = 2 * clearCode;
+  maxCode = clearCode;
   for (int i = 0; i < clearCode; ++i) {
     prefix[i] = static_cast<std::uint16_t>(i);
     suffix[i] = static_cast<unsigned char>(i);
   }
-  std::fill(prefix + clearCode, prefix + tableLength, std::uint16_t{0});
-  std::fill(suffix + clearCode, suffix + tableLength, static_cast<unsigned char>(0));
+}
+
+/// Empties table and stack. The first code behind is an index by itself; false if there is none.
+bool GifLzw::start() {
+  if (leastWidth >= widest) return false;
+  std::fill(prefix + clearCode, prefix + maxCode, std::uint16_t{0});
+  std::fill(suffix + clearCode, suffix + maxCode, static_cast<unsigned char>(0));
+  width = leastWidth + 1;
+  maxCode = clearCode + 2;
+  maxCodeSize = 2 * clearCode;
   top = stackLength;
   do oldCode = nextCode();
   while (oldCode == clearCode);

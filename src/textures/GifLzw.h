@@ -12,7 +12,7 @@ namespace tessel {
 class GifLzw {
 public:
   /// For the data blocks of `file`, which stands behind the byte with the least code size.
-  GifLzw(std::FILE* file, int leastCodeSize) : blocks(file), leastWidth(leastCodeSize) {}
+  GifLzw(std::FILE* file, int leastCodeSize);
 
   /// Gives up to `count` indices; fewer if the data end, by their end code or without it.
   std::size_t decode(unsigned char* indices, std::size_t count);
@@ -42,9 +42,9 @@ private:
   int maxCode = 0;      // entries there are
   int maxCodeSize = 0;  // entries that codes of `width` bits can name
   int oldCode = 0;
-  unsigned char firstIndex = 0;  // of the string of the last code
-  std::uint16_t prefix[tableLength];
-  unsigned char suffix[tableLength];
+  unsigned char firstIndex = 0;            // of the string of the last code
+  std::uint16_t prefix[tableLength] = {};  // 0 from `maxCode` on
+  unsigned char suffix[tableLength] = {};
 
   // The string of a code is found from its end: the stack grows downwards, so that it is read upwards.
   bool started = false;

@@ -80,6 +80,7 @@ TEST(ImageCollectionSlow, ImagesAreWhatImageMagickDecodes) {
   const std::string convert = magick();
   if (!fs::exists(collection()) || convert.empty())
     GTEST_SKIP() << "no collection of worlds or no ImageMagick";
+  const PlainTexts heard;  // some files are cut short
   std::set<std::size_t> seen;
   int compared = 0;
   for (const fs::path& file : imageFiles()) {
