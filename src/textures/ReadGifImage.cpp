@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <span>
 
 #include "textures/GifImage.h"
@@ -26,7 +27,7 @@ Palette makePalette(std::span<const GifColor> colors, int transparentIndex) {
   return palette;
 }
 
-/// Whether a pixel has a colour that is not grey. Most colours of a table are found in the first rows.
+/// Whether a pixel has a colour that is not grey; of a coloured image the first rows mostly tell.
 bool usesColor(std::span<const unsigned char> indices, std::span<const GifColor> colors) {
   std::array<bool, gifColors> colored{};
   std::transform(colors.begin(), colors.end(), colored.begin(), [](const GifColor& c) { return !isGrey(c); });
@@ -34,10 +35,10 @@ bool usesColor(std::span<const unsigned char> indices, std::span<const GifColor>
 }
 
 /// A row of the image: of each entry the components from `First` in steps of `Step`.
-template <int Count, int First, int Step>
+template <std::size_t Count, std::size_t First, std::size_t Step>
 void paintRow(const unsigned char* indices, int width, const Palette& palette, unsigned char* row) {
   for (int x = 0; x < width; ++x, row += Count)
-    for (int c = 0; c < Count; ++c) row[c] = palette[indices[x]][static_cast<std::size_t>(First + c * Step)];
+    for (std::size_t c = 0; c < Count; ++c) row[c] = palette[indices[x]][First + c * Step];
 }
 using PaintRow = void (*)(const unsigned char* indices, int width, const Palette& palette,
                           unsigned char* row);
