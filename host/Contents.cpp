@@ -7,6 +7,7 @@
 
 #include <Inventor/SbViewportRegion.h>
 #include <Inventor/SoPath.h>
+#include <Inventor/actions/SoCallbackAction.h>
 #include <Inventor/actions/SoGetBoundingBoxAction.h>
 #include <Inventor/actions/SoSearchAction.h>
 #include <Inventor/fields/SoMFNode.h>
@@ -19,6 +20,7 @@
 #include <tessel/frame/VrmlViewpoint.h>
 #include <tessel/proto/VrmlExternProtoDef.h>
 #include <tessel/proto/VrmlProtoUse.h>
+#include <tessel/shapes/VrmlText.h>
 
 #include "JsonWriter.h"
 #include "Text.h"
@@ -124,6 +126,12 @@ Contents contentsOf(SoNode* root) {
   if (!root) return contents;
   countNodes(root, contents);
   contents.viewpoints = viewpointsOf(root);
+
+  // A text has triangles to count once something has asked for them.
+  SoCallbackAction askTexts;
+  askTexts.addTriangleCallback(
+      VrmlText::getClassTypeId(), [](auto...) {}, nullptr);
+  askTexts.apply(root);
 
   VrmlCountAction count;
   count.apply(root);

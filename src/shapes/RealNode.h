@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <tessel/core/VrmlNode.h>
 #include <tessel/core/VrmlSFNode.h>
 
 #include <Inventor/nodes/SoNode.h>
@@ -11,6 +12,13 @@ namespace tessel {
 template <class T> T* realNode(const VrmlSFNode& field) {
   SoNode* node = field.getRealValue();
   return node && node->isOfType(T::getClassTypeId()) ? static_cast<T*>(node) : nullptr;
+}
+
+/// Whether a field holds what it is for: a node of that type, a prototype of one, or none.
+inline bool takesItsNode(const VrmlSFNode& field, const SoType& type) {
+  SoNode* node = field.getValue();
+  if (!node || node->isOfType(type)) return true;
+  return node->isOfType(VrmlNode::getClassTypeId()) && static_cast<VrmlNode*>(node)->isProtoOfType(type, 0);
 }
 
 /// Lets the property of class T that a field holds act. An event may have put any other node there, even one that

@@ -6,8 +6,9 @@
 #include <Inventor/misc/SoNotification.h>
 #include <Inventor/sensors/SoOneShotSensor.h>
 
-#include <tessel/core/VrmlNode.h>
 #include <tessel/core/VrmlSFNode.h>
+
+#include "shapes/RealNode.h"
 
 namespace tessel {
 
@@ -22,12 +23,7 @@ SyncedChildren::~SyncedChildren() {
   list.truncate(0);
 }
 
-bool SyncedChildren::accepts(const Slot& slot) {
-  SoNode* node = slot.field->getValue();
-  if (!node || node->isOfType(slot.type)) return true;
-  return node->isOfType(VrmlNode::getClassTypeId()) &&
-         static_cast<VrmlNode*>(node)->isProtoOfType(slot.type, 0);
-}
+bool SyncedChildren::accepts(const Slot& slot) { return takesItsNode(*slot.field, slot.type); }
 
 bool SyncedChildren::fieldsAreSound() const { return std::all_of(slots, slots + numSlots, accepts); }
 

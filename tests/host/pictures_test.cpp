@@ -9,28 +9,45 @@
 namespace tessel::host {
 namespace {
 
-class PicturesGL : public ::testing::TestWithParam<const char*> {};
-
-TEST_P(PicturesGL, LookAsExpected) {
-  const std::string name = std::string("host/pictures/") + GetParam();
+void expectLooks(const std::string& name, const test::PictureTolerance& tolerance) {
+  const std::string file = "host/pictures/" + name;
   const Outcome run =
-      runTessel({"shot", test::testFile(name + ".wrl").string(), "-o", "shot.png", "--size", "128x128"});
+      runTessel({"shot", test::testFile(file + ".wrl").string(), "-o", "shot.png", "--size", "128x128"});
   ASSERT_EQ(run.status, 0) << run.err;
   EXPECT_EQ(run.err, "");
-  EXPECT_TRUE(test::looksLike(name + ".png", test::readPng(test::scratchDir() / "shot.png")));
+  EXPECT_TRUE(test::looksLike(file + ".png", test::readPng(test::scratchDir() / "shot.png"), tolerance));
 }
+
+std::string testName(const ::testing::TestParamInfo<const char*>& info) {
+  std::string name = info.param;
+  std::erase(name, '-');
+  return name;
+}
+
+class PicturesGL : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(PicturesGL, LookAsExpected) { expectLooks(GetParam(), {}); }
 
 INSTANTIATE_TEST_SUITE_P(Worlds, PicturesGL,
                          ::testing::Values("solid-colours", "face-and-vertex-colours", "creases",
                                            "concave-faces", "three-lights", "transparency",
                                            "transforms-and-use", "billboards", "lines-and-points",
                                            "sides-of-faces", "scaled-normals", "light-scopes", "spots",
-                                           "clear-colours"),
-                         [](const auto& info) {
-                           std::string name = info.param;
-                           std::erase(name, '-');
-                           return name;
-                         });
+                                           "clear-colours", "text-families"),
+                         testName);
+
+// A single text out of its place changes some sixty pixels.
+class JustifyPicturesGL : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(JustifyPicturesGL, LookAsExpected) { expectLooks(GetParam(), {0.5, 40, 0.003}); }
+
+INSTANTIATE_TEST_SUITE_P(
+    Worlds, JustifyPicturesGL,
+    ::testing::Values("text-rows-from-left-from-top", "text-rows-from-left-from-bottom",
+                      "text-rows-from-right-from-top", "text-rows-from-right-from-bottom",
+                      "text-columns-from-left-from-top", "text-columns-from-left-from-bottom",
+                      "text-columns-from-right-from-top", "text-columns-from-right-from-bottom"),
+    testName);
 
 }  // namespace
 }  // namespace tessel::host

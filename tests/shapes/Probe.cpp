@@ -12,6 +12,7 @@
 #include <Inventor/details/SoCylinderDetail.h>
 #include <Inventor/details/SoLineDetail.h>
 #include <Inventor/details/SoPointDetail.h>
+#include <Inventor/details/SoTextDetail.h>
 #include <Inventor/nodes/SoComplexity.h>
 #include <Inventor/nodes/SoDirectionalLight.h>
 #include <Inventor/nodes/SoSeparator.h>
@@ -58,6 +59,10 @@ std::vector<Hit> hitsOf(SoNode* scene, const SbVec3f& from, const SbVec3f& along
     Hit hit{p->getPoint(), p->getNormal(), p->getTextureCoords(), partOf(detail)};
     if (const auto* d = as<SoLineDetail>(detail)) hit.line = d->getLineIndex();
     if (const auto* d = as<SoPointDetail>(detail)) hit.coordinate = d->getCoordinateIndex();
+    if (const auto* d = as<SoTextDetail>(detail)) {
+      hit.line = d->getStringIndex();
+      hit.character = d->getCharacterIndex();
+    }
     hits.push_back(hit);
   }
   return hits;

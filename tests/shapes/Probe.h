@@ -21,8 +21,9 @@ struct Hit {
   SbVec3f point, normal;
   SbVec4f texCoords;
   int part = -1;        ///< of the detail; -1 if that tells none
-  int line = -1;        ///< of a line's detail
+  int line = -1;        ///< of a line's detail, or a text's
   int coordinate = -1;  ///< of a point's detail
+  int character = -1;   ///< of a text's detail
 };
 /// All of them, the nearest first.
 std::vector<Hit> hitsOf(SoNode* scene, const SbVec3f& from, const SbVec3f& along);

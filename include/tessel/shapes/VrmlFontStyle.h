@@ -4,6 +4,7 @@
 #include <tessel/core/NodeClass.h>
 #include <tessel/core/VrmlNode.h>
 
+#include <Inventor/SbString.h>
 #include <Inventor/fields/SoMFString.h>
 #include <Inventor/fields/SoSFBool.h>
 #include <Inventor/fields/SoSFFloat.h>
@@ -28,6 +29,13 @@ public:
   static void initClass();
 
   VrmlFontStyle();
+
+  /// The name of the font that `family` and `style` stand for, such as "Helvetica-Bold". Both may be in lower case;
+  /// what is none of theirs gives "Utopia-Regular".
+  SbString getFontName() const;
+  /// Puts name and size of the font into the state of an action, unless they are overridden there. Does nothing where
+  /// no FontStyle stands.
+  void setElements(SoAction* action);
 
 protected:
   ~VrmlFontStyle() override;
