@@ -60,16 +60,17 @@ template <class Look> void forAllInSight(SoNode* root, const Look& look) {
 
 constexpr std::string_view fileScheme = "file://";  // before the path, in all URLs that we make ourselves
 constexpr const char* switchedOff = "the network is switched off";
+constexpr const char* tooLarge = "it is too large";
 constexpr const char* inItself = "a file can't be inlined in itself";
 
 }  // namespace
 
-Fetcher::Fetcher(Diagnostics& d, const FetchOptions& o) : diagnostics(d), options(o) {
-  VrmlInline::setFetchURLCallBack(requestCB, this);
-}
+Fetcher::Fetcher(Diagnostics& d, const FetchOptions& o)
+    : diagnostics(d),
+      options(o),
+      listener([this](RequestPtr request) { queue.push_back(std::move(request)); }) {}
 
 Fetcher::~Fetcher() {
-  VrmlInline::setFetchURLCallBack(nullptr, nullptr);
   forgetWorld();
   VrmlDB::setBaseURL(nullptr);
 }
@@ -136,11 +137,6 @@ int Fetcher::readWorld(const Data& data, int file, SoRef<SoNode>& root, ReadStat
 
 // Requests.
 
-void Fetcher::requestCB(const SbString& url, void* self, VrmlInline* node) {
-  const bool forPrototypes = node->isOfType(VrmlExternProtoInline::getClassTypeId());
-  static_cast<Fetcher*>(self)->queue.push_back({SoRef<VrmlInline>(node), url.getString(), forPrototypes});
-}
-
 int Fetcher::pending() const {
   std::size_t count = queue.size();
   for (const auto& [url, requests] : coming) count += requests.size();
@@ -172,25 +168,24 @@ int Fetcher::answer(std::chrono::nanoseconds budget) {
   const VrmlSceneManager::Arrivals together;
   takeFromNetwork();
   while (!queue.empty() && Clock::now() - start < budget) {
-    const Request request = std::move(queue.front());
+    RequestPtr request = std::move(queue.front());
     queue.pop_front();
-    if (request.node->getRefCount() > 1) serve(request);  // else nobody but us knows the node any more
+    if (request->isWanted()) serve(std::move(request));
     ++answered;
   }
   return answered;
 }
 
 std::string Fetcher::target(const Request& request, std::string& failure) const {
-  const std::string base = request.node->getBaseURL().getString();
   std::string url(withoutFragment(request.url));
-  const std::string_view server = serverOf(base);
+  const std::string_view server = serverOf(request.base);
   if (!server.empty() && url.starts_with('/')) url.insert(0, server);
   if (isNetworkUrl(url)) {
     if (options.network) return tidiedForNetwork(url);
     failure = switchedOff;
     return {};
   }
-  if (files.isFromNetwork(base)) {
+  if (files.isFromNetwork(request.base)) {
     failure = "a world from the network gets nothing from this disk";
     return {};
   }
@@ -199,7 +194,7 @@ std::string Fetcher::target(const Request& request, std::string& failure) const 
     return {};
   }
   const fs::path folder =
-      fs::path(percentDecoded(withoutFragment(base).substr(fileScheme.size()))).parent_path();
+      fs::path(percentDecoded(withoutFragment(request.base).substr(fileScheme.size()))).parent_path();
   const auto path = findLocalFile(url, folder);
   if (!path) {
     failure = "there is no such file";
@@ -208,10 +203,10 @@ std::string Fetcher::target(const Request& request, std::string& failure) const 
   return fileUrlOf(*path);
 }
 
-std::string Fetcher::limitReached(int asker) const {
-  if (files[asker].depth + 1 > options.maxChain)
+std::string Fetcher::limitReached(int asker, bool forWorld) const {
+  if (forWorld && files[asker].depth + 1 > options.maxChain)
     return "more than " + std::to_string(options.maxChain) + " files that lead to one another";
-  if (files.size() > options.maxFiles)
+  if (forWorld && files.size() > options.maxFiles)
     return "the world is put together from more than " + counted(options.maxFiles, "file");
   if (totalBytes > options.maxTotalBytes) return "the files of the world are too large together";
   return {};
@@ -220,7 +215,7 @@ std::string Fetcher::limitReached(int asker) const {
 Fetcher::Data Fetcher::readLocal(const std::string& url) const {
   const std::string path = percentDecoded(std::string_view(url).substr(fileScheme.size()));
   std::error_code unknown;
-  if (fs::file_size(path, unknown) > options.limits.bytes && !unknown) return {{}, "it is too large", {}, {}};
+  if (fs::file_size(path, unknown) > options.limits.bytes && !unknown) return {{}, tooLarge, {}, {}};
   WorldFile file = readWorldFile(path);
   return {std::move(file.bytes), std::move(file.failure), url, shortName(path)};
 }
@@ -232,56 +227,81 @@ Fetcher::Data Fetcher::readDownloaded(const Network::Answer& answer) {
   return {std::move(file.bytes), std::move(file.failure), url, url};
 }
 
-void Fetcher::serve(const Request& request) {
-  if (request.url.empty()) {
-    const auto& alternatives = request.node->url;
-    const int index = request.node->getUrlIndex();
-    const bool named = index < alternatives.getNum() && alternatives[index].getLength() > 0;
-    fail(request, named ? inItself : "", Severity::warning);
+void Fetcher::serve(RequestPtr request) {
+  auto* world = dynamic_cast<WorldRequest*>(request.get());
+  if (request->url.empty()) {
+    fail(*request, world && world->meansItself() ? inItself : "", Severity::warning);
     return;
   }
-  const std::string limit = limitReached(files.fileOf(request.node->getBaseURL().getString()));
-  if (!limit.empty() && !request.forPrototypes) {  // a library may have been read already
-    fail(request, limit, Severity::error);
+  const bool forPrototypes = world && world->forPrototypes;  // a library may have been read already
+  const std::string limit = limitReached(files.fileOf(request->base), world != nullptr);
+  if (!limit.empty() && !forPrototypes) {
+    fail(*request, limit, Severity::error);
     return;
   }
   std::string failure;
-  const std::string url = target(request, failure);
+  const std::string url = target(*request, failure);
   if (url.empty()) {
-    fail(request, failure, Severity::warning);
+    fail(*request, failure, Severity::warning);
     return;
   }
-  if (const auto known = libraries.find(url); request.forPrototypes && known != libraries.end()) {
-    giveLibrary(request, known->second);
+  if (const auto known = libraries.find(url); forPrototypes && known != libraries.end()) {
+    giveLibrary(*world, known->second);
     return;
   }
   if (!limit.empty()) {
-    fail(request, limit, Severity::error);
+    fail(*request, limit, Severity::error);
     return;
   }
-  if (!isNetworkUrl(url)) {
-    give(request, url, readLocal(url));
-  } else if (const auto known = downloaded.find(url); known != downloaded.end()) {
-    give(request, url, readDownloaded(known->second));
+  if (!isNetworkUrl(url) || downloaded.contains(url)) {
+    give(*request, url);
   } else {
-    std::vector<Request>& waiting = coming[url];
+    std::vector<RequestPtr>& waiting = coming[url];
     if (waiting.empty()) askNetwork(url);
-    waiting.push_back(request);
+    waiting.push_back(std::move(request));
   }
 }
 
-void Fetcher::giveLibrary(const Request& request, const Library& library) {
-  files.lower(library.file, files.fileOf(request.node->getBaseURL().getString()));
+/// Answers with what is on this disk by now.
+void Fetcher::give(Request& request, const std::string& url) {
+  if (auto* world = dynamic_cast<WorldRequest*>(&request))
+    giveWorld(*world, url, isNetworkUrl(url) ? readDownloaded(downloaded.find(url)->second) : readLocal(url));
+  else
+    giveFile(static_cast<FileRequest&>(request), url);
+}
+
+void Fetcher::giveFile(FileRequest& request, const std::string& url) {
+  std::string path, failure;
+  if (const auto came = downloaded.find(url); came != downloaded.end()) {
+    path = came->second.file;
+    failure = came->second.failure;
+  } else {
+    path = percentDecoded(std::string_view(url).substr(fileScheme.size()));
+  }
+  std::error_code unknown;
+  const std::uintmax_t size = failure.empty() ? fs::file_size(path, unknown) : 0;
+  if (unknown) failure = "it can't be read";
+  if (size > options.limits.bytes && !unknown) failure = tooLarge;
+  if (!failure.empty()) {
+    fail(request, failure, Severity::warning);
+    return;
+  }
+  totalBytes += size;
+  request.give(path.c_str());
+}
+
+void Fetcher::giveLibrary(const WorldRequest& request, const Library& library) {
+  files.lower(library.file, files.fileOf(request.base));
   request.node->setProtoDict(VrmlProtoDict::getTopOfStack(library.stack));
   request.node->setChildData(nullptr);
 }
 
-void Fetcher::give(const Request& request, const std::string& url, const Data& data) {
+void Fetcher::giveWorld(WorldRequest& request, const std::string& url, const Data& data) {
   if (!data.failure.empty()) {
     fail(request, data.failure, Severity::warning);
     return;
   }
-  const int asker = files.fileOf(request.node->getBaseURL().getString());
+  const int asker = files.fileOf(request.base);
   if (!request.forPrototypes && files.leadsTo(asker, data.url)) {
     fail(request, inItself, Severity::error);
     return;
@@ -316,17 +336,16 @@ void Fetcher::give(const Request& request, const std::string& url, const Data& d
 }
 
 const std::string& Fetcher::nameOfAsker(const Request& request) const {
-  return files[files.fileOf(request.node->getBaseURL().getString())].name;
+  return files[files.fileOf(request.base)].name;
 }
 
-void Fetcher::fail(const Request& request, std::string_view why, Severity atLeast) {
+void Fetcher::fail(Request& request, std::string_view why, Severity atLeast) {
   const std::size_t before = queue.size();
-  request.node->fetchFailed();
+  request.fail();
   if (why.empty()) return;
   const bool lastHope = queue.size() == before;
-  const DefName* def = request.node->getDef();
   diagnostics.report(lastHope && options.missingIsError ? Severity::error : atLeast, nameOfAsker(request),
-                     def ? def->line : 0,
+                     request.line,
                      "can't get " + (request.url.empty() ? "a file" : request.url) + ": " + std::string(why));
 }
 
@@ -359,7 +378,7 @@ void Fetcher::settle(SoNode* root, bool all) {
     network->wait(left);
   }
   for (const auto& [url, requests] : coming)
-    diagnostics.report(Severity::warning, nameOfAsker(requests.front()), 0, url + " did not come in time");
+    diagnostics.report(Severity::warning, nameOfAsker(*requests.front()), 0, url + " did not come in time");
 }
 
 }  // namespace tessel::host

@@ -17,8 +17,7 @@
 #include "FileChain.h"
 #include "Network.h"
 #include "Occurrences.h"
-
-class VrmlInline;
+#include "Requests.h"
 
 namespace tessel::host {
 
@@ -71,11 +70,6 @@ public:
   void settle(SoNode* root, bool all);
 
 private:
-  struct Request {
-    SoRef<VrmlInline> node;
-    std::string url;
-    bool forPrototypes;  // by an EXTERNPROTO: many files may ask for one reading
-  };
   /// The bytes of a URL, or why there are none.
   struct Data {
     std::string bytes, failure;
@@ -88,23 +82,25 @@ private:
     int file;
   };
 
-  static void requestCB(const SbString& url, void* self, VrmlInline* node);
   void forgetWorld();
   void takeFromNetwork();
   void askNetwork(const std::string& url);
   Data openWorld(const std::string& path);
 
-  void serve(const Request& request);
+  using RequestPtr = std::unique_ptr<Request>;
+  void serve(RequestPtr request);
   /// Where the request leads: a URL of the network, or the URL of a file on this disk. Empty with a `failure`.
   std::string target(const Request& request, std::string& failure) const;
-  std::string limitReached(int asker) const;
+  std::string limitReached(int asker, bool forWorld) const;
   Data readLocal(const std::string& url) const;
   static Data readDownloaded(const Network::Answer& answer);
-  void give(const Request& request, const std::string& url, const Data& data);
-  void giveLibrary(const Request& request, const Library& library);
+  void give(Request& request, const std::string& url);
+  void giveWorld(WorldRequest& request, const std::string& url, const Data& data);
+  void giveLibrary(const WorldRequest& request, const Library& library);
+  void giveFile(FileRequest& request, const std::string& url);
   /// Reads a file under a stack of its own and gives the number of the stack.
   int readWorld(const Data& data, int file, SoRef<SoNode>& root, ReadStatus& status);
-  void fail(const Request& request, std::string_view why, Severity atLeast);
+  void fail(Request& request, std::string_view why, Severity atLeast);
   const std::string& nameOfAsker(const Request& request) const;
   static int askForMissing(SoNode* root, bool all);
 
@@ -112,14 +108,15 @@ private:
   FetchOptions options;
   ReadOptions readOptions;
   FileChain files;
-  std::deque<Request> queue;
-  std::map<std::string, Library> libraries;            // by URL
-  std::map<std::string, std::vector<Request>> coming;  // what waits for the network, by URL
-  std::map<std::string, Network::Answer> downloaded;   // what the network gave to this world, by URL
-  std::unique_ptr<Network> network;                    // from the first request on
+  std::deque<RequestPtr> queue;
+  std::map<std::string, Library> libraries;               // by URL
+  std::map<std::string, std::vector<RequestPtr>> coming;  // what waits for the network, by URL
+  std::map<std::string, Network::Answer> downloaded;      // what the network gave to this world, by URL
+  std::unique_ptr<Network> network;                       // from the first request on
   std::uint64_t totalBytes = 0;
   Occurrences inlines;  // how often each Inline that was read is met
   double shown = 0;     // nodes that a traversal meets
+  RequestListener listener;
 };
 
 }  // namespace tessel::host

@@ -1,12 +1,93 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include <tessel/textures/VrmlImageTexture.h>
 
+#include <Inventor/actions/SoCallbackAction.h>
+#include <Inventor/actions/SoGLRenderAction.h>
+
+#include <tessel/toolkit/Scoped.h>
+
 #include "core/NodeClassImpl.h"
+#include "core/WorldReader.h"
+
+using tessel::SoRef;
 
 std::span<const tessel::FieldSpec> VrmlImageTexture::fields() { return {}; }
 
 VrmlImageTexture::VrmlImageTexture() { setUpFields(); }
 
-VrmlImageTexture::~VrmlImageTexture() = default;
+VrmlImageTexture::~VrmlImageTexture() { dropDef(); }
+
+SbVec2s VrmlImageTexture::getSize() const { return texDef ? texDef->getSize() : SbVec2s(0, 0); }
+int VrmlImageTexture::getNumComponents() const { return texDef ? texDef->getNumComponents() : 0; }
+const unsigned char* VrmlImageTexture::getBytes() const { return texDef ? texDef->getBytes() : nullptr; }
+
+void VrmlImageTexture::dropDef() {
+  if (!texDef) return;
+  texDef->clearOwner();
+  texDef.reset();
+}
+
+void VrmlImageTexture::requestImageFromURL() {
+  requestMade = true;
+  // The old one goes last: the data of the same URL must not die and be read again in between.
+  const SoRef<VrmlTextureDef> old(texDef);
+  SoRef<VrmlTextureDef> made;
+  if (urlIndex < url.getNum() && url[urlIndex].getLength() > 0) {
+    made.reset(new VrmlTextureDef(getFullURLName(), this));
+    texDef = made;
+    made->fetch();  // which may fail at once, and lead here again
+  } else {
+    texDef.reset();
+  }
+  if (old) old->clearOwner();
+  if (texDef && texDef->isBadURL()) {
+    dropDef();
+    requestMade = false;  // the next one is tried when the texture is drawn
+    ++urlIndex;
+  }
+}
+
+void VrmlImageTexture::notify(SoNotList* list) {
+  if (texDef && texDef->isBadURL())
+    fetchFailed();
+  else if (texDef && urlPending && texDef->isLoaded())
+    resetTexture();
+  NodeClass::notify(list);
+}
+
+bool VrmlImageTexture::readBody(tessel::WorldReader& reader) {
+  image.setDefault(TRUE);
+  const bool good = NodeClass::readBody(reader);
+  if (image.isDefault()) return good;
+  const tessel::NotifyOff silence(image);
+  image.setValue(SbVec2s(0, 0), 0, nullptr);
+  image.setDefault(TRUE);
+  return good && reader.error("An ImageTexture has no field \"image\"");
+}
+
+void VrmlImageTexture::copyContents(const SoFieldContainer* from, SbBool copyConnections) {
+  detachFieldSensors();
+  copyQuietly(from, copyConnections);
+  requestImageFromURL();
+  attachFieldSensors();
+}
+
+// Actions
+
+void VrmlImageTexture::GLRender(SoGLRenderAction* action) {
+  if (!renderEnabled) return;
+  if (urlPending && !requestMade) requestImageFromURL();
+  reallyGLRender(action);
+}
+
+void VrmlImageTexture::reallyGLRender(SoGLRenderAction* action) {
+  if (actsIn(action) && texDef) texDef->render(action, this, repeatS.getValue(), repeatT.getValue());
+}
+
+void VrmlImageTexture::doAction(SoAction* action) {
+  if (actsIn(action) && texDef) texDef->doAction(action, this, repeatS.getValue(), repeatT.getValue());
+}
+
+void VrmlImageTexture::callback(SoCallbackAction* action) { doAction(action); }
 
 template class tessel::NodeClass<VrmlImageTexture, VrmlTexture>;

@@ -148,8 +148,8 @@ TEST(LinesGL, TakeTheirColours) {
 
 TEST(LinesGL, KnowNeitherLightNorTexture) {
   const std::string appearance =
-      "appearance Appearance { material Material { diffuseColor 1 0 0 } texture PixelTexture { image 1 1 3 "
-      "0x0000FF } } ";
+      "appearance Appearance { material Material { diffuseColor 1 0 0 } texture PixelTexture { image 1 1 1 "
+      "0x00 } } ";
   TestWorld world("Shape { " + appearance + "geometry IndexedLineSet { " + repeated(threeLines, 0) + "} }");
   LitDrawing drawing(world.root());
   expectThree(drawing, red, red, red);

@@ -27,6 +27,14 @@ public:
   /// Sets GL's fog for what is drawn from now on.
   void drawIt(SoState* state);
 
+  enum class Kind { none, linear, exponential };
+  /// What the fields ask for: no fog with a range of 0 or an unknown type.
+  Kind getKind() const;
+  /// The density of exponential fog.
+  float computeDensity() const;
+
+  void notify(SoNotList* list) override;
+
 protected:
   ~VrmlFog() override;
 };

@@ -22,6 +22,12 @@ public:
 
   VrmlTextureTransform();
 
+  void doAction(SoAction* action) override;
+  void GLRender(SoGLRenderAction* action) override;
+  void callback(SoCallbackAction* action) override;
+  void pick(SoPickAction* action) override;
+  void getMatrix(SoGetMatrixAction* action) override;
+
 protected:
   ~VrmlTextureTransform() override;
 };
