@@ -49,18 +49,18 @@ void BackgroundImage::dropForeignTexture(SoState* state) {
 }
 
 void BackgroundImage::bind(SoState* state) {
-  if (texture) {
-    texture->call(state);
-    return;
-  }
-  if (!SoCacheElement::anyOpen(state)) {
+  if (!texture && !SoCacheElement::anyOpen(state)) {
     auto* made = new SoGLDisplayList(state, SoGLDisplayList::TEXTURE_OBJECT, 1, FALSE);
     made->ref();
     texture.reset(made);
     texture->open(state);
+    send();
+    texture->close(state);
   }
-  send();
-  if (texture) texture->close(state);
+  if (texture)
+    texture->call(state);
+  else
+    send();
 }
 
 void BackgroundImage::send() {

@@ -24,7 +24,8 @@ void VrmlPixelTexture::notifyContainerOnly(const SoField* field) {
 
 bool VrmlPixelTexture::readBody(tessel::WorldReader& reader) {
   url.setDefault(TRUE);
-  const bool good = VrmlNode::readBody(reader);
+  const bool good =
+      VrmlNode::readBody(reader);  // NOLINT(bugprone-parent-virtual-call): it never asks for an image
   if (good) resetTexture();
   if (url.isDefault()) return good;
   const tessel::NotifyOff silence(url);

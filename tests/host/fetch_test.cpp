@@ -6,6 +6,8 @@
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 
 #include "HttpServer.h"
 #include "Program.h"
@@ -50,6 +52,48 @@ TEST(LocalFiles, AreFoundUnderTheNamesOfOtherSystems) {
     makeFile("main.wrl", world(inlined(url)));
     EXPECT_THAT(runTessel({"check", "--follow", "main.wrl"}).err, HasSubstr(":2: error: ")) << url;
   }
+}
+
+/// A square that fills the view, with a picture on it.
+std::string square(const std::string& urls) {
+  return world(
+      "Shape { appearance Appearance { texture ImageTexture { url [ " + urls +
+      " ] } } geometry IndexedFaceSet { coord Coordinate { point [ -9 -9 0, 9 -9 0, 9 9 0, -9 9 0 ] } "
+      "coordIndex [ 0 1 2 3 ] } }");
+}
+
+std::string redPicture() {
+  std::ifstream file(test::testFile("host/pictures/images/back.png"), std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+TEST(Pictures, ComeFromTheDiskByTheFirstAlternativeThatIsGoodGL) {
+  makeFile("textures/Red.PNG", redPicture());
+  makeFile("broken.png", "no picture");
+  makeFile("main.wrl", square("\"none.png\" \"broken.png\" \"textures/red.png\""));
+  EXPECT_TRUE(near(middleOf("main.wrl"), red));
+  const Outcome check = runTessel({"check", "--follow", "main.wrl"});
+  EXPECT_EQ(check.status, 1) << check.err;
+  EXPECT_THAT(check.err, HasSubstr("broken.png"));
+  makeFile("sky.wrl", world("Background { backUrl [ \"none.png\" \"textures/red.png\" ] }"));
+  EXPECT_TRUE(near(middleOf("sky.wrl"), red));
+}
+
+TEST(Pictures, ComeFromTheNetworkOnceForAllWhoNameThemGL) {
+  const std::string many = square("\"gone.png\" \"red.png\"");
+  HttpServer server({{"/main.wrl", {.body = many + many.substr(many.find('\n'))}},
+                     {"/red.png", {.body = redPicture(), .delay = 200ms}}});
+  EXPECT_TRUE(near(middleOf(server.url("/main.wrl")), red));
+  EXPECT_EQ(server.count("/red.png"), 1);
+  EXPECT_EQ(server.count("/gone.png"), 1);
+}
+
+TEST(Pictures, OfTheDiskAreNotForWorldsFromTheNetworkGL) {
+  makeFile("secret.png", redPicture());
+  const std::string path = (test::scratchDir() / "secret.png").string();
+  const std::string urls = "\"" + path + "\" \"file:" + path + "\" \"file://" + path + "\" \"secret.png\"";
+  HttpServer server({{"/main.wrl", {.body = square(urls) + "Background { backUrl [ " + urls + " ] }"}}});
+  EXPECT_FALSE(near(middleOf(server.url("/main.wrl")), red));
 }
 
 TEST(LocalFiles, ThatFailLeaveTheWorldAndAreNamedWithWhoAsked) {

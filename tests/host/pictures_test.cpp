@@ -28,13 +28,16 @@ class PicturesGL : public ::testing::TestWithParam<const char*> {};
 
 TEST_P(PicturesGL, LookAsExpected) { expectLooks(GetParam(), {}); }
 
-INSTANTIATE_TEST_SUITE_P(Worlds, PicturesGL,
-                         ::testing::Values("solid-colours", "face-and-vertex-colours", "creases",
-                                           "concave-faces", "three-lights", "transparency",
-                                           "transforms-and-use", "billboards", "lines-and-points",
-                                           "sides-of-faces", "scaled-normals", "light-scopes", "spots",
-                                           "clear-colours", "text-families"),
-                         testName);
+INSTANTIATE_TEST_SUITE_P(
+    Worlds, PicturesGL,
+    ::testing::Values("solid-colours", "face-and-vertex-colours", "creases", "concave-faces", "three-lights",
+                      "transparency", "transforms-and-use", "billboards", "lines-and-points",
+                      "sides-of-faces", "scaled-normals", "light-scopes", "spots", "clear-colours",
+                      "textures-and-materials", "texture-repeats", "texture-transforms", "textured-shapes",
+                      "background-sky-and-ground", "background-ground-in-sky", "background-two-sky-colours",
+                      "background-far-edges", "background-images", "background-image-over-sky", "fog-linear",
+                      "fog-exponential", "text-families"),
+    testName);
 
 // A single text out of its place changes some sixty pixels.
 class JustifyPicturesGL : public ::testing::TestWithParam<const char*> {};

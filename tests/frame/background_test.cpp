@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Bands of sky and ground, the search for the images, and fog.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <tessel/frame/VrmlBackground.h>
+#include <tessel/frame/VrmlFog.h>
+
+#include "frame/BackgroundBands.h"
+#include "support/TestWorld.h"
+
+using namespace tessel::test;
+using testing::ElementsAre;
+
+namespace {
+
+constexpr float right = 1.5707964F;
+using Angles = std::vector<float>;
+/// Colours are told apart by their red alone.
+using Reds = std::vector<float>;
+
+std::vector<SbColor> colors(const Reds& reds) {
+  std::vector<SbColor> list;
+  for (const float r : reds) list.emplace_back(r, 0, 0);
+  return list;
+}
+
+struct Bands {
+  const char* name;
+  Angles groundAngle;
+  Reds ground;
+  Angles skyAngle;
+  Reds sky;
+  std::vector<std::pair<float, float>> edges;  // elevation and red
+};
+
+class BackgroundBands : public testing::TestWithParam<Bands> {};
+
+const Bands bandTable[] = {
+    {"NoColourIsBlack", {}, {}, {}, {}, {{0, 0}}},
+    {"OneSkyColour", {}, {}, {1}, {0.5F}, {{0, 0.5F}}},
+    {"OneOfEachIsTheSky", {}, {0.9F}, {}, {0.5F}, {{0, 0.5F}}},
+    {"TwoSkyColoursWithoutAngle", {}, {}, {}, {0.5F, 1}, {{0, 0.5F}}},
+    {"TwoEqualSkyColours", {}, {}, {1}, {0.5F, 0.5F}, {{0, 0.5F}}},
+    {"TwoSkyColours", {}, {}, {1}, {0, 1}, {{-right, 1}, {0, 0.5F}, {right, 0}}},
+    {"TwoGroundColours", {0.3F}, {0, 1}, {}, {}, {{-right, 0}, {0, 0.5F}, {right, 1}}},
+    {"SkyOfThree",
+     {},
+     {},
+     {1, 1.5F},
+     {0, 0.5F, 1},
+     {{-right, 1}, {right - 1.5F, 1}, {right - 1.5F, 1}, {right - 1, 0.5F}, {right, 0}}},
+    {"SkyDownToTheGround",
+     {right},
+     {0.1F, 0.2F},
+     {1},
+     {0, 1},
+     {{-right, 0.1F}, {0, 0.2F}, {0, 1}, {right - 1, 1}, {right - 1, 1}, {right, 0}}},
+    // The ground ends half way between the edges at 0.2 and -0.2.
+    {"GroundInABand",
+     {right},
+     {0.1F, 0.2F},
+     {right - 0.2F, right + 0.2F},
+     {0, 0.4F, 0.8F},
+     {{-right, 0.1F}, {0, 0.2F}, {0, 0.6F}, {0.2F, 0.4F}, {right, 0}}},
+    {"GroundAtAnEdge",
+     {right - 0.2F},
+     {0.1F, 0.2F},
+     {right - 0.2F, right + 0.200001F},
+     {0, 0.4F, 0.8F},
+     {{-right, 0.1F}, {-0.2F, 0.2F}, {-0.2F, 0.8F}, {-0.2F, 0.8F}, {0.2F, 0.4F}, {right, 0}}},
+    {"AnglesOutOfOrderAreLifted",
+     {1.2F, 0.5F},
+     {0.1F, 0.2F, 0.3F},
+     {},
+     {0.9F},
+     {{-right, 0.1F},
+      {1.2F - right, 0.2F},
+      {1.2F - right, 0.3F},
+      {1.2F - right, 0.9F},
+      {right, 0.9F},
+      {right, 0.9F}}},
+    {"AnEdgeAtTheHorizonIfThereIsNoneNear",
+     {0.3F},
+     {0, 0.2F},
+     {},
+     {1},
+     {{-right, 0}, {0.3F - right, 0.2F}, {0.3F - right, 1}, {0, 1}, {right, 1}, {right, 1}}},
+};
+
+}  // namespace
+
+TEST_P(BackgroundBands, RiseFromTheNadir) {
+  const Bands& row = GetParam();
+  const auto ground = colors(row.ground), sky = colors(row.sky);
+  const tessel::BackgroundBands made =
+      tessel::makeBackgroundBands(row.groundAngle, ground, row.skyAngle, sky);
+  ASSERT_EQ(made.angles.size(), made.colors.size());
+  ASSERT_EQ(made.angles.size(), row.edges.size());
+  for (std::size_t i = 0; i < row.edges.size(); ++i) {
+    EXPECT_NEAR(made.angles[i], row.edges[i].first, 1e-4) << i;
+    EXPECT_NEAR(made.colors[i][0], row.edges[i].second, 1e-4) << i;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, BackgroundBands, testing::ValuesIn(bandTable),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+TEST(BackgroundBandsOf, HostileAnglesRiseToo) {
+  constexpr float nan = std::numeric_limits<float>::quiet_NaN(), inf = std::numeric_limits<float>::infinity();
+  const Angles values{nan, -inf, inf, -3, 7, 0.5F, nan, 1};
+  const auto some = colors({0, 0.1F, 0.2F, 0.3F, 0.4F});
+  for (std::size_t shift = 0; shift + 4 <= values.size(); ++shift) {
+    const std::span<const float> angles(values.data() + shift, 4);
+    for (std::size_t ground = 0; ground <= some.size(); ++ground) {
+      const auto made = tessel::makeBackgroundBands(angles, std::span(some).first(ground), angles, some);
+      ASSERT_FALSE(made.empty());
+      for (std::size_t i = 0; i < made.angles.size(); ++i) {
+        ASSERT_LE(std::abs(made.angles[i]), right) << shift << ' ' << ground;
+      }
+      ASSERT_TRUE(std::ranges::is_sorted(made.angles)) << shift << ' ' << ground;
+    }
+  }
+}
+
+TEST(Background, AsksForEachImageAndItsAlternatives) {
+  struct Asked {
+    std::vector<std::string> urls;
+    std::vector<int> indices;
+  } asked;
+  VrmlBackground::setFetchURLCallBack(
+      [](const SbString& url, void* data, VrmlBackground*, int index) {
+        static_cast<Asked*>(data)->urls.emplace_back(url.getString());
+        static_cast<Asked*>(data)->indices.push_back(index);
+      },
+      &asked);
+  VrmlBackground::fetchOnRead = 1;
+  TestWorld world("DEF B Background { frontUrl [ \"http://h/1\" \"http://h/2\" ] topUrl \"http://h/3\" }");
+  VrmlBackground::fetchOnRead = 0;
+  EXPECT_THAT(asked.urls, ElementsAre("http://h/1", "http://h/3"));
+  EXPECT_THAT(asked.indices, ElementsAre(2, 5));
+  auto* background = world.get<VrmlBackground>("B");
+  background->fetchFailed(2);
+  EXPECT_EQ(asked.urls.back(), "http://h/2");
+  background->fetchFailed(2);
+  EXPECT_EQ(asked.urls.size(), 3u) << "there is no further alternative";
+  EXPECT_STREQ(background->getFullURLName(2).getString(), "");
+  const unsigned char pixel[] = {1, 2, 3};
+  for (const int bad : {-1, 6, 1000}) background->setImage(bad, SbVec2s(1, 1), 3, pixel);
+  VrmlBackground::setFetchURLCallBack(nullptr, nullptr);
+}
+
+TEST(Fog, HasAKindByItsTypeAndRange) {
+  TestWorld world("DEF F Fog { }");
+  auto* fog = world.get<VrmlFog>("F");
+  using Kind = VrmlFog::Kind;
+  EXPECT_EQ(fog->getKind(), Kind::none);
+  fog->visibilityRange = 8;
+  EXPECT_EQ(fog->getKind(), Kind::linear);
+  fog->fogType = "EXPONENTIAL";
+  EXPECT_EQ(fog->getKind(), Kind::exponential);
+  EXPECT_FLOAT_EQ(fog->computeDensity(), 0.5F);
+  fog->fogType = "linear";
+  EXPECT_EQ(fog->getKind(), Kind::none);
+}

@@ -1,0 +1,285 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Who asks for a picture, who shares it, and what becomes of it.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <Inventor/actions/SoGetMatrixAction.h>
+#include <Inventor/elements/SoGLCacheContextElement.h>
+#include <Inventor/nodes/SoComplexity.h>
+#include <Inventor/system/gl.h>
+#include <tessel/shapes/VrmlAppearance.h>
+#include <tessel/textures/VrmlImageTexture.h>
+#include <tessel/textures/VrmlPixelTexture.h>
+#include <tessel/textures/VrmlTextureTransform.h>
+
+#include "support/Drawing.h"
+#include "support/Paths.h"
+#include "support/TestWorld.h"
+#include "textures/TextureDownload.h"
+#include "textures/VrmlTextureData.h"
+
+using namespace tessel::test;
+using tessel::SoRef;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+/// The host's side: notes what is asked for.
+class Requests {
+public:
+  Requests() {
+    VrmlTextureDef::setFetchURLCallBack(
+        [](const SbString& url, void* self, VrmlTextureDef* def) {
+          static_cast<Requests*>(self)->urls.emplace_back(url.getString());
+          static_cast<Requests*>(self)->defs.emplace_back(def);
+        },
+        this);
+  }
+  ~Requests() { VrmlTextureDef::setFetchURLCallBack(nullptr, nullptr); }
+  std::vector<std::string> urls;
+  std::vector<SoRef<VrmlTextureDef>> defs;
+};
+
+/// A colour file of the format that is easiest to write: RGB, verbatim.
+std::string pictureFile(const std::string& name, std::vector<unsigned char> rgb, int side = 1) {
+  std::string bytes("\x01\xDA\0\x01\0\x03\0", 7);
+  bytes += static_cast<char>(side);
+  bytes += '\0';
+  bytes += static_cast<char>(side);
+  bytes += std::string("\0\x03", 2);
+  bytes.resize(512);
+  for (const unsigned char channel : rgb)
+    bytes.append(static_cast<std::size_t>(side * side), static_cast<char>(channel));
+  const auto path = scratchDir() / name;
+  std::ofstream(path, std::ios::binary) << bytes;
+  return path.string();
+}
+
+std::string textured(const std::string& texture) {
+  return "Shape { appearance DEF APP Appearance { texture " + texture +
+         " } geometry IndexedFaceSet { coord Coordinate { point [ -2 -2 0, 2 -2 0, 2 2 0, -2 2 0 ] } "
+         "coordIndex [ 0 1 2 "
+         "3 ] } }\n";
+}
+
+std::string image(const std::string& urls, const std::string& more = "") {
+  return "DEF T ImageTexture { url [ " + urls + " ] " + more + " }";
+}
+
+int textureObjects() {
+  int count = 0;
+  for (GLuint id = 1; id < 2000; ++id) count += glIsTexture(id);
+  return count;
+}
+
+constexpr Colour red{255, 0, 0}, green{0, 255, 0};
+
+}  // namespace
+
+TEST(ImageTexture, AsksOnceForAUrlHoweverManyNodesNameIt) {
+  Requests requests;
+  TestWorld world("Group { children [ " + textured(image("\"http://h/a.png\"")) +
+                  textured("ImageTexture { url \"http://h/a.png\" repeatS FALSE }") +
+                  textured("ImageTexture { url \"http://h/b.png\" }") + "] }");
+  EXPECT_THAT(requests.urls, ElementsAre("http://h/a.png", "http://h/b.png"));
+  auto* texture = world.get<VrmlImageTexture>("T");
+  EXPECT_EQ(texture->getSize(), SbVec2s(0, 0));
+  EXPECT_TRUE(requests.defs[0]->readTexture(pictureFile("a.rgb", {1, 2, 3}).c_str()));
+  EXPECT_EQ(texture->getSize(), SbVec2s(1, 1));
+  EXPECT_EQ(texture->getNumComponents(), 3);
+  EXPECT_EQ(texture->getBytes()[2], 3);
+  // Who comes later gets it without asking.
+  TestWorld later(textured("ImageTexture { url \"http://h/a.png\" }"));
+  EXPECT_EQ(requests.urls.size(), 2u);
+}
+
+TEST(ImageTexture, TakesOnePathOfTheDiskInAllSpellingsForOne) {
+  Requests requests;
+  TestWorld world("Group { children [ " + textured("ImageTexture { url \"file:///x/y.png\" }") +
+                  textured("ImageTexture { url \"FILE://localhost/x/y.png\" }") +
+                  textured("ImageTexture { url \"file://other/x/y.png\" }") + "] }");
+  EXPECT_THAT(requests.urls, ElementsAre("file:///x/y.png", "file://other/x/y.png"));
+  const auto offset = [](const char* url) { return tessel::localPathOffset(url); };
+  EXPECT_EQ(offset("file:/a"), 5);
+  EXPECT_EQ(offset("file:///a"), 7);
+  EXPECT_EQ(offset("File://LOCALHOST/a"), 16);
+  for (const char* other : {"", "http://a/b", "file://host/a", "file:a"})
+    EXPECT_EQ(offset(other), 0) << other;
+}
+
+TEST(ImageTexture, TriesItsAlternativesInTheirOrder) {
+  Requests requests;
+  TestWorld world(textured(image("\"http://h/1\" \"http://h/2\" \"http://h/3\"")));
+  requests.defs[0]->fetchFailed();
+  ASSERT_EQ(requests.defs.size(), 2u);
+  EXPECT_FALSE(requests.defs[1]->readTexture("/nowhere/at/all"));
+  EXPECT_EQ(world.messages.count("Could not open texture file /nowhere/at/all."), 1);
+  ASSERT_THAT(requests.urls, ElementsAre("http://h/1", "http://h/2", "http://h/3"));
+  requests.defs[2]->fetchFailed();
+  requests.defs.clear();
+  EXPECT_EQ(requests.urls.size(), 3u);
+  EXPECT_EQ(world.get<VrmlImageTexture>("T")->getNumComponents(), 0);
+  // Another node hears at once that these are bad while somebody holds them, and a new url begins anew.
+  world.get<VrmlImageTexture>("T")->url = "http://h/4";
+  EXPECT_EQ(requests.urls.back(), "http://h/4");
+}
+
+TEST(ImageTexture, EndsItsSearchAtAnEmptyString) {
+  Requests requests;
+  TestWorld world(textured(image("\"\" \"http://h/2\"")));
+  EXPECT_THAT(requests.urls, IsEmpty());
+}
+
+TEST(ImageTexture, LetsGoOfWhatItNoLongerWants) {
+  Requests requests;
+  {
+    TestWorld world(textured(image("\"http://h/slow.png\"")));
+    EXPECT_TRUE(requests.defs[0]->isWanted());
+  }
+  EXPECT_FALSE(requests.defs[0]->isWanted()) << "a request keeps no node alive";
+  EXPECT_EQ(requests.defs[0]->getOwner(), nullptr);
+  requests.defs[0]->readTexture(pictureFile("late.rgb", {9, 9, 9}).c_str());
+}
+
+TEST(ImageTexture, ReadsLocalFilesByItselfWithoutAHost) {
+  const std::string good = pictureFile("good.rgb", {255, 0, 0});
+  const auto broken = scratchDir() / "broken.png";
+  std::ofstream(broken) << "no picture";
+  TestWorld world(textured(image("\"file://" + broken.string() + "\" \"file://" + good + "\"")));
+  EXPECT_EQ(world.messages.count("Could not read texture image " + ("//" + broken.string())), 1)
+      << world.messages.text();
+  EXPECT_EQ(world.get<VrmlImageTexture>("T")->getSize(), SbVec2s(1, 1));
+}
+
+TEST(Textures, RefuseTheFieldsThatAreNotTheirs) {
+  TestWorld withImage("Appearance { texture ImageTexture { image 1 1 1 0 } }");
+  EXPECT_EQ(withImage.status, tessel::ReadStatus::failed);
+  EXPECT_EQ(withImage.messages.count("line   2"), 1) << withImage.messages.text();
+  TestWorld withUrl("Appearance { texture PixelTexture { url \"a.png\" } }");
+  EXPECT_EQ(withUrl.status, tessel::ReadStatus::failed);
+  EXPECT_EQ(withUrl.messages.count("line   2"), 1) << withUrl.messages.text();
+}
+
+TEST(ImageTexture, CopiesShareThePicture) {
+  Requests requests;
+  TestWorld world("PROTO P [ field MFString u [] ] { " + textured("ImageTexture { url IS u }") +
+                  " } Group { children [ P { u \"http://h/p.png\" } P { u \"http://h/p.png\" } ] }");
+  EXPECT_THAT(requests.urls, ElementsAre("http://h/p.png"));
+}
+
+TEST(TexturesGL, StandInOneTextureObjectForEachWayToRepeatThem) {
+  const std::string url = "\"file://" + pictureFile("shared.rgb", {0, 255, 0}) + "\"";
+  std::string shapes;
+  for (int i = 0; i < 20; ++i)
+    shapes += textured("ImageTexture { url " + url + (i % 2 ? " repeatS FALSE" : "") + " }");
+  TestWorld world("Group { children [ " + shapes + "] }");
+  Drawing drawing(world.root());
+  const int before = textureObjects();
+  drawing.frame();
+  EXPECT_EQ(textureObjects() - before, 2);
+  EXPECT_TRUE(near(drawing.at(0, 0), green));
+  // Display lists bind the texture without the toolkit; it must not be taken away after a while.
+  for (int frame = 0; frame < 100; ++frame) drawing.frame();
+  EXPECT_EQ(textureObjects() - before, 2);
+  EXPECT_TRUE(near(drawing.at(0, 0), green));
+}
+
+TEST(TexturesGL, ChangeWithTheirFields) {
+  TestWorld world(textured("DEF T PixelTexture { image 1 1 3 0xFF0000 }"));
+  Drawing drawing(world.root());
+  drawing.frame(4);
+  EXPECT_EQ(drawing.at(0, 0), red);
+  const unsigned char pixel[] = {0, 255, 0};
+  auto* texture = world.get<VrmlPixelTexture>("T");
+  texture->image.setValue(SbVec2s(1, 1), 3, pixel);
+  drawing.frame();
+  EXPECT_EQ(drawing.at(0, 0), green);
+  texture->image.setValue(SbVec2s(0, 0), 0, nullptr);
+  drawing.frame();
+  EXPECT_EQ(drawing.at(0, 0), (Colour{204, 204, 204})) << "no picture, no texture";
+}
+
+TEST(TexturesGL, AreReadAgainWhenTheirFileHasChanged) {
+  const std::string file = pictureFile("changing.rgb", {255, 0, 0});
+  const std::string url = "\"file://" + file + "\"";
+  TestWorld world(textured("ImageTexture { url " + url + " }"));
+  Drawing drawing(world.root());
+  drawing.frame(4);
+  EXPECT_EQ(drawing.at(0, 0), red);
+  pictureFile("changing.rgb", {0, 255, 0});
+  namespace fs = std::filesystem;
+  fs::last_write_time(file, fs::last_write_time(file) + std::chrono::seconds(5));
+  drawing.frame();
+  EXPECT_EQ(drawing.at(0, 0), red) << "nobody has looked yet";
+  TestWorld another(textured("ImageTexture { url " + url + " }"));
+  drawing.frame(2);
+  EXPECT_EQ(drawing.at(0, 0), green);
+}
+
+TEST(TexturesGL, AreNotDrawnAtQualityZeroOrOutsideOfAnAppearance) {
+  TestWorld world(textured("PixelTexture { image 1 1 3 0xFF0000 }"));
+  Drawing drawing(world.root());
+  auto* complexity = new SoComplexity;
+  complexity->textureQuality = 0;
+  drawing.root->insertChild(complexity, 0);
+  drawing.frame();
+  EXPECT_EQ(drawing.at(0, 0), (Colour{204, 204, 204}));
+  complexity->textureQuality = 1;
+  drawing.frame(2);
+  EXPECT_EQ(drawing.at(0, 0), red);
+}
+
+TEST(TextureDownload, ChoosesSidesByTheirTopTwoBits) {
+  const struct {
+    int side, sent;
+  } rows[] = {{1, 1},   {2, 2},   {3, 4},    {5, 8},       {8, 8},       {9, 8},       {11, 8},
+              {12, 16}, {95, 64}, {96, 128}, {1023, 1024}, {1024, 1024}, {1025, 1024}, {5000, 1024}};
+  for (const auto& row : rows) EXPECT_EQ(tessel::textureSide(row.side, 1024), row.sent) << row.side;
+}
+
+TEST(TextureDownloadGL, MakesMipmapsByTruncatedMeans) {
+  // A picture of 4 x 2 pixels with one component.
+  TestWorld world(textured("PixelTexture { image 4 2 1 0 10 20 31 100 110 120 133 }"));
+  Drawing drawing(world.root());
+  auto* complexity = new SoComplexity;
+  complexity->textureQuality = 1;
+  drawing.root->insertChild(complexity, 0);
+  drawing.frame();
+  GLuint object = 0;
+  for (GLuint id = 1; id < 2000; ++id)
+    if (glIsTexture(id)) object = id;
+  glBindTexture(GL_TEXTURE_2D, object);
+  unsigned char level[8] = {};
+  glPixelStorei(GL_PACK_ALIGNMENT, 1);
+  glGetTexImage(GL_TEXTURE_2D, 1, GL_LUMINANCE, GL_UNSIGNED_BYTE, level);
+  EXPECT_EQ(level[0], (0 + 10 + 100 + 110) / 4);
+  EXPECT_EQ(level[1], (20 + 31 + 120 + 133) / 4);
+  glGetTexImage(GL_TEXTURE_2D, 2, GL_LUMINANCE, GL_UNSIGNED_BYTE, level);
+  EXPECT_EQ(level[0], (55 + 76) * 2 / 4);
+  GLint width = -1;
+  glGetTexLevelParameteriv(GL_TEXTURE_2D, 3, GL_TEXTURE_WIDTH, &width);
+  EXPECT_EQ(width, 0) << "no level below the one of a single pixel";
+}
+
+TEST(TextureTransform, GivesItsStepsAndTheirInverse) {
+  startLibrary();
+  const SoRef<VrmlTextureTransform> node(new VrmlTextureTransform);
+  node->translation.setValue(0.5F, 0.25F);
+  node->rotation = 1.5707963F;
+  node->scale.setValue(2, 4);
+  node->center.setValue(1, 1);
+  SoGetMatrixAction action{SbViewportRegion(10, 10)};
+  action.apply(node.get());
+  SbVec3f to;
+  // Less the centre (1, 0), scaled (2, 0), turned (0, 2), plus the centre (1, 3), moved.
+  action.getTextureMatrix().multVecMatrix(SbVec3f(2, 1, 0), to);
+  EXPECT_TRUE(to.equals(SbVec3f(1.5F, 3.25F, 0), 1e-4F)) << to[0] << ' ' << to[1];
+  action.getTextureInverse().multVecMatrix(to, to);
+  EXPECT_TRUE(to.equals(SbVec3f(2, 1, 0), 1e-4F)) << to[0] << ' ' << to[1];
+}
