@@ -49,7 +49,7 @@ std::shared_ptr<VrmlOutlineFontCache> VrmlOutlineFontCache::getFont(const Key& k
   if (!s.service) s.service = OutlineFonts::open();
   if (!*s.service) return nullptr;
   for (const auto& held : s.caches)
-    if (auto cache = held.lock(); cache && cache->serves(key)) return cache;
+    if (auto cache = held.lock(); cache && cache->key() == key) return cache;
   std::erase_if(s.caches, [](const auto& held) { return held.expired(); });
   auto cache = std::make_shared<VrmlOutlineFontCache>(key, **s.service);
   s.caches.push_back(cache);
@@ -63,7 +63,7 @@ void VrmlOutlineFontCache::setService(std::shared_ptr<OutlineFonts> fonts) {
   s.caches.clear();
 }
 
-VrmlOutlineFontCache::VrmlOutlineFontCache(const Key& k, OutlineFonts& service) : key(k) {
+VrmlOutlineFontCache::VrmlOutlineFontCache(const Key& key, OutlineFonts& service) : wanted(key) {
   const float tolerance = std::max(key.quality, finest) * toleranceOfOne;
   const auto open = [&](std::string_view name) {
     if (auto font = service.createFont(name, tolerance)) fonts.push_back(std::move(font));

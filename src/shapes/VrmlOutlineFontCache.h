@@ -43,12 +43,12 @@ public:
   VrmlOutlineFontCache(const VrmlOutlineFontCache&) = delete;
   VrmlOutlineFontCache& operator=(const VrmlOutlineFontCache&) = delete;
 
-  bool serves(const Key& other) const { return key == other; }
+  const Key& key() const { return wanted; }
   /// A glyph by its UCS-2 code; empty if no font has it. It stays where it is as long as the cache lives.
   const Glyph& glyph(char16_t code);
 
 private:
-  const Key key;
+  const Key wanted;
   std::vector<std::unique_ptr<tessel::OutlineFont>> fonts;
   std::unordered_map<char16_t, Glyph> glyphs;
 };

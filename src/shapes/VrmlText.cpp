@@ -19,7 +19,6 @@
 #include <Inventor/elements/SoGLCacheContextElement.h>
 #include <Inventor/elements/SoGLLazyElement.h>
 #include <Inventor/elements/SoGLMultiTextureCoordinateElement.h>
-#include <Inventor/elements/SoProjectionMatrixElement.h>
 #include <Inventor/elements/SoShapeHintsElement.h>
 #include <Inventor/elements/SoShapeStyleElement.h>
 #include <Inventor/elements/SoTextureCoordinateElement.h>
@@ -151,19 +150,21 @@ bool VrmlText::setupFontCache(SoAction* action) {
   float size = valueIn<SoFontSizeElement>(state, SoFontSizeElement::getDefault());
   if (!std::isfinite(size)) size = 0;
 
-  const auto type = valueIn<SoComplexityTypeElement>(state, int{SoComplexityTypeElement::OBJECT_SPACE});
-  float pixels = 0;
-  // Only an action with a camera knows sizes on the screen.
-  if (type == SoComplexityTypeElement::SCREEN_SPACE && has<SoProjectionMatrixElement>(state)) {
-    const SbVec3f reach(size, size, size);
-    pixels = tessel::largerExtent(getScreenSize(state, tessel::cornerBox(-reach, reach)));
-  }
-  const VrmlOutlineFontCache::Key key{
-      valueIn<SoFontNameElement>(state, SoFontNameElement::getDefault()),
-      VrmlOutlineFontCache::outlineQuality(valueIn<SoComplexityElement>(state, 0.5f), type, pixels)};
-
   TextDrawing& d = *drawing;
-  if (!d.font || !d.font->serves(key)) {
+  VrmlOutlineFontCache::Key key{valueIn<SoFontNameElement>(state, SoFontNameElement::getDefault())};
+  const auto type = valueIn<SoComplexityTypeElement>(state, int{SoComplexityTypeElement::OBJECT_SPACE});
+  const bool onScreen = type == SoComplexityTypeElement::SCREEN_SPACE;
+  const bool drawn = action->isOfType(SoGLRenderAction::getClassTypeId());
+  if (onScreen && !drawn && d.font && d.font->key().font == key.font) {
+    key.quality = d.font->key().quality;  // what it was drawn with: others don't know its size there
+  } else {
+    const SbVec3f reach(size, size, size);
+    const float pixels =
+        onScreen && drawn ? tessel::largerExtent(getScreenSize(state, tessel::cornerBox(-reach, reach))) : 0;
+    key.quality =
+        VrmlOutlineFontCache::outlineQuality(valueIn<SoComplexityElement>(state, 0.5f), type, pixels);
+  }
+  if (!d.font || d.font->key() != key) {
     auto font = VrmlOutlineFontCache::getFont(key);
     if (!font) return false;
     d.layout = {};  // it goes by the old one

@@ -212,6 +212,29 @@ TEST(ShotGL, SaysWhatItCannotDo) {
     EXPECT_EQ(runTessel({"shot", "w.wrl", "--size", size}).status, 2) << size;
 }
 
+TEST(ShotGL, ASystemWithoutFontsDrawsTheRest) {
+  const std::string text = "Shape { geometry Text { string [ \"A\", \"B\" ] fontStyle FontStyle { } } }";
+  const std::string configuration =
+      (test::scratchDir() / makeFile("fonts.conf", "<fontconfig></fontconfig>")).string();
+  setenv("FONTCONFIG_FILE", configuration.c_str(), 1);
+  const Outcome run = runTessel(
+      {"shot", "-o", "p.png", "--size", "32x32",
+       makeFile("w.wrl", world("Viewpoint { } " + text + text + shiningBox("0 0 0", "2 2 2", "1 0 0")))});
+  unsetenv("FONTCONFIG_FILE");
+  EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(run.err, "w.wrl: warning: no outline font on this system: text is not drawn\n");
+  EXPECT_EQ(Picture("p.png").at(0.5, 0.5), red);
+}
+
+TEST(Info, CountsTextsUnderAGivenBoxToo) {
+  const std::string text = "Shape { geometry Text { string \"l\" fontStyle FontStyle { family \"SANS\" } } }";
+  // A plain l is a bar: four points.
+  for (const std::string& body : {text, "Group { bboxSize 1 1 1 children " + text + " }"}) {
+    const Outcome run = runTessel({"info", "--json", makeFile("w.wrl", world(body))});
+    EXPECT_THAT(run.out, HasSubstr("\"triangles\": 4,")) << run.err;
+  }
+}
+
 TEST(Info, CountsWhatIsThere) {
   makeFile(
       "w.wrl",

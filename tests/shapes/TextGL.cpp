@@ -3,11 +3,9 @@
 
 #include <string>
 
-#include <Inventor/nodes/SoDirectionalLight.h>
+#include <Inventor/nodes/SoComplexity.h>
 #include <Inventor/nodes/SoTexture2.h>
-#include <Inventor/nodes/SoTexture2Transform.h>
 
-#include <tessel/shapes/VrmlFontStyle.h>
 #include <tessel/shapes/VrmlText.h>
 
 #include "shapes/FakeFonts.h"
@@ -120,6 +118,25 @@ TEST(TextGL, ATransparentTextIsDelayed) {
   drawing.frame(3);
   EXPECT_TRUE(near(drawing.at(-0.75f, 0.5f), {128, 0, 0}));
   EXPECT_TRUE(near(drawing.at(0.25f, 0.5f), {230, 102, 102}));
+}
+
+TEST(TextGL, AQualityOnTheScreenFollowsTheSizeThere) {
+  const FakeFonts fonts;
+  const TestWorld world("Transform { children " + text("string \"A\"" + small) + " }");
+  Drawing drawing(world.root());
+  auto* complexity = new SoComplexity;
+  complexity->type = SoComplexity::SCREEN_SPACE;
+  drawing.root->insertChild(complexity, 1);
+  drawing.frame(4);
+  EXPECT_EQ(drawing.at(0.5f, 0.5f), plain);
+  const int before = fonts.log->fetched[u'A'];
+  boxOf(drawing.root.get());  // does not know how large it is drawn
+  trianglesOf(drawing.root.get());
+  drawing.frame(3);
+  EXPECT_EQ(fonts.log->fetched[u'A'], before);
+  drawing.camera->height = 8;
+  drawing.frame(3);
+  EXPECT_EQ(fonts.log->fetched[u'A'], before + 1);
 }
 
 TEST(TextGL, TheMachinesFontsReachThePicture) {

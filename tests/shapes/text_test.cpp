@@ -291,6 +291,14 @@ TEST(Text, AFontOfTheToolkitIsAListOfNames) {
     expectExtent(root.get(), {0, 0, row.width, row.width}, row.name);
     EXPECT_EQ(fonts.log->opened, row.opened);
   }
+  // One that overrides wins over a FontStyle.
+  font->name = "Mine";
+  font->setOverride(TRUE);
+  const TestWorld styled(text("string \"A\""));
+  root->replaceChild(1, styled.root());
+  fonts.log->opened.clear();
+  expectExtent(root.get(), {0, 0, 3, 3}, "override");
+  EXPECT_EQ(fonts.log->opened, std::vector<std::string>{"Mine"});
 }
 
 TEST(Text, WithoutAnyFontThereIsNothing) {
