@@ -20,6 +20,7 @@
 #include <tessel/toolkit/SoRef.h>
 
 #include "core/NodeClassImpl.h"
+#include "core/UrlNodes.h"
 
 using tessel::FieldKind;
 using tessel::FieldSpec;
@@ -71,6 +72,12 @@ std::span<const FieldSpec> VrmlInline::fields() {
 void VrmlInline::initClass() {
   NodeClass::initClass();
   bboxColor.setValue(0.8F, 0.8F, 0.8F);
+  tessel::registerUrlNodes({getClassTypeId(), true, [](SoNode& node, bool request) {
+                              auto& self = static_cast<VrmlInline&>(node);
+                              if (request && !self.childrenLoaded && !self.fetchRequested)
+                                self.requestChildrenFromURL();
+                              return self.childrenLoaded;
+                            }});
 }
 
 VrmlInline::VrmlInline() : baseURL(VrmlDB::baseURL) { setUpFields(); }

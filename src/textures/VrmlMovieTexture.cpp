@@ -29,6 +29,11 @@ VrmlMovieTexture::VrmlMovieTexture() { setUpFields(); }
 
 VrmlMovieTexture::~VrmlMovieTexture() = default;
 
+void VrmlMovieTexture::requestImageFromURL() {
+  requestMade = true;
+  urlPending = false;  // whoever waits for its picture need not: movies are not played yet
+}
+
 void VrmlMovieTexture::initClass() {
   NodeClass::initClass();
   SO_ENABLE(SoGLRenderAction, SoGLCacheContextElement);

@@ -13,6 +13,7 @@
 #include <tessel/toolkit/VrmlContainerElement.h>
 
 #include "core/NodeClassImpl.h"
+#include "core/UrlNodes.h"
 #include "textures/ReadPicture.h"
 #include "textures/VrmlTextureCache.h"
 
@@ -61,6 +62,11 @@ void VrmlTexture::initClass() {
   SO_ENABLE(SoGLRenderAction, SoShapeStyleElement);
   SO_ENABLE(SoGLRenderAction, SoTextureQualityElement);
   SO_ENABLE(SoCallbackAction, SoMultiTextureImageElement);
+  tessel::registerUrlNodes({getClassTypeId(), false, [](SoNode& node, bool request) {
+                              auto& self = static_cast<VrmlTexture&>(node);
+                              if (request && self.urlPending && !self.requestMade) self.requestImageFromURL();
+                              return !self.urlPending;
+                            }});
 }
 
 void VrmlTexture::attachFieldSensors() {

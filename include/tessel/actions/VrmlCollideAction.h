@@ -3,10 +3,10 @@
 
 #include <tessel/Export.h>
 
+#include <Inventor/SbVec3f.h>
 #include <Inventor/actions/SoAction.h>
 #include <Inventor/actions/SoSubAction.h>
 
-class SbVec3f;
 class SbXfBox3f;
 class SoPrimitiveVertex;
 
@@ -21,6 +21,10 @@ public:
   VrmlCollideAction();
   ~VrmlCollideAction() override;
   static void initClass();
+
+  SbVec3f proximityLineStart{0, 0,
+                             0};      ///< where the present part of the avatar's move begins, in world space
+  SbVec3f proximityLineEnd{0, 0, 0};  ///< where it ends
 
   /// Whether geometry is to hand in its triangles.
   bool isCollisionTestOn() const { return false; }

@@ -24,6 +24,9 @@ public:
 
   VrmlMovieTexture();
 
+  /// Asks for nothing.
+  void requestImageFromURL() override;
+
 protected:
   ~VrmlMovieTexture() override;
 };
