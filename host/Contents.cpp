@@ -134,6 +134,7 @@ Contents contentsOf(SoNode* root) {
   askTexts.apply(root);
 
   VrmlCountAction count;
+  count.lodMode = 1;  // nothing was drawn: the finest levels
   count.apply(root);
   contents.triangles = count.numTriangles;
   contents.lines = count.numLineSegments;
