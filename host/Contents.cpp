@@ -14,6 +14,7 @@
 #include <Inventor/fields/SoSFNode.h>
 #include <Inventor/lists/SoFieldList.h>
 #include <Inventor/misc/SoChildList.h>
+#include <Inventor/nodes/SoGroup.h>
 #include <tessel/actions/VrmlCountAction.h>
 #include <tessel/core/VrmlNode.h>
 #include <tessel/events/VrmlRoute.h>
@@ -22,6 +23,7 @@
 #include <tessel/proto/VrmlProtoUse.h>
 #include <tessel/shapes/VrmlText.h>
 
+#include "Defaults.h"
 #include "JsonWriter.h"
 #include "Text.h"
 
@@ -127,21 +129,22 @@ Contents contentsOf(SoNode* root) {
   countNodes(root, contents);
   contents.viewpoints = viewpointsOf(root);
 
+  const SoRef<SoGroup> world = withDefaults(root);
   // A text has triangles to count once something has asked for them.
   SoCallbackAction askTexts;
   askTexts.addTriangleCallback(
       VrmlText::getClassTypeId(), [](auto...) {}, nullptr);
-  askTexts.apply(root);
+  askTexts.apply(world.get());
 
   VrmlCountAction count;
   count.lodMode = 1;  // nothing was drawn: the finest levels
-  count.apply(root);
+  count.apply(world.get());
   contents.triangles = count.numTriangles;
   contents.lines = count.numLineSegments;
   contents.points = count.numPoints;
 
   SoGetBoundingBoxAction bounds{SbViewportRegion(800, 600)};
-  bounds.apply(root);
+  bounds.apply(world.get());
   contents.box = bounds.getBoundingBox();
   return contents;
 }

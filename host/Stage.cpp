@@ -11,8 +11,9 @@
 #include <Inventor/SbViewportRegion.h>
 #include <Inventor/actions/SoGLRenderAction.h>
 #include <Inventor/actions/SoGetBoundingBoxAction.h>
-#include <Inventor/nodes/SoComplexity.h>
 #include <tessel/frame/VrmlViewpoint.h>
+
+#include "Defaults.h"
 
 namespace tessel::host {
 namespace {
@@ -41,19 +42,6 @@ Stage::Stage(int width, int height)
 
 Stage::~Stage() { manager->setSceneGraph(nullptr); }
 
-namespace {
-
-/// The toolkit's own choice would keep four bits of a colour and no mipmaps.
-SoRef<SoComplexity> bestTextures() {
-  SoRef<SoComplexity> complexity(new SoComplexity);
-  complexity->type.setIgnored(TRUE);
-  complexity->value.setIgnored(TRUE);
-  complexity->textureQuality = 1;
-  return complexity;
-}
-
-}  // namespace
-
 void Stage::setWorld(SoNode* newWorld) {
   world.reset(newWorld);
   boxId = 0;
@@ -65,7 +53,7 @@ void Stage::setWorld(SoNode* newWorld) {
   root->boundingBoxCaching = SoSeparator::OFF;
   root->renderCulling = SoSeparator::OFF;
   root->pickCulling = SoSeparator::OFF;
-  root->addChild(bestTextures().get());  // the background is drawn where the camera stands
+  root->addChild(defaults().get());  // the background is drawn where the camera stands
   root->addChild(camera.get());
   root->addChild(headlight.get());
   if (newWorld) root->addChild(newWorld);
@@ -126,7 +114,7 @@ const SbBox3f& Stage::worldBox() {
     box.makeEmpty();
   } else if (boxId != world->getNodeId()) {
     SoGetBoundingBoxAction bounds(manager->getViewportRegion());
-    bounds.apply(world.get());
+    bounds.apply(withDefaults(world.get()).get());
     box = bounds.getBoundingBox();
     boxId = world->getNodeId();
   }

@@ -331,7 +331,11 @@ void VrmlSceneManager::doBackground(SoGLRenderAction* action) {
 
 void VrmlSceneManager::doFog(SoGLRenderAction* action) {
   auto* fog = static_cast<VrmlFog*>(getCurrentBinding(VrmlFog::getClassTypeId()));
-  if (fog && drawsFirstWhole(action)) fog->drawIt(action->getState());
+  if (!drawsFirstWhole(action)) return;
+  if (fog)
+    fog->drawIt(action->getState());
+  else
+    glDisable(GL_FOG);
 }
 
 void VrmlSceneManager::updateBackgroundRotation() {
