@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <ranges>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -34,11 +35,11 @@ inline double countOccurrences(SoNode* root, double times, Occurrences& inlines)
   }
   met[root] = times;
   double all = 0;
-  for (auto at = order.rbegin(); at != order.rend(); ++at) {
-    const double count = met[*at];
+  for (SoNode* node : std::views::reverse(order)) {
+    const double count = met[node];
     all += count;
-    if ((*at)->isOfType(VrmlInline::getClassTypeId())) inlines[*at] = count;
-    const SoChildList* children = (*at)->getChildren();
+    if (node->isOfType(VrmlInline::getClassTypeId())) inlines[node] = count;
+    const SoChildList* children = node->getChildren();
     for (int i = 0; children && i < children->getLength(); ++i) met[(*children)[i]] += count;
   }
   return all;

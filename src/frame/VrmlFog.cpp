@@ -62,7 +62,7 @@ void VrmlFog::notify(SoNotList* list) {
     isBound.evaluate();
     if (field != &fogType && field != &visibilityRange && !isBound.getValue() && optimizedNotify) return;
   }
-  VrmlNode::notify(list);
+  VrmlNode::notify(list);  // NOLINT(bugprone-parent-virtual-call): no bind event
 }
 
 template class tessel::NodeClass<VrmlFog, VrmlBindingNode>;
