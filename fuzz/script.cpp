@@ -32,7 +32,7 @@ std::string world() {
                                               {"MFNode", "[ Group { } ]"},  {"MFVec2f", "[ 1 2, 3 4 ]"},
                                               {"MFVec3f", "[ 1 2 3 ]"},     {"MFColor", "[ 1 0 0 ]"},
                                               {"MFRotation", "[ 0 0 1 2 ]"}};
-  std::string text = "#VRML V2.0 utf8\nDEF S Script { eventIn SFBool go\n";
+  std::string text = "#VRML V2.0 utf8\nDEF S Script { eventIn SFBool go field SFNode self USE S\n";
   for (const auto& [type, value] : fields) {
     const std::string word = type;
     text += "field " + word + " f" + word + " " + value + "\n";
@@ -44,7 +44,8 @@ std::string world() {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static const bool started = (tessel::fuzz::start(), true);
+  constexpr int steps = 300;  // as few as still come round, so that many scripts are tried
+  static const bool started = (tessel::fuzz::start(), tessel::setScriptStepLimit(steps), true);
   (void)started;
   static const std::string text = world();
 

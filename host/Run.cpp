@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include <Inventor/SoDB.h>
+#include <Inventor/sensors/SoSensorManager.h>
 #include <CLI/CLI.hpp>
 
 #include "Diagnostics.h"
@@ -33,6 +35,8 @@ std::int64_t RunOptions::lastFrame() const {
   constexpr double rounding = 1e-6;  // 0.29 s of 100 frames are 29, though the product is a little less
   return static_cast<std::int64_t>(std::floor(seconds * framesPerSecond + rounding));
 }
+
+Run::LastNodes::~LastNodes() { SoDB::getSensorManager()->processDelayQueue(TRUE); }
 
 Run::Run(const RunOptions& o, const InputFile& i, const std::vector<std::string>& traced, int width,
          int height, Fetcher& f, Diagnostics& d)

@@ -51,6 +51,13 @@ public:
   /// To be called behind the last frame: what the run comes to.
   ExitStatus finish();
 
+private:
+  // Nodes that hold one another go when the sensors run once more; the first member is the last to go.
+  struct LastNodes {
+    ~LastNodes();
+  } lastNodes;
+
+public:
   Stage stage;
 
 private:

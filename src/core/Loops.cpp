@@ -156,6 +156,7 @@ void cut(const Counts& dead) {
   std::vector<SoRef<SoNode>> closing;
   for (const auto& [node, count] : dead)
     if (VrmlNode* ours = asVrmlNode(node); ours && ours->holdsNodesWeakly()) closing.emplace_back(ours);
+  for (const auto& node : closing) static_cast<VrmlNode*>(node.get())->leaveLoop();
   for (const auto& node : closing) clearNodeFields(*node);
 }
 

@@ -65,7 +65,7 @@ WorldReader::WorldReader(SourceText text, const ReadOptions& o)
       sourceName(source.fileName.c_str()),
       readOptions(o),
       tokens((source.bytes.empty() ? source.text : std::string_view(source.bytes)).substr(source.bodyStart),
-             source.bodyLine),
+             source.bodyLine + o.firstLine - 1),
       budget(std::make_shared<InstanceBudget>(InstanceBudget{
           .maxNodes = o.maxInstanceNodes, .maxNesting = o.maxInstanceNesting, .maxLevels = o.maxNesting})) {}
 

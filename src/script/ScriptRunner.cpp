@@ -70,8 +70,7 @@ void ScriptRunner::execute() {
   isUnusable = !tree;
   if (isUnusable) return;
 
-  ++executing;
-  tree->preExecute();
+  if (executing++ == 0) tree->preExecute();
   bool goesOn = true;
   while (next < pending.size()) {
     const EventInMemo memo = pending[next];

@@ -56,13 +56,18 @@ VrmlScript::~VrmlScript() { tessel::forgetSuspect(*this); }
 
 int VrmlScript::allEnabled = 1;
 
-// The last function of a program still finds the node whole.
+// The last function of a program still finds the node whole. Events that it sends here are handled at once or never.
+void VrmlScript::leaveLoop() {
+  if (!runner) return;
+  ref();
+  runner->shutDown();
+  unrefNoDelete();
+  runner.reset();
+}
+
+// A node that is in a loop may live on.
 void VrmlScript::destroy() {
-  if (const auto last = std::move(runner)) {
-    ref();
-    last->shutDown();
-    unrefNoDelete();
-  }
+  if (getDiscounted() == 0) leaveLoop();
   NodeClass::destroy();
 }
 

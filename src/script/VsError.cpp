@@ -28,10 +28,9 @@ void post(ScriptReportKind kind, std::string_view message, const std::string& te
   sink.handler({kind, message, text, where.script, where.file, where.line}, sink.data);
 }
 
-script::Location whereItRuns() { return innermost ? innermost->location() : script::Location(); }
-
 void postRunning(ScriptReportKind kind, std::string_view message) {
-  post(kind, message, "VrmlScript Runtime Error:\n    " + std::string(message) + "\n", whereItRuns());
+  post(kind, message, "VrmlScript Runtime Error:\n    " + std::string(message) + "\n",
+       script::VsError::whereItRuns());
 }
 
 }  // namespace
@@ -48,6 +47,8 @@ Locator::Locator() : outer(innermost) { innermost = this; }
 Locator::~Locator() { innermost = outer; }
 
 std::int64_t scriptStepLimit() { return stepLimit; }
+
+Location VsError::whereItRuns() { return innermost ? innermost->location() : Location(); }
 
 void VsError::postRuntimeError(const char* format, ...) {
   std::va_list arguments;

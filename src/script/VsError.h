@@ -34,6 +34,9 @@ private:
 /// The one way out for complaints about scripts.
 namespace VsError {
 
+/// Where the innermost running script is.
+Location whereItRuns();
+
 [[gnu::format(printf, 1, 2)]] void postRuntimeError(const char* format, ...);
 /// A complaint about what runs, as a line of its own.
 void postRunningLine(std::string_view message);

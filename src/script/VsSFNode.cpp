@@ -92,10 +92,19 @@ void VsSFNode::setResult(Value& result, SoNode* node) {
 
 SoRef<SoNode> VsSFNode::read(std::string_view text) {
   if (!mayRead()) return {};
+  // Its messages name the place in the script as the place of its first line.
+  const Location where = VsError::whereItRuns();
+  const std::string file(where.file);
+  ReadOptions options;
+  options.firstLine = where.line;
   const std::string_view header = VrmlDB::header_v2.getString();
-  const std::string whole = (text.starts_with(header) ? "" : std::string(header) + "\n") + std::string(text);
+  std::string whole(text);
+  if (!text.starts_with(header)) {
+    whole.insert(0, std::string(header) + "\n");
+    --options.firstLine;
+  }
   ReadStatus status;
-  return SoRef<SoNode>(VrmlDB::read(whole, "", status));
+  return SoRef<SoNode>(VrmlDB::read(whole, file.c_str(), status, options));
 }
 
 void VsSFNode::constructField(Arguments arguments) {

@@ -9,11 +9,13 @@
 #include <string>
 #include <vector>
 
+#include <Inventor/SoDB.h>
 #include <Inventor/fields/SoSFBool.h>
 #include <Inventor/fields/SoSFFloat.h>
 #include <Inventor/fields/SoSFInt32.h>
 #include <Inventor/fields/SoSFString.h>
 #include <Inventor/fields/SoSFTime.h>
+#include <Inventor/sensors/SoSensorManager.h>
 
 #include "script/ScriptRun.h"
 #include "support/TestWorld.h"
@@ -123,6 +125,37 @@ TEST(ScriptEvents, ShutdownRunsWhenTheNodeGoes) {
     EXPECT_THAT(reports.messages(), IsEmpty());
   }
   EXPECT_THAT(reports.messages(), ElementsAre("Attempt to access an uninitialized variable"));
+}
+
+// It goes with the toolkit's next look at what waits, whole, and can still send itself events, but not without end.
+TEST(ScriptEvents, ShutdownRunsOnceInAScriptThatHoldsItself) {
+  const ScriptReports reports;
+  setScriptStepLimit(1000);
+  {
+    const TestWorld world(R"(Group { children DEF S Script {
+      eventIn SFInt32 go eventIn SFBool late field SFNode me USE S field SFNode kept NULL
+      url "vrmlscript: function initialize() { starting; } function go(v) { if (v > 1) me.nosuch; }
+           function late() { }
+           function shutdown() { me.go = 2; while (1) me.late = 1; }" } })");
+    static_cast<SoSFInt32*>(world.get<VrmlScript>("S")->getField("go"))->setValue(1);
+  }
+  SoDB::getSensorManager()->processDelayQueue(TRUE);
+  setScriptStepLimit(0);
+  EXPECT_THAT(reports.messages(), ElementsAre("Attempt to access an uninitialized variable",
+                                              "SFNode does not have a property named nosuch",
+                                              "Script was stopped: it takes too many steps"));
+}
+
+TEST(ScriptEvents, AScriptThatNoLongerHoldsItselfGoesOn) {
+  const ScriptWorld world(R"(Group { children [ DEF S Script {
+    eventIn SFInt32 go field SFNode me USE S field SFNode other NULL field SFInt32 calls 0
+    url "vrmlscript: function go() { calls = calls + 1; me = other; } function shutdown() { gone; }" } ] })");
+  for (int i = 0; i < 3; ++i) {
+    world.field<SoSFInt32>("S", "go").setValue(i);
+    SoDB::getSensorManager()->processDelayQueue(TRUE);
+  }
+  EXPECT_EQ(world.field<SoSFInt32>("S", "calls").getValue(), 3);
+  EXPECT_THAT(world.reports.messages(), IsEmpty());
 }
 
 TEST(ScriptEvents, NothingRunsWhileScriptsAreDisabled) {

@@ -195,6 +195,22 @@ TEST(ScriptNodes, NodesAreMadeOfTexts) {
   EXPECT_EQ(world.get<VrmlGroup>("G")->getNumChildren(), 1);
 }
 
+// In the text itself, and in the scripts that it makes.
+TEST(ScriptNodes, MistakesInATextAreWhereTheScriptHasIt) {
+  const NodeWorld world("", R"(field SFNode made NULL field SFString q "\"")",
+                        "\n new SFNode('Shape { nosuch 1 }');\n"
+                        "Browser.createVrmlFromString('#VRML V2.0 utf8\n\nBox { size a }');\n"
+                        "made = n = new SFNode('DEF N Script { eventIn SFBool go\n"
+                        " url ' + q + 'vrmlscript: function go() { x = y; }' + q + '}'); n.go = 1;");
+  world.go();
+  EXPECT_EQ(world.messages.count("Occurred at line   3 in test.wrl"), 1) << world.messages.text();
+  EXPECT_EQ(world.messages.count("Occurred at line   6 in test.wrl"), 1) << world.messages.text();
+  ASSERT_EQ(world.reports.heard.size(), 1U);
+  EXPECT_EQ(world.reports.heard[0].script, "N");
+  EXPECT_EQ(world.reports.heard[0].file, "test.wrl");
+  EXPECT_EQ(world.reports.heard[0].line, 8);
+}
+
 TEST(ScriptNodes, AnInstanceHasThePropertiesOfItsInterface) {
   const NodeWorld world(
       "PROTO P [ exposedField SFVec3f place 1 2 3 eventIn SFFloat see ]"

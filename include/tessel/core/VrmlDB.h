@@ -27,6 +27,7 @@ struct ReadOptions {
   bool strict = false;  ///< refuse what would pass with a warning
   /// Parse the programs of Scripts as they are read, without running them, so that their errors are reported now.
   bool checkScripts = false;
+  int firstLine = 1;      ///< what messages call the first line of the text
   int maxNesting = 4000;  ///< levels of nodes inside nodes; deeper is an error
   /// Nodes that a traversal may meet, each USE counted with all below it; more is an error.
   std::uint64_t maxExpanded = 100'000'000;

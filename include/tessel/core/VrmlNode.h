@@ -97,6 +97,8 @@ public:
   /// Whether nodes in the node's fields do not hang from it in a traversal, so that they may be nodes above
   /// it (a Script).
   virtual bool holdsNodesWeakly() const;
+  /// Called when nobody will hold the node any more but a loop that it closes, while all in the loop is still whole.
+  virtual void leaveLoop() {}
 
   /// Called when a node below this one, in a field that holds weakly, has taken or is about to take a reference to
   /// it: that reference no longer keeps the node alive.

@@ -61,6 +61,8 @@ public:
   int isSpatial() const override { return 0; }
   /// A script may know nodes above it.
   bool holdsNodesWeakly() const override { return true; }
+  /// Calls the program's `shutdown`. The program is gone then.
+  void leaveLoop() override;
   /// Reads declarations too.
   bool readBody(tessel::WorldReader& reader) override;
   void copyContents(const SoFieldContainer* from, SbBool copyConnections) override;
