@@ -237,20 +237,6 @@ void VrmlLOD::getBoundingBox(SoGetBoundingBoxAction* action) {
 
 // Rendering
 
-void VrmlLOD::GLRender(SoGLRenderAction* action) {
-  switch (action->getCurPathCode()) {
-    case SoAction::NO_PATH:
-    case SoAction::BELOW_PATH:
-      GLRenderBelowPath(action);
-      break;
-    case SoAction::IN_PATH:
-      GLRenderInPath(action);
-      break;
-    case SoAction::OFF_PATH:
-      break;
-  }
-}
-
 void VrmlLOD::GLRenderBelowPath(SoGLRenderAction* action) { doAction(action); }
 
 void VrmlLOD::GLRenderInPath(SoGLRenderAction* action) {

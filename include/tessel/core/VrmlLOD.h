@@ -59,7 +59,6 @@ public:
   void callback(SoCallbackAction* action) override;
   void rayPick(SoRayPickAction* action) override;
   void getBoundingBox(SoGetBoundingBoxAction* action) override;
-  void GLRender(SoGLRenderAction* action) override;
   void GLRenderBelowPath(SoGLRenderAction* action) override;
   void GLRenderInPath(SoGLRenderAction* action) override;
   void collisionDetect(VrmlCollideAction* action) override;
