@@ -3,6 +3,7 @@
 #include "script/Interpreter.h"
 
 #include "script/Arithmetic.h"
+#include "script/Effort.h"
 #include "script/JsMath.h"
 #include "script/VsMFields.h"
 #include "script/VsParseTree.h"
@@ -24,7 +25,7 @@ bool Interpreter::run(Function& called, std::span<const Value> arguments, Value*
   if (!enter(called)) return true;
   const std::size_t count = std::min(arguments.size(), static_cast<std::size_t>(called.numArgs));
   for (std::size_t i = 0; i < count; ++i) window[i].setValue(arguments[i]);
-  if (loop()) return true;
+  if (takeStep(called.code.front()) && loop()) return true;
   while (tree.stack.depth() > bottom) leave();
   return false;
 }
@@ -59,6 +60,8 @@ void Interpreter::leave() {
 }
 
 bool Interpreter::takeStep(const Instruction& instruction) {
+  if (Effort::isOwed()) [[unlikely]]
+    tree.stepsLeft -= Effort::settle();
   if (--tree.stepsLeft > 0) return true;
   at = &instruction;
   VsError::postStopped("Script was stopped: it takes too many steps");

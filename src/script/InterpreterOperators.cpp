@@ -9,6 +9,7 @@
 #include <tessel/script/RuntimeErrors.h>
 
 #include "script/Arithmetic.h"
+#include "script/Effort.h"
 #include "script/Interpreter.h"
 #include "script/JsMath.h"
 #include "script/VsField.h"
@@ -94,6 +95,7 @@ void Interpreter::slowCompare(const Instruction& i) {
     const auto text = [](const Value& value, const std::string& number) {
       return isText(value) ? VsSFString::viewOf(value) : std::string_view(number);
     };
+    Effort::add(isText(a) ? VsSFString::viewOf(a).size() : 0);
     const std::string left = number(a);
     const std::string right = number(b);
     result.setBool(comparisonOf(op, text(a, left).compare(text(b, right)), 0, all));

@@ -19,6 +19,7 @@ public:
   bool has(std::size_t bytes) const { return isLeft(all - taken + bytes); }
   /// Whether one more value may.
   static bool hasMore(std::size_t bytes) { return isLeft(all + bytes); }
+  std::size_t size() const { return taken; }
   void take(std::size_t bytes) {
     all += bytes - taken;
     taken = bytes;

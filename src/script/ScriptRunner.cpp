@@ -46,10 +46,13 @@ bool ScriptRunner::take(const SoField* field) {
 
 // In the order of their times, those of one time in the order in which they came. The first one keeps its place.
 void ScriptRunner::addEventInMemo(std::size_t eventIn, const SbTime& time) {
-  auto place = pending.begin() + static_cast<std::ptrdiff_t>(next);
-  if (place != pending.end()) ++place;
-  while (place != pending.end() && !(time < place->time)) ++place;
-  pending.insert(place, {eventIn, time});
+  if (next > pending.size() / 2) {
+    pending.erase(pending.begin(), pending.begin() + static_cast<std::ptrdiff_t>(next));
+    next = 0;
+  }
+  std::size_t place = pending.size();
+  while (place > next + 1 && time < pending[place - 1].time) --place;
+  pending.insert(pending.begin() + static_cast<std::ptrdiff_t>(place), {eventIn, time});
   ++eventIns[eventIn].waiting;
 }
 
@@ -70,7 +73,8 @@ void ScriptRunner::execute() {
   isUnusable = !tree;
   if (isUnusable) return;
 
-  if (executing++ == 0) tree->preExecute();
+  ++executing;
+  tree->preExecute();
   bool goesOn = true;
   while (next < pending.size()) {
     const EventInMemo memo = pending[next];

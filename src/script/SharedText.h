@@ -7,6 +7,7 @@
 #include <string_view>
 #include <utility>
 
+#include "script/Effort.h"
 #include "script/Room.h"
 
 namespace tessel::script {
@@ -29,6 +30,7 @@ public:
   /// Takes another text, in the same memory if nobody shares it.
   void become(std::string_view text) {
     if (characters && characters.use_count() == 1) {
+      Effort::add(text.size());
       characters->text.assign(text);
       characters->count();
       length = text.size();
@@ -54,6 +56,7 @@ public:
     } else {
       sum.characters = made(view());
     }
+    Effort::add(more.size());
     sum.characters->text.append(more);
     sum.characters->count();
     sum.length = length + more.size();
@@ -68,6 +71,7 @@ private:
     Room room;
   };
   static std::shared_ptr<Characters> made(std::string_view text) {
+    Effort::add(text.size());
     return std::make_shared<Characters>(text);
   }
 

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string_view>
 #include <type_traits>
 #include <vector>
@@ -84,6 +85,8 @@ private:
 
   Field& live() const { return *static_cast<Field*>(liveField()); }
   bool has(std::int32_t i) const;
+  bool write(int first, std::span<const Stored> values);
+  void cut(int n);
   bool put(std::int32_t i, const Stored& value);
   bool setCount(std::int32_t n);
   bool resizeOwn(std::size_t n);

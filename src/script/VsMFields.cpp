@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "script/Effort.h"
 #include "script/VsSFNode.h"
 #include "script/VsSFString.h"
 
@@ -31,8 +32,35 @@ template <class Traits> bool VsMField<Traits>::resizeOwn(std::size_t n) {
     own.reserve(size);
     room.take(own.capacity() * sizeof(Stored));
   }
+  if (n > own.size()) Effort::add((n - own.size()) * sizeof(Stored));
   own.resize(n, Traits::neutral());
   return true;
+}
+
+// Into the field. The characters of strings count as memory that the script has taken.
+template <class Traits> bool VsMField<Traits>::write(int first, std::span<const Stored> values) {
+  if constexpr (requires { Traits::lengthAt(live(), first); }) {
+    std::size_t size = room.size();
+    for (const Stored& value : values) {
+      size += value.size();
+      Effort::add(value.size());
+    }
+    const int end = std::min(count(), first + static_cast<int>(values.size()));
+    for (int i = first; i < end; ++i) size -= std::min(size, Traits::lengthAt(live(), i));
+    if (!room.has(size)) return false;
+    room.take(size);
+  }
+  Effort::add(values.size_bytes());
+  return Traits::set(live(), first, values);
+}
+
+template <class Traits> void VsMField<Traits>::cut(int n) {
+  if constexpr (requires { Traits::lengthAt(live(), n); }) {
+    std::size_t size = room.size();
+    for (int i = n; i < count(); ++i) size -= std::min(size, Traits::lengthAt(live(), i));
+    room.take(size);
+  }
+  Traits::truncate(live(), n);
 }
 
 // A gap before the new value is filled in the same event.
@@ -48,10 +76,10 @@ template <class Traits> bool VsMField<Traits>::put(std::int32_t i, const Stored&
     return true;
   }
   const int n = count();
-  if (i <= n) return Traits::set(live(), i, {&value, 1});
+  if (i <= n) return write(i, {&value, 1});
   std::vector<Stored> more(place - static_cast<std::size_t>(n) + 1, Traits::neutral());
   more.back() = value;
-  return Traits::set(live(), n, more);
+  return write(n, more);
 }
 
 template <class Traits> bool VsMField<Traits>::setCount(std::int32_t n) {
@@ -62,7 +90,7 @@ template <class Traits> bool VsMField<Traits>::setCount(std::int32_t n) {
   }
   if (!liveField()) return resizeOwn(static_cast<std::size_t>(n));
   if (n > before) return put(n - 1, Traits::neutral());
-  Traits::truncate(live(), n);
+  cut(n);
   return true;
 }
 
@@ -71,14 +99,18 @@ template <class Traits> void VsMField<Traits>::postExecute(const Value& current)
   const auto& source = *static_cast<const VsMField*>(current.object());
   if (source.liveField() == liveField()) return;
   Field& field = live();
-  const auto replace = [&field](std::span<const Stored> values) {
+  const auto replace = [this, &field](std::span<const Stored> values) {
     const int n = static_cast<int>(values.size());
-    if (n == 0) return Traits::truncate(field, 0);
-    if (n < Traits::count(field)) {
-      const NotifyOff silence(static_cast<SoField&>(field));
-      Traits::truncate(field, n);
+    if (n == 0) return cut(0);
+    if (n >= Traits::count(field)) {
+      write(0, values);
+      return;
     }
-    Traits::set(field, 0, values);
+    {
+      const NotifyOff silence(static_cast<SoField&>(field));
+      if (!write(0, values)) return;
+    }
+    cut(n);
   };
   if (source.liveField())
     replace(Traits::values(source.live()));
@@ -184,13 +216,9 @@ bool MFStringTraits::set(Field& field, int first, std::span<const Stored> values
   constexpr std::size_t shortLength = 256;
   std::size_t characters = 0;
   bool areShort = true;
-  std::vector<SbString> strings;
-  strings.reserve(values.size());
   for (const SharedText& text : values) {
     characters += text.size();
     areShort = areShort && text.size() <= shortLength;
-    if (characters > mostCharacters) break;
-    strings.emplace_back(std::string(text.view()).c_str());
   }
   if (!areShort)
     for (int i = 0; i < field.getNum(); ++i)
@@ -200,6 +228,9 @@ bool MFStringTraits::set(Field& field, int first, std::span<const Stored> values
     VsError::postRuntimeError("Attempt to put more than %zu characters into a MFString", mostCharacters);
     return false;
   }
+  std::vector<SbString> strings;
+  strings.reserve(values.size());
+  for (const SharedText& text : values) strings.emplace_back(std::string(text.view()).c_str());
   field.setValues(first, static_cast<int>(strings.size()), strings.data());
   return true;
 }

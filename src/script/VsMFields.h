@@ -129,6 +129,9 @@ struct MFStringTraits {
   static void give(Value& result, Stored value);
   static int count(const Field& field) { return field.getNum(); }
   static Stored at(const Field& field, int i);
+  static std::size_t lengthAt(const Field& field, int i) {
+    return static_cast<std::size_t>(field[i].getLength());
+  }
   static std::vector<Stored> values(const Field& field);
   /// False, after a report, if there would be more characters than a field may have.
   static bool set(Field& field, int first, std::span<const Stored> values);

@@ -4,7 +4,10 @@
 #include <limits>
 #include <utility>
 
+#include <tessel/core/VrmlDB.h>
+
 #include "script/CLocale.h"
+#include "script/Effort.h"
 #include "script/Interpreter.h"
 #include "script/Parser.h"
 
@@ -38,11 +41,16 @@ bool VsParseTree::call(Function& called, std::span<const Value> arguments, Value
   return Interpreter(*this).run(called, arguments, result);
 }
 
-void VsParseTree::preExecute() { allowSteps(); }
+// Events that cause one another without end come in many runs, all at one time.
+void VsParseTree::preExecute() {
+  if (stepsAllowed != scriptStepLimit() || stepsTime != VrmlDB::getFrameTime()) allowSteps();
+}
 
 void VsParseTree::allowSteps() {
-  const std::int64_t limit = scriptStepLimit();
-  stepsLeft = limit > 0 ? limit : std::numeric_limits<std::int64_t>::max();
+  Effort::settle();
+  stepsAllowed = scriptStepLimit();
+  stepsTime = VrmlDB::getFrameTime();
+  stepsLeft = stepsAllowed > 0 ? stepsAllowed : std::numeric_limits<std::int64_t>::max();
 }
 
 void VsParseTree::postExecute() {

@@ -10,6 +10,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include <Inventor/SbTime.h>
+
 #include "script/CallStack.h"
 #include "script/Function.h"
 #include "script/GlobalVar.h"
@@ -43,7 +45,7 @@ public:
   /// @return false if the script was stopped; it must then do nothing more before the next `preExecute`
   bool call(Function& function, std::span<const Value> arguments, Value* result = nullptr);
 
-  /// Gives the script all the steps that it may take. `preExecute` does that too.
+  /// Gives the script all the steps that it may take. `preExecute` does that once for each frame time.
   void allowSteps();
 
   /// Before and after the calls for the events of one time. What was assigned to strings, nodes, images and multiple
@@ -78,6 +80,8 @@ private:
   std::string file;
   int firstLine = 0;
   int errorCount = 0;
+  std::int64_t stepsAllowed = -1;  // the limit at `stepsTime`, -1 before the first
+  SbTime stepsTime;
 };
 
 }  // namespace tessel::script

@@ -6,6 +6,7 @@
 
 #include <tessel/script/RuntimeErrors.h>
 
+#include "script/Effort.h"
 #include "script/FieldErrors.h"
 #include "script/VsError.h"
 #include "script/VsMFields.h"
@@ -89,6 +90,7 @@ int numberOf(Property property) {
 }  // namespace
 
 void VsSFImage::give(const Shape& shape, const Bytes& bytes) {
+  Effort::add(3 * bytes.size());  // made, filled, copied
   const SbVec2s size(static_cast<short>(shape.numbers[0]), static_cast<short>(shape.numbers[1]));
   image().setValue(size, shape.numbers[2], bytes.empty() ? nullptr : bytes.data());
   if (own) room.take(bytes.size());
@@ -116,6 +118,8 @@ void VsSFImage::memberEvaluate(Value& result, Property property, std::string_vie
 void VsSFImage::readPixels(Value& result) const {
   allocField(result, Type::mfInt32);
   const Shape shape(image());
+  constexpr std::size_t entryBytes = 32;  // an entry costs as much as so many bytes that are copied
+  Effort::add(shape.pixels() * entryBytes);
   const unsigned char* bytes = bytesOf(image());
   const std::size_t components = bytes ? shape.components() : 0;
   Value entry;

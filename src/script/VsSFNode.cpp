@@ -10,6 +10,7 @@
 #include <tessel/core/VrmlNode.h>
 #include <tessel/script/RuntimeErrors.h>
 
+#include "script/Effort.h"
 #include "script/GlobalVar.h"
 #include "script/NodeEvents.h"
 #include "script/VsError.h"
@@ -98,6 +99,8 @@ SoRef<SoNode> VsSFNode::read(std::string_view text) {
   ReadOptions options;
   options.firstLine = where.line;
   const std::string_view header = VrmlDB::header_v2.getString();
+  constexpr std::size_t readBytes = 32;  // a character that is read costs as much as so many that are copied
+  Effort::add(text.size() * readBytes);
   std::string whole(text);
   if (!text.starts_with(header)) {
     whole.insert(0, std::string(header) + "\n");

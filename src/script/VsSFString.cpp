@@ -8,6 +8,7 @@
 
 #include <tessel/script/RuntimeErrors.h>
 
+#include "script/Effort.h"
 #include "script/FieldErrors.h"
 #include "script/StringFormat.h"
 #include "script/VsError.h"
@@ -94,7 +95,9 @@ bool VsSFString::mayHave(std::size_t size) {
 }
 
 std::string_view VsSFString::view() const {
-  return liveField() ? static_cast<SoSFString*>(liveField())->getValue().getString() : own.view();
+  if (!liveField()) return own.view();
+  const SbString& text = static_cast<SoSFString*>(liveField())->getValue();
+  return {text.getString(), static_cast<std::size_t>(text.getLength())};
 }
 
 // Most numbers are whole. Both kinds of fractions lose the zeros at their end, and the point if nothing is left behind it.
@@ -120,7 +123,10 @@ std::string VsSFString::getStringFromScalar(const Value& scalar) {
 }
 
 void VsSFString::postExecute(const Value& current) {
-  static_cast<SoSFString*>(liveField())->setValue(SbString(std::string(viewOf(current)).c_str()));
+  const std::string_view text = viewOf(current);
+  if (!room.has(text.size())) return;
+  static_cast<SoSFString*>(liveField())->setValue(SbString(std::string(text).c_str()));
+  room.take(text.size());
 }
 
 bool VsSFString::acceptsCall(Method method, int count) {
@@ -159,6 +165,7 @@ void VsSFString::find(Value& result, bool fromEnd, Arguments arguments) const {
 
   const std::string_view text = view();
   const std::string_view searched = viewOf(*arguments[0]);
+  Effort::add(text.size());
   const std::size_t from = isWhole ? (fromEnd ? text.size() : 0) : placeIn(text, *arguments[1]);
   std::size_t found = fromEnd ? from : text.size();
   if (!searched.empty())

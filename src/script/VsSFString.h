@@ -55,6 +55,7 @@ private:
   void changeCase(Value& result, char first, char last, int distance) const;
 
   SharedText own;
+  Room room;  // for what a script has put into the field
 };
 
 }  // namespace tessel::script

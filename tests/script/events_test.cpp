@@ -10,6 +10,7 @@
 #include <vector>
 
 #include <Inventor/SoDB.h>
+#include <Inventor/fields/SoMFString.h>
 #include <Inventor/fields/SoSFBool.h>
 #include <Inventor/fields/SoSFFloat.h>
 #include <Inventor/fields/SoSFInt32.h>
@@ -213,9 +214,51 @@ TEST(ScriptLimits, AScriptWithoutEndIsStoppedAndWorksAgain) {
   EXPECT_EQ(world.field<SoSFInt32>("S", "out").getValue(), 0);
   ASSERT_EQ(world.reports.heard.size(), 1U);
   EXPECT_EQ(world.reports.heard[0].kind, ScriptReportKind::stopped);
+  VrmlDB::setClock(VrmlDB::getFrameTime() + 1);
+  VrmlDB::setFrameTime();
   world.field<SoSFInt32>("S", "go").setValue(0);
   EXPECT_EQ(world.field<SoSFInt32>("S", "out").getValue(), 2);
   setScriptStepLimit(0);
+}
+
+// Events that cause one another are in one run of the script, or in one after the other.
+TEST(ScriptLimits, EventsWithoutEndAreStopped) {
+  const std::string pair = "eventIn SFInt32 j eventIn SFInt32 k eventIn SFInt32 go field SFNode me USE S ";
+  for (const char* program :
+       {"function go(v) { me.j = v; } function j(v) { me.k = v + 1; } function k(v) { me.j = v + 1; }",
+        "function go(v) { } function j(v) { } function eventsProcessed() { me.j = 1; me.k = 1; }"}) {
+    const ScriptWorld world("DEF S Script { " + pair + "url \"vrmlscript: " + program + "\" }");
+    setScriptStepLimit(1000);
+    world.field<SoSFInt32>("S", "go").setValue(1);
+    ASSERT_EQ(world.reports.heard.size(), 1U) << program;
+    EXPECT_EQ(world.reports.heard[0].kind, ScriptReportKind::stopped);
+    setScriptStepLimit(0);
+  }
+}
+
+// What takes long or much counts as many steps, or is not done.
+TEST(ScriptLimits, LongWorkIsStoppedAndMemoryIsBounded) {
+  const std::string text = "s = 'x'; for (k = 0; k < 23; k++) s = s + s;";
+  setScriptStepLimit(100000);
+  for (const char* body :
+       {"while (1) { q = s + 'a'; r = s + 'b'; }", "while (1) n = s.indexOf('y');",
+        "while (1) { m = new MFVec3f(); m.length = 16000000; }",
+        "while (1) g = new SFImage(4000, 4000, 4, new MFInt32());", "while (1) new SFNode('# ' + s);"}) {
+    const ScriptReports reports;
+    EXPECT_EQ(resultOf("function test() { " + text + body + " }"), "stopped") << body;
+  }
+  setScriptStepLimit(0);
+  const ScriptWorld world(
+      R"(DEF S Script { eventIn SFInt32 go field MFString m [ ] field MFString n [ ] url "vrmlscript:
+    function go() { )" +
+      text + R"( for (i = 0; i < 20; i++) { m[i] = s; n[i] = s; } m.length = 1; n[0] = 'a'; n[1] = s; }" })");
+  world.field<SoSFInt32>("S", "go").setValue(1);
+  EXPECT_EQ(world.field<SoMFString>("S", "m").getNum(), 1);
+  EXPECT_LT(world.field<SoMFString>("S", "n").getNum(), 20);
+  EXPECT_EQ(world.field<SoMFString>("S", "n")[1].getLength(), 1 << 23);
+  ASSERT_FALSE(world.reports.heard.empty());
+  EXPECT_EQ(world.reports.heard[0].message,
+            "Attempt to take more than 268435456 bytes for values of scripts");
 }
 
 // Each of these must end in a report, whatever it takes.

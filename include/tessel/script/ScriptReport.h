@@ -32,8 +32,8 @@ using ScriptReportHandler = void(const ScriptReport& report, void* data);
 /// `postPlain`, and ends the process with status 1 after a long token. The handler must not run or delete Scripts.
 TESSEL_API void setScriptReportHandler(ScriptReportHandler* handler, void* data);
 
-/// A limit for the steps (passes of loops, calls of functions) that a Script may take for its events at one time;
-/// 0, the default, for none. What a Script still had to do when it was stopped is not done.
+/// A limit for the steps (passes of loops, calls of functions, KiB that are written or searched) that a Script may
+/// take for its events at one frame time; 0, the default, for none. What a Script still had to do when it was stopped is not done.
 TESSEL_API void setScriptStepLimit(std::int64_t steps);
 
 }  // namespace tessel

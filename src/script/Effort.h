@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: BSD-3-Clause
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace tessel::script {
+
+/// What operations on long values cost beyond the step that they are part of. Whoever writes or searches bytes adds
+/// them; the interpreter turns them into steps.
+class Effort {
+public:
+  static void add(std::size_t bytes) { pending += bytes; }
+  static bool isOwed() { return pending >= bytesForStep; }
+  /// The steps that are owed, which are settled by this.
+  static std::int64_t settle() {
+    const std::size_t steps = pending / bytesForStep;
+    pending %= bytesForStep;
+    return static_cast<std::int64_t>(steps);
+  }
+
+private:
+  static constexpr std::size_t bytesForStep = 1024;
+  static inline std::size_t pending = 0;
+};
+
+}  // namespace tessel::script
