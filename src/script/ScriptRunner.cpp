@@ -29,6 +29,21 @@ ScriptRunner::ScriptRunner(VrmlScript& node) : node(node), executeSensor(execute
 
 ScriptRunner::~ScriptRunner() = default;
 
+class ScriptRunner::Running {
+public:
+  explicit Running(ScriptRunner& runner) : runner(runner) { count(1); }
+  ~Running() { count(-1); }
+  Running(const Running&) = delete;
+  Running& operator=(const Running&) = delete;
+
+private:
+  void count(int change) {
+    runner.executing += change;
+    executingScripts += change;
+  }
+  ScriptRunner& runner;
+};
+
 void ScriptRunner::executeSensorCB(void* self, SoSensor*) { static_cast<ScriptRunner*>(self)->execute(); }
 
 bool ScriptRunner::take(const SoField* field) {
@@ -52,7 +67,7 @@ void ScriptRunner::addEventInMemo(std::size_t eventIn, const SbTime& time) {
   }
   std::size_t place = pending.size();
   while (place > next + 1 && time < pending[place - 1].time) --place;
-  pending.insert(pending.begin() + static_cast<std::ptrdiff_t>(place), {eventIn, time});
+  pending.insert(pending.begin() + static_cast<std::ptrdiff_t>(place), {eventIn, time, executingScripts > 0});
   ++eventIns[eventIn].waiting;
 }
 
@@ -73,7 +88,7 @@ void ScriptRunner::execute() {
   isUnusable = !tree;
   if (isUnusable) return;
 
-  ++executing;
+  const Running running(*this);
   tree->preExecute();
   bool goesOn = true;
   while (next < pending.size()) {
@@ -84,11 +99,14 @@ void ScriptRunner::execute() {
     }
     EventIn& eventIn = eventIns[memo.eventIn];
     --eventIn.waiting;
+    if (!memo.isFromScript) {
+      tree->allowSteps();
+      goesOn = true;
+    }
     if (goesOn) goesOn = handle(eventIn, memo.time);
   }
   if (goesOn && eventsProcessed) tree->call(*eventsProcessed, {});
   tree->postExecute();
-  --executing;
 }
 
 // The function gets the value and the time, if it asks for them.
@@ -131,11 +149,10 @@ void ScriptRunner::parseBehavior() {
   tree = parseProgram();
   if (!tree) return;
   if (Function* initialize = tree->findFunction("initialize")) {
-    ++executing;
+    const Running running(*this);
     tree->preExecute();
     tree->call(*initialize, {});
     tree->postExecute();
-    --executing;
   }
   eventsProcessed = tree->findFunction("eventsProcessed");
 }
@@ -181,11 +198,10 @@ void ScriptRunner::complain(const std::string& message) const {
 
 void ScriptRunner::shutDown() {
   if (!tree) return;
-  ++executing;
+  const Running running(*this);
   tree->allowSteps();
   if (Function* last = tree->findFunction("shutdown")) tree->call(*last, {});
   tree->forgetAssigned();
-  --executing;
 }
 
 }  // namespace tessel::script

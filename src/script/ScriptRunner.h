@@ -52,7 +52,10 @@ private:
   struct EventInMemo {
     std::size_t eventIn;
     SbTime time;
+    bool isFromScript;
   };
+  // Counts the runs of scripts, one within another: what happens meanwhile is caused by a script.
+  class Running;
 
   static void executeSensorCB(void* self, SoSensor* sensor);
   void parseBehavior();
@@ -71,6 +74,7 @@ private:
   Function* eventsProcessed = nullptr;
   bool isUnusable = false;  // at the last try
   int executing = 0;        // runs within one another
+  static inline int executingScripts = 0;
   SoOneShotSensor executeSensor;
 };
 

@@ -41,7 +41,6 @@ bool VsParseTree::call(Function& called, std::span<const Value> arguments, Value
   return Interpreter(*this).run(called, arguments, result);
 }
 
-// Events that cause one another without end come in many runs, all at one time.
 void VsParseTree::preExecute() {
   if (stepsAllowed != scriptStepLimit() || stepsTime != VrmlDB::getFrameTime()) allowSteps();
 }

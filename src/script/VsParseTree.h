@@ -45,7 +45,8 @@ public:
   /// @return false if the script was stopped; it must then do nothing more before the next `preExecute`
   bool call(Function& function, std::span<const Value> arguments, Value* result = nullptr);
 
-  /// Gives the script all the steps that it may take. `preExecute` does that once for each frame time.
+  /// Gives the script all the steps that it may take, as for an event that no script caused. `preExecute` does that
+  /// once for each frame time, for those that scripts cause one another.
   void allowSteps();
 
   /// Before and after the calls for the events of one time. What was assigned to strings, nodes, images and multiple

@@ -214,8 +214,6 @@ TEST(ScriptLimits, AScriptWithoutEndIsStoppedAndWorksAgain) {
   EXPECT_EQ(world.field<SoSFInt32>("S", "out").getValue(), 0);
   ASSERT_EQ(world.reports.heard.size(), 1U);
   EXPECT_EQ(world.reports.heard[0].kind, ScriptReportKind::stopped);
-  VrmlDB::setClock(VrmlDB::getFrameTime() + 1);
-  VrmlDB::setFrameTime();
   world.field<SoSFInt32>("S", "go").setValue(0);
   EXPECT_EQ(world.field<SoSFInt32>("S", "out").getValue(), 2);
   setScriptStepLimit(0);
@@ -234,6 +232,20 @@ TEST(ScriptLimits, EventsWithoutEndAreStopped) {
     EXPECT_EQ(world.reports.heard[0].kind, ScriptReportKind::stopped);
     setScriptStepLimit(0);
   }
+}
+
+TEST(ScriptLimits, ScriptsThatKeepEachOtherBusyAreStopped) {
+  const ScriptWorld world(R"(Group { children [
+    DEF S Script { eventIn SFInt32 go eventIn SFInt32 ball field SFNode other DEF T Script {
+        eventIn SFInt32 ball field SFNode other USE S url "vrmlscript: function ball(v) { other.ball = v + 1; }" }
+      url "vrmlscript: function go(v) { other.ball = v; } function ball(v) { other.ball = v + 1; }" } ] })");
+  setScriptStepLimit(1000);
+  for (int i = 1; i <= 2; ++i) {
+    world.field<SoSFInt32>("S", "go").setValue(i);
+    ASSERT_EQ(world.reports.heard.size(), static_cast<std::size_t>(i));
+    EXPECT_EQ(world.reports.heard.back().kind, ScriptReportKind::stopped);
+  }
+  setScriptStepLimit(0);
 }
 
 // What takes long or much counts as many steps, or is not done.

@@ -33,7 +33,8 @@ using ScriptReportHandler = void(const ScriptReport& report, void* data);
 TESSEL_API void setScriptReportHandler(ScriptReportHandler* handler, void* data);
 
 /// A limit for the steps (passes of loops, calls of functions, KiB that are written or searched) that a Script may
-/// take for its events at one frame time; 0, the default, for none. What a Script still had to do when it was stopped is not done.
+/// take for an event, with all events that it and other Scripts cause by it at that frame time; 0, the default, for
+/// none. What a Script still had to do for the event when it was stopped is not done.
 TESSEL_API void setScriptStepLimit(std::int64_t steps);
 
 }  // namespace tessel
