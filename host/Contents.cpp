@@ -21,6 +21,7 @@
 #include <tessel/frame/VrmlViewpoint.h>
 #include <tessel/proto/VrmlExternProtoDef.h>
 #include <tessel/proto/VrmlProtoUse.h>
+#include <tessel/shapes/VrmlGeometry.h>
 #include <tessel/shapes/VrmlText.h>
 
 #include "Defaults.h"
@@ -48,7 +49,9 @@ SoFieldList fieldsOf(const SoNode* node) {
 
 /// Everything that hangs from a node: its children, the nodes in its fields, and what else it keeps.
 void appendBelow(SoNode* node, const SoFieldList& fields, std::vector<SoNode*>& out) {
-  if (const SoChildList* children = node->getChildren())
+  // What a geometry is built of is no part of the world.
+  const bool isWhole = node->isOfType(VrmlGeometry::getClassTypeId());
+  if (const SoChildList* children = isWhole ? nullptr : node->getChildren())
     for (int i = 0; i < children->getLength(); ++i) out.push_back((*children)[i]);
   for (int i = 0; i < fields.getLength(); ++i) {
     if (fields[i]->isOfType(SoSFNode::getClassTypeId())) {

@@ -11,6 +11,7 @@
 #include <tessel/core/VrmlNode.h>
 #include <tessel/proto/VrmlInline.h>
 #include <tessel/proto/VrmlProtoUse.h>
+#include <tessel/shapes/VrmlGeometry.h>
 
 #include "output/NodeNamesState.h"
 
@@ -105,6 +106,7 @@ void NodeNames::State::visitFields(const VrmlNode& node, NameScope& scope) {
 }
 
 void NodeNames::State::visitChildren(const SoNode& node, NameScope& scope) {
+  if (node.isOfType(VrmlGeometry::getClassTypeId())) return;  // what it is built of is no part of the world
   // The first child of an Inline is the box that stands for its world.
   if (node.isOfType(VrmlInline::getClassTypeId())) {
     visit(static_cast<const VrmlInline&>(node).getChildData(), scope);

@@ -24,6 +24,7 @@
 #include <Inventor/elements/SoShapeHintsElement.h>
 #include <Inventor/elements/SoViewingMatrixElement.h>
 #include <Inventor/elements/SoViewportRegionElement.h>
+#include <Inventor/misc/SoNotification.h>
 #include <Inventor/misc/SoState.h>
 
 #include <tessel/actions/VrmlCollideAction.h>
@@ -76,6 +77,15 @@ SoDetail* VrmlGeometry::createPointDetail(SoRayPickAction*, const SoPrimitiveVer
 void VrmlGeometry::notify(SoNotList* list) {
   bboxCache.reset();
   VrmlNode::notify(list);
+}
+
+const SoField* VrmlGeometry::mirrorSource(const SoNotList* list, const SoField& values,
+                                          const SoField& event) const {
+  const SoField* changed = list->getLastField();
+  if (isMirroring || isTakingCopy()) return nullptr;  // in a copy both come as they are
+  if (changed == &event) return changed;
+  // During a read nobody looks, and a second copy of a large list is dear.
+  return changed == &values && isNotifyEnabled() ? changed : nullptr;
 }
 
 // Bounding boxes

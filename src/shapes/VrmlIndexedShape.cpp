@@ -69,18 +69,6 @@ void VrmlIndexedShape::notify(SoNotList* list) {
   VrmlVertexShape::notify(list);
 }
 
-void VrmlIndexedShape::mirror(const SoNotList* list, SoMFInt32& indices, SoMFInt32& event) {
-  const SoField* changed = list->getLastField();
-  if (inNotify || (changed != &indices && changed != &event)) return;
-  if (isTakingCopy()) return;  // both come as they are
-  inNotify = true;
-  if (changed == &event)
-    indices = event;
-  else if (isNotifyEnabled())  // during a read nobody looks, and a second copy of a large list is dear
-    event = indices;
-  inNotify = false;
-}
-
 int VrmlIndexedShape::getNumVerts(int start) const {
   const std::int32_t* index = coordIndex.getValues(0);
   const int end = coordIndex.getNum();

@@ -1,6 +1,11 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "shapes/Probe.h"
 
+#include <cmath>
+#include <map>
+#include <tuple>
+#include <utility>
+
 #include <Inventor/SoPath.h>
 #include <Inventor/SoPickedPoint.h>
 #include <Inventor/SoPrimitiveVertex.h>
@@ -10,6 +15,7 @@
 #include <Inventor/details/SoConeDetail.h>
 #include <Inventor/details/SoCubeDetail.h>
 #include <Inventor/details/SoCylinderDetail.h>
+#include <Inventor/details/SoFaceDetail.h>
 #include <Inventor/details/SoLineDetail.h>
 #include <Inventor/details/SoPointDetail.h>
 #include <Inventor/details/SoTextDetail.h>
@@ -29,6 +35,7 @@ int partOf(const SoDetail* detail) {
   if (const auto* d = as<SoConeDetail>(detail)) return d->getPart();
   if (const auto* d = as<SoCylinderDetail>(detail)) return d->getPart();
   if (const auto* d = as<SoLineDetail>(detail)) return d->getPartIndex();
+  if (const auto* d = as<SoFaceDetail>(detail)) return d->getPartIndex();
   return -1;
 }
 
@@ -85,6 +92,23 @@ std::vector<Triangle> trianglesOf(SoNode* scene, float complexity) {
       &triangles);
   action.apply(root.get());
   return triangles;
+}
+
+bool isClosed(const std::vector<Triangle>& triangles) {
+  using Place = std::tuple<long, long, long>;
+  const auto place = [](const SbVec3f& p) {
+    return Place(std::lround(p[0] * 1e4), std::lround(p[1] * 1e4), std::lround(p[2] * 1e4));
+  };
+  std::map<std::pair<Place, Place>, int> edges;
+  for (const Triangle& t : triangles)
+    for (int i = 0; i < 3; ++i) {
+      const Place a = place(t[i].point), b = place(t[(i + 1) % 3].point);
+      if (a == b) continue;
+      a < b ? ++edges[{a, b}] : --edges[{b, a}];
+    }
+  for (const auto& [edge, balance] : edges)
+    if (balance != 0) return false;
+  return true;
 }
 
 double volumeOf(const std::vector<Triangle>& triangles) {

@@ -39,6 +39,9 @@ std::vector<Triangle> trianglesOf(SoNode* scene, float complexity = 0.5f);
 /// The volume inside a closed surface; negative if its triangles are clockwise from outside.
 double volumeOf(const std::vector<Triangle>& triangles);
 
+/// Whether each edge of a surface is met by as many triangles one way as the other: nothing gapes.
+bool isClosed(const std::vector<Triangle>& triangles);
+
 /// A drawing with a light that shines straight on.
 class LitDrawing : public Drawing {
 public:

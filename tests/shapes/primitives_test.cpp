@@ -37,24 +37,6 @@ void expectBox(SoNode* scene, const SbVec3f& low, const SbVec3f& high) {
   expectNear(box.getMax(), high);
 }
 
-/// Whether each edge of the surface is met by as many triangles one way as the other: nothing gapes.
-bool isClosed(const std::vector<Triangle>& triangles) {
-  using Place = std::tuple<long, long, long>;
-  const auto place = [](const SbVec3f& p) {
-    return Place(std::lround(p[0] * 1e4), std::lround(p[1] * 1e4), std::lround(p[2] * 1e4));
-  };
-  std::map<std::pair<Place, Place>, int> edges;
-  for (const Triangle& t : triangles)
-    for (int i = 0; i < 3; ++i) {
-      const Place a = place(t[i].point), b = place(t[(i + 1) % 3].point);
-      if (a == b) continue;
-      a < b ? ++edges[{a, b}] : --edges[{b, a}];
-    }
-  for (const auto& [edge, balance] : edges)
-    if (balance != 0) return false;
-  return true;
-}
-
 }  // namespace
 
 // The meshes

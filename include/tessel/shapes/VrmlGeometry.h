@@ -3,6 +3,7 @@
 
 #include <tessel/core/NodeClass.h>
 #include <tessel/core/VrmlNode.h>
+#include <tessel/toolkit/Scoped.h>
 #include <tessel/toolkit/SoRef.h>
 
 #include <Inventor/SbBox3f.h>
@@ -114,9 +115,22 @@ protected:
   /// Runs `computeBBox` as from outside: with the property nodes' bits set. `box` starts empty.
   void computeGuardedBBox(SoAction* action, SbBox3f& box, SbVec3f& center);
 
+  /// For `notify`: if a list or the event that replaces it was set itself, the other takes its value.
+  template <class Field> void mirror(const SoNotList* list, Field& values, Field& event) {
+    const SoField* from = mirrorSource(list, values, event);
+    if (!from) return;
+    const tessel::ScopedValue<bool> busy(isMirroring, true);
+    if (from == &event)
+      values = event;
+    else
+      event = values;
+  }
+
 private:
   friend class tessel::PipelineSink;
   void generateGuarded(SoAction* action);
+  const SoField* mirrorSource(const SoNotList* list, const SoField& values, const SoField& event) const;
 
   tessel::SoRef<SoBoundingBoxCache> bboxCache;
+  bool isMirroring = false;
 };

@@ -33,10 +33,4 @@ protected:
   static const std::int32_t* allocateSequential(int n);
   /// An array as long as `coordIndex`: 0, 1, 2, ... where that is not negative, its entry where it is.
   std::vector<std::int32_t> allocateSequentialWithHoles() const;
-
-  /// For `notify`: if one of the two fields was set itself, the other takes its value.
-  void mirror(const SoNotList* list, SoMFInt32& indices, SoMFInt32& event);
-
-private:
-  bool inNotify = false;
 };
