@@ -83,6 +83,18 @@ inline std::array<std::int8_t, 4> normalBytes(const SbVec3f& normal) {
   return {byteOf(unit[0]), byteOf(unit[1]), byteOf(unit[2]), 0};
 }
 
+/// A normal as a part of a vertex. Expects components from -1 to 1 for shorts.
+inline void storeNormal(std::byte* out, VertexFormat::NormalForm form, const SbVec3f& normal) {
+  switch (form) {
+    case VertexFormat::NormalForm::floats:
+      return storeVertexPart(out, normal);
+    case VertexFormat::NormalForm::shorts:
+      return storeVertexPart(out, normalShorts(normal));
+    case VertexFormat::NormalForm::bytes:
+      return storeVertexPart(out, normalBytes(normal));
+  }
+}
+
 /// A mesh on its way into buffers.
 struct BufferContent {
   /// An index that ends a strip, so that the next vertex begins another.

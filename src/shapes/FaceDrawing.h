@@ -6,6 +6,7 @@
 
 #include "shapes/FaceMesh.h"
 #include "shapes/MeshBuffers.h"
+#include "shapes/MeshNeeds.h"
 #include "shapes/NormalGenerator.h"
 
 namespace tessel {
@@ -23,23 +24,10 @@ struct FaceDrawing {
   /// A mesh that was made so often after changes counts as animated.
   static constexpr int remadeOften = 2;
 
-  /// What a mesh is made for. It serves as long as it has what the state needs.
-  struct Needs {
-    bool normals = false;
-    bool texCoords = false;
-    bool colors = false;       ///< the node's own, if it has any
-    std::uint8_t alpha = 255;  ///< of its own colors
-
-    bool serve(const Needs& needed) const {
-      return normals >= needed.normals && texCoords >= needed.texCoords && colors == needed.colors &&
-             alpha == needed.alpha;
-    }
-  };
-
   enum class Status : std::uint8_t { changed, ready, failed };
 
   Status status = Status::changed;
-  Needs madeFor;
+  MeshNeeds madeFor;
   bool isFlat = false;      ///< the mesh has the flat layout
   bool refuseFlat = false;  ///< it was met under lights for which that is not right
   MeshBuffers buffers;

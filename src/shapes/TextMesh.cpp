@@ -40,20 +40,7 @@ void TextMesh::writeVertices(std::size_t first, std::size_t count, std::byte* ou
     const SbVec2f& local = at->mesh->points[vertex - at->firstVertex];
     const SbVec2f place = at->origin + local * size;
     storeVertexPart(out, SbVec3f(place[0], place[1], 0));
-    if (format.normals) {
-      std::byte* to = out + format.normalAt();
-      switch (format.normalForm) {
-        case VertexFormat::NormalForm::floats:
-          storeVertexPart(to, normal);
-          break;
-        case VertexFormat::NormalForm::shorts:
-          storeVertexPart(to, normalShorts(normal));
-          break;
-        case VertexFormat::NormalForm::bytes:
-          storeVertexPart(to, normalBytes(normal));
-          break;
-      }
-    }
+    if (format.normals) storeNormal(out + format.normalAt(), format.normalForm, normal);
     if (format.texCoords) storeVertexPart(out + format.texCoordAt(), local);
   }
 }

@@ -202,10 +202,10 @@ void VrmlExtrusion::collisionDetect(VrmlCollideAction* action) {
 }
 
 void VrmlExtrusion::count(VrmlCountAction* action) {
-  const int along = std::max(2 * spine.getNum() - 2, 0), around = std::max(crossSection.getNum() - 1, 0);
-  action->numTriangles += along * around;
-  for (const SoSFBool* cap : {&beginCap, &endCap})
-    if (cap->getValue()) action->numTriangles += around;
+  const std::int64_t along = std::max(2 * std::int64_t{spine.getNum()} - 2, std::int64_t{0});
+  const std::int64_t around = std::max(crossSection.getNum() - 1, 0);
+  const std::int64_t rows = along + (beginCap.getValue() ? 1 : 0) + (endCap.getValue() ? 1 : 0);
+  VrmlCountAction::add(action->numTriangles, rows * around);
 }
 
 void VrmlExtrusion::computeBBox(SoAction* action, SbBox3f& box, SbVec3f& center) {

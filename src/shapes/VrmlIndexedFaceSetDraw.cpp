@@ -11,8 +11,6 @@
 #include <Inventor/elements/SoGLCacheContextElement.h>
 #include <Inventor/elements/SoGLLazyElement.h>
 #include <Inventor/elements/SoGLMultiTextureCoordinateElement.h>
-#include <Inventor/elements/SoOverrideElement.h>
-#include <Inventor/elements/SoShapeStyleElement.h>
 #include <Inventor/errors/SoDebugError.h>
 #include <Inventor/system/gl.h>
 
@@ -34,6 +32,7 @@ namespace {
 using tessel::CornerIndices;
 using tessel::FaceDrawing;
 using tessel::FaceMesh;
+using tessel::MeshNeeds;
 using Cache = VrmlVertexPropertyCache;
 using By = CornerIndices::By;
 
@@ -41,21 +40,6 @@ using By = CornerIndices::By;
 std::unique_ptr<tessel::FaceWorkshop>& sharedWorkshop() {
   static std::unique_ptr<tessel::FaceWorkshop> shop;
   return shop;
-}
-
-bool needsTexCoords(SoState* state) {
-  const SoShapeStyleElement* style = SoShapeStyleElement::get(state);
-  return style->needTexCoords() && !style->isTextureFunction();
-}
-
-FaceDrawing::Needs needsOf(SoState* state, bool hasColors) {
-  FaceDrawing::Needs needs;
-  needs.normals = SoShapeStyleElement::get(state)->needNormals();
-  needs.texCoords = needsTexCoords(state);
-  needs.colors = hasColors && !SoOverrideElement::getDiffuseColorOverride(state);
-  if (needs.colors)
-    needs.alpha = static_cast<std::uint8_t>((1 - SoLazyElement::getTransparency(state, 0)) * 255 + 0.5f);
-  return needs;
 }
 
 /// Whether every point of a flat face gets the same color from the lights that GL has, so that it may be computed at
@@ -92,8 +76,8 @@ std::span<const std::int32_t> valuesOf(const SoMFInt32& list) {
 }
 
 /// What has to be checked before anything is made of it.
-tessel::FaceSource faceSource(const VrmlIndexedFaceSet& set, const Cache& cache,
-                              const FaceDrawing::Needs& needs, const tessel::FaceRuns& runs) {
+tessel::FaceSource faceSource(const VrmlIndexedFaceSet& set, const Cache& cache, const MeshNeeds& needs,
+                              const tessel::FaceRuns& runs) {
   tessel::FaceSource source;
   source.coordIndex = valuesOf(set.coordIndex);
   source.numPoints = cache.numVerts;
@@ -111,8 +95,8 @@ tessel::FaceSource faceSource(const VrmlIndexedFaceSet& set, const Cache& cache,
 }
 
 /// All that a mesh is made of, but its runs and the normals that the node has not.
-tessel::FaceMeshSource meshSource(const VrmlIndexedFaceSet& set, const Cache& cache,
-                                  const FaceDrawing::Needs& needs, const tessel::FaceIndices& prepared) {
+tessel::FaceMeshSource meshSource(const VrmlIndexedFaceSet& set, const Cache& cache, const MeshNeeds& needs,
+                                  const tessel::FaceIndices& prepared) {
   tessel::FaceMeshSource source;
   source.coordIndex = valuesOf(set.coordIndex);
   source.convex = set.convex.getValue();
@@ -165,7 +149,7 @@ void VrmlIndexedFaceSet::GLRender(SoGLRenderAction* action) {
 bool VrmlIndexedFaceSet::prepare(SoGLRenderAction* action) {
   SoState* state = action->getState();
   FaceDrawing& d = *drawing;
-  const FaceDrawing::Needs needs = needsOf(state, tessel::realNode<VrmlColor>(color) != nullptr);
+  const tessel::MeshNeeds needs = tessel::MeshNeeds::of(state, tessel::realNode<VrmlColor>(color) != nullptr);
   // In a display list the lights of a later frame are not known.
   const bool mayBeFlat =
       isLarge(*this) && !SoCacheElement::anyOpen(state) && (!needs.normals || lightIsEvenOnFlatFaces());
@@ -219,15 +203,8 @@ bool VrmlIndexedFaceSet::prepare(SoGLRenderAction* action) {
 void VrmlIndexedFaceSet::draw(SoGLRenderAction* action) {
   SoState* state = action->getState();
   FaceDrawing& d = *drawing;
-  const auto* lazy = SoGLLazyElement::getInstance(state);
-  const auto drawMesh = [&] {
-    lazy->send(state, SoLazyElement::ALL_MASK);
-    if (d.isFlat) SoGLLazyElement::sendFlatshading(state, TRUE);
-    d.buffers.draw(state, GL_TRIANGLES);
-    if (SoCacheElement::anyOpen(state)) d.buffers.releaseMemory();  // the display list has it now
-  };
-  if (!needsTexCoords(state)) {
-    drawMesh();
+  if (!tessel::needsTexCoords(state)) {
+    drawTriangles(state, d.buffers, d.isFlat);
   } else {
     const tessel::StateScope scope(state);
     SbBox3f box;
@@ -238,8 +215,6 @@ void VrmlIndexedFaceSet::draw(SoGLRenderAction* action) {
       SoGLMultiTextureCoordinateElement::setTexGen(state, this, 0, nullptr, nullptr, nullptr, nullptr);
     else
       generated.generate(state, this);
-    drawMesh();
+    drawTriangles(state, d.buffers, d.isFlat);
   }
-  // The colors of vertices went past the state.
-  if (d.buffers.format().colors) lazy->reset(state, SoLazyElement::DIFFUSE_MASK);
 }

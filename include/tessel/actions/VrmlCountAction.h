@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+
 #include <tessel/Export.h>
 
 #include <Inventor/actions/SoAction.h>
@@ -18,6 +22,11 @@ public:
 
   int lodMode = 0;     ///< which child of an LOD counts: 0 the current, 1 the first, 2 the last
   int skipCulled = 0;  ///< whether groups that the last frame culled are left out
+
+  /// Adds to a result, which stops at the largest number it holds.
+  static void add(int& result, std::int64_t amount) {
+    result = static_cast<int>(std::min<std::int64_t>(result + amount, std::numeric_limits<int>::max()));
+  }
 
   int numTriangles = 0;     ///< result
   int numLineSegments = 0;  ///< result
