@@ -87,12 +87,41 @@ SbVec3d axisOf(const SbVec3f& axis, float scale) {
   return SbVec3d(axis[0], axis[1], axis[2]) * static_cast<double>(scale);
 }
 
-SbVec3f pointOf(const SbVec3d& x, const SbVec3d& z, const SbVec3d& origin, const SbVec2f& at) {
-  SbVec3f point;
-  const double s = at[0], t = at[1];
-  for (int i = 0; i < 3; ++i) point[i] = held(x[i] * s + z[i] * t + origin[i]);
-  return point;
-}
+/// Places the points of an outline: x and z of each along two axes, from an origin.
+class OutlinePlacer {
+public:
+  OutlinePlacer(const SbVec3d& xAxis, const SbVec3d& zAxis, const SbVec3d& from) : x(xAxis), z(zAxis), origin(from) {}
+
+  /// @param reach  the largest coordinate of the outline
+  void place(std::span<const SbVec2f> outline, double reach, SbVec3f* to) const {
+    constexpr double most = std::numeric_limits<float>::max() / 2;
+    bool fits = true;
+    for (int i = 0; i < 3; ++i)
+      fits = fits && (std::abs(x[i]) + std::abs(z[i])) * reach + std::abs(origin[i]) < most;
+    if (fits)
+      placeAll<float>(outline, to, [](float value) { return value; });
+    else
+      placeAll<double>(outline, to, held);
+  }
+
+private:
+  template <class Real, class Result>
+  void placeAll(std::span<const SbVec2f> outline, SbVec3f* to, Result result) const {
+    Real a[3], b[3], c[3];
+    for (int i = 0; i < 3; ++i) {
+      a[i] = static_cast<Real>(x[i]);
+      b[i] = static_cast<Real>(z[i]);
+      c[i] = static_cast<Real>(origin[i]);
+    }
+    for (const SbVec2f& point : outline) {
+      const Real s = point[0], t = point[1];
+      to++->setValue(result(a[0] * s + b[0] * t + c[0]), result(a[1] * s + b[1] * t + c[1]),
+                     result(a[2] * s + b[2] * t + c[2]));
+    }
+  }
+
+  SbVec3d x, z, origin;
+};
 
 }  // namespace
 
@@ -118,6 +147,8 @@ void ExtrusionSurface::update() {
     clear();
     return;
   }
+  reach = 0;
+  for (const SbVec2f& point : crossSection) reach = std::max<double>({reach, std::abs(point[0]), std::abs(point[1])});
   calcRideAlongSpineRotations(spine, spineRotations);
   calcCrossSectionUValues();
   calcSpineVValues();
@@ -206,16 +237,15 @@ ExtrusionSurface::Placement ExtrusionSurface::placementOf(int row) const {
   return {axisOf(SbVec3f(matrix[0]), scale[0]), axisOf(SbVec3f(matrix[2]), scale[1]), axisOf(translation, 1)};
 }
 
+// An outline of less than two points is a line of length 1, or one of length 2 about the spine.
 void ExtrusionSurface::loadRow(int row, std::span<SbVec3f> points) const {
   const Placement at = placementOf(row);
-  const auto place = [&at](const SbVec2f& point) { return pointOf(at.x, at.z, at.origin, point); };
-  if (crossSection.size() < 2) {
-    const SbVec2f first = crossSection.empty() ? SbVec2f(-1, 0) : crossSection[0];
-    points[0] = place(first);
-    points[1] = place(first + SbVec2f(crossSection.empty() ? 2.0f : 1.0f, 0));
-  } else {
-    std::transform(crossSection.begin(), crossSection.end(), points.begin(), place);
-  }
+  const OutlinePlacer placer(at.x, at.z, at.origin);
+  if (crossSection.size() >= 2) return placer.place(crossSection, reach, points.data());
+  const bool isEmpty = crossSection.empty();
+  const SbVec2f first = isEmpty ? SbVec2f(-1, 0) : crossSection[0];
+  const SbVec2f line[] = {first, first + SbVec2f(isEmpty ? 2.0f : 1.0f, 0)};
+  placer.place(line, reach + 1, points.data());
 }
 
 // Sides
@@ -268,10 +298,18 @@ void ExtrusionSurface::buildCaps() {
   refill(capTexCoord->point, points,
          [this](std::span<SbVec2f> coords) { std::copy(capUV.begin(), capUV.end(), coords.begin()); });
 
-  SoMFVec3f outline;
-  refill(outline, corners, [&](std::span<SbVec3f> to) {
-    std::transform(crossSection.begin(), crossSection.begin() + corners, to.begin(),
-                   [](const SbVec2f& point) { return SbVec3f(point[0], 0, point[1]); });
+  const auto outline = crossSection.first(static_cast<std::size_t>(corners));
+  if (!std::ranges::equal(outline, caps.outline)) cutCaps(outline);
+  buildCap(endFaces.get(), numSpine - 1, caps.end);
+  buildCap(beginFaces.get(), 0, caps.begin);
+}
+
+void ExtrusionSurface::cutCaps(std::span<const SbVec2f> outline) {
+  caps.outline.assign(outline.begin(), outline.end());
+  const auto corners = static_cast<int>(outline.size());
+  SoMFVec3f points;
+  refill(points, corners, [&](std::span<SbVec3f> to) {
+    std::ranges::transform(outline, to.begin(), [](const SbVec2f& point) { return SbVec3f(point[0], 0, point[1]); });
   });
   SoMFInt32 indices, faces;
   refill(indices, corners + 1, [](std::span<std::int32_t> to) {
@@ -280,14 +318,14 @@ void ExtrusionSurface::buildCaps() {
   });
   // All pieces, or the outline if it can't be cut, get the winding that the triangulator gives to most: that of the
   // outline is not always that one, and it leaves triangles as they are.
-  const bool isWound = VrmlTriangulator::clockWiseTest(outline, indices, 0, corners) != 0;
+  const bool isWound = VrmlTriangulator::clockWiseTest(points, indices, 0, corners) != 0;
   if (!isWound) std::reverse(indices.startEditing(), indices.startEditing() + corners);
-  const bool isCut = VrmlTriangulator::triangulate(outline, indices, faces) != 0;
+  const bool isCut = VrmlTriangulator::triangulate(points, indices, faces) != 0;
   const auto pieces = valuesOf(isCut ? faces : indices);
-  const std::vector<std::int32_t> reversed = reversedFaces(pieces);
   // The end cap winds as the outline does.
-  buildCap(endFaces.get(), numSpine - 1, isWound ? pieces : reversed);
-  buildCap(beginFaces.get(), 0, isWound ? reversed : pieces);
+  caps.end.assign(pieces.begin(), pieces.end());
+  caps.begin = reversedFaces(pieces);
+  if (!isWound) std::swap(caps.begin, caps.end);
 }
 
 void ExtrusionSurface::buildCapNodes(bool haveBegin, bool haveEnd) {

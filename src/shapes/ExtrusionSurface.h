@@ -49,6 +49,7 @@ private:
   void buildSides();
   void buildSideIndices();
   void buildCaps();
+  void cutCaps(std::span<const SbVec2f> outline);
   void buildCapNodes(bool haveBegin, bool haveEnd);
   void buildCap(VrmlIndexedFaceSet* faces, int row, std::span<const std::int32_t> indices);
   void clear();
@@ -62,8 +63,14 @@ private:
   const VrmlExtrusion& node;
   std::span<const SbVec2f> crossSection;  // as long as an update goes on
   std::span<const SbVec3f> spine;
+  double reach = 0;                    // the largest coordinate of the cross section
   int numSpine = 0, numCross = 0;      // at least 2
   int builtSpine = 0, builtCross = 0;  // that the sides' index list is for
+  // Index lists of the caps, for as long as the outline stays as it is. Its closing point is not in it.
+  struct {
+    std::vector<SbVec2f> outline;
+    std::vector<std::int32_t> begin, end;
+  } caps;
   std::vector<float> crossSectionU, spineV;
   std::vector<SbVec2f> capUV;
   std::vector<SbRotation> spineRotations;
