@@ -11,10 +11,12 @@
 #include <string>
 #include <vector>
 
-#include <Inventor/SbMatrix.h>
+#include <Inventor/SoFullPath.h>
+#include <Inventor/actions/SoSearchAction.h>
 #include <Inventor/fields/SoMFInt32.h>
 #include <Inventor/fields/SoMFVec3f.h>
 
+#include <tessel/core/VrmlLOD.h>
 #include <tessel/shapes/VrmlExtrusion.h>
 #include <tessel/shapes/VrmlTriangulator.h>
 
@@ -29,7 +31,9 @@ template <class... N> void print(std::string& to, const char* format, N... numbe
   to.append(text, static_cast<std::size_t>(std::snprintf(text, sizeof text, format, numbers...)));
 }
 
-double heightAt(int i, int j) { return 3 * std::sin(i * 0.05) * std::cos(j * 0.07) + 0.1 * ((i * 7 + j * 13) % 5); }
+double heightAt(int i, int j) {
+  return 3 * std::sin(i * 0.05) * std::cos(j * 0.07) + 0.1 * ((i * 7 + j * 13) % 5);
+}
 
 std::string shapeOf(const std::string& geometry) {
   return "Shape { appearance Appearance { material Material { } } geometry " + geometry + " }";
@@ -56,8 +60,8 @@ std::string gridAsFaces(int n) {
       const int a = j * n + i, b = a + n;
       print(index, "%d %d %d -1 %d %d %d -1\n", a, b, a + 1, a + 1, b, b + 1);
     }
-  return shapeOf("IndexedFaceSet { creaseAngle 4 coord Coordinate { point [ " + points + " ] } coordIndex [ " + index +
-                 " ] }");
+  return shapeOf("IndexedFaceSet { creaseAngle 4 coord Coordinate { point [ " + points +
+                 " ] } coordIndex [ " + index + " ] }");
 }
 
 int drawn(Frame& frame) {
@@ -119,7 +123,8 @@ struct Sweep {
 void sweepPlainly(const Sweep& sweep, std::vector<SbVec3f>& points) {
   SbVec3f* to = points.data();
   for (std::size_t i = 0; i < sweep.spine.size(); ++i) {
-    const SbVec3f before = sweep.spine[i > 0 ? i - 1 : 0], after = sweep.spine[std::min(i + 1, sweep.spine.size() - 1)];
+    const SbVec3f before = sweep.spine[i > 0 ? i - 1 : 0],
+                  after = sweep.spine[std::min(i + 1, sweep.spine.size() - 1)];
     SbVec3f y = after - before, z = (after - sweep.spine[i]).cross(before - sweep.spine[i]), x;
     y.normalize();
     if (z.sqrLength() > 0) z.normalize();
@@ -159,7 +164,8 @@ void triangulate(benchmark::State& state) {
   SoMFInt32 outline, triangles;
   for (int i = 0; i < n; ++i) {
     const double angle = 2 * std::numbers::pi * i / n, radius = i % 2 ? 60 : 100 + i * 37 % 50;
-    points.set1Value(i, static_cast<float>(radius * std::cos(angle)), 0, static_cast<float>(radius * std::sin(angle)));
+    points.set1Value(i, static_cast<float>(radius * std::cos(angle)), 0,
+                     static_cast<float>(radius * std::sin(angle)));
     outline.set1Value(i, i);
   }
   outline.set1Value(n, -1);
@@ -171,24 +177,34 @@ void triangulate(benchmark::State& state) {
 
 // Levels of detail
 
-std::string boxes(int n, const char* before, const char* after) {
+std::string levelsOfBoxes(int n) {
   std::string world = "Group { children [\n";
   for (int i = 0; i < n; ++i) {
     print(world, "Transform { translation %d %d 0 children ", i % 40 * 3, i / 40 * 3);
-    world += before + shapeOf("Box { }") + after + " }\n";
+    world +=
+        "LOD { range [ 1, 2, 3 ] level [ Group { } Group { } Group { } " + shapeOf("Box { }") + " ] } }\n";
   }
   return world + "] }";
 }
 
-/// Levels of which each one is a box, beside the boxes alone.
+/// Beside the same nodes when nothing is to be chosen: each draws its box.
 void levels(benchmark::State& state) {
   bench::start();
-  const int n = static_cast<int>(state.range(0));
-  Frame bare(boxes(n, "Group { children ", " }"));
-  Frame chosen(boxes(n, "LOD { range [ 1, 2, 3 ] level [ Group { } Group { } Group { } ", " ] }"));
+  const std::string world = levelsOfBoxes(static_cast<int>(state.range(0)));
+  Frame set(world), chosen(world);
+  SoSearchAction search;
+  search.setType(VrmlLOD::getClassTypeId());
+  search.setInterest(SoSearchAction::ALL);
+  search.apply(set.getWorld());
+  for (int i = 0; i < search.getPaths().getLength(); ++i) {
+    auto* const lod = static_cast<VrmlLOD*>(static_cast<const SoFullPath*>(search.getPaths()[i])->getTail());
+    lod->setAutoLevel(false);
+    lod->setLevel(3);
+  }
+  for (int i = 0; i < 8; ++i) set.draw();
   bench::Duel duel(state, 1.25);
   for (auto _ : state) {
-    duel.rival([&] { return drawn(bare); });
+    duel.rival([&] { return drawn(set); });
     duel.library([&] { return drawn(chosen); });
   }
 }

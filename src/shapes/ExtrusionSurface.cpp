@@ -90,7 +90,8 @@ SbVec3d axisOf(const SbVec3f& axis, float scale) {
 /// Places the points of an outline: x and z of each along two axes, from an origin.
 class OutlinePlacer {
 public:
-  OutlinePlacer(const SbVec3d& xAxis, const SbVec3d& zAxis, const SbVec3d& from) : x(xAxis), z(zAxis), origin(from) {}
+  OutlinePlacer(const SbVec3d& xAxis, const SbVec3d& zAxis, const SbVec3d& from)
+      : x(xAxis), z(zAxis), origin(from) {}
 
   /// @param reach  the largest coordinate of the outline
   void place(std::span<const SbVec2f> outline, double reach, SbVec3f* to) const {
@@ -148,7 +149,8 @@ void ExtrusionSurface::update() {
     return;
   }
   reach = 0;
-  for (const SbVec2f& point : crossSection) reach = std::max<double>({reach, std::abs(point[0]), std::abs(point[1])});
+  for (const SbVec2f& point : crossSection)
+    reach = std::max<double>({reach, std::abs(point[0]), std::abs(point[1])});
   calcRideAlongSpineRotations(spine, spineRotations);
   calcCrossSectionUValues();
   calcSpineVValues();
@@ -309,7 +311,8 @@ void ExtrusionSurface::cutCaps(std::span<const SbVec2f> outline) {
   const auto corners = static_cast<int>(outline.size());
   SoMFVec3f points;
   refill(points, corners, [&](std::span<SbVec3f> to) {
-    std::ranges::transform(outline, to.begin(), [](const SbVec2f& point) { return SbVec3f(point[0], 0, point[1]); });
+    std::ranges::transform(outline, to.begin(),
+                           [](const SbVec2f& point) { return SbVec3f(point[0], 0, point[1]); });
   });
   SoMFInt32 indices, faces;
   refill(indices, corners + 1, [](std::span<std::int32_t> to) {

@@ -86,7 +86,7 @@ private:
   std::vector<std::int32_t> queue;
   std::vector<Corner> run;  // the polygon at work
   // Each look at a corner is counted: a hostile outline takes the cube of its corners.
-  std::int64_t looksLeft = 100'000'000;
+  std::int64_t looksLeft = 400'000'000;
 };
 
 bool PolygonCutter::cutAll(const SoMFVec3f& points) {
@@ -99,6 +99,7 @@ bool PolygonCutter::cutAll(const SoMFVec3f& points) {
     std::size_t rotations = 0;
     for (removeStraightCorners(); run.size() > 3; removeStraightCorners()) {
       const auto cornerOf = [this](int i) -> const Corner& { return run[static_cast<std::size_t>(i)]; };
+      looksLeft -= static_cast<std::int64_t>(8 * run.size());  // angles take long
       if (!isWound(static_cast<int>(run.size()), cornerOf)) std::reverse(run.begin(), run.end());
       if (cutTriangle()) {
         rotations = 0;
@@ -143,11 +144,17 @@ bool PolygonCutter::isTriangle(std::size_t second, std::size_t third) {
   --looksLeft;
   const Corner a = run.front(), b = run[second], c = run[third];
   if (!(turn(a, b, c) > 0)) return false;
-  for (std::size_t i = 0; i < run.size(); ++i)
-    if (isInside(run[i], a, b, c) && i != 0 && i != second && i != third) {
+  // Few corners lie in the box of the triangle.
+  const auto [lowX, highX] = std::minmax({a.x, b.x, c.x});
+  const auto [lowZ, highZ] = std::minmax({a.z, b.z, c.z});
+  for (std::size_t i = 0; i < run.size(); ++i) {
+    const Corner& p = run[i];
+    if (p.x <= lowX || p.x >= highX || p.z <= lowZ || p.z >= highZ) continue;
+    if (isInside(p, a, b, c) && i != 0 && i != second && i != third) {
       looksLeft -= static_cast<std::int64_t>(i);
       return false;
     }
+  }
   looksLeft -= static_cast<std::int64_t>(run.size());
   return (second == 1 || isFreeSide(a, b)) && (third == second + 1 || isFreeSide(b, c)) &&
          (third == run.size() - 1 || isFreeSide(c, a));

@@ -36,7 +36,8 @@ INSTANTIATE_TEST_SUITE_P(
                       "textures-and-materials", "texture-repeats", "texture-transforms", "textured-shapes",
                       "background-sky-and-ground", "background-ground-in-sky", "background-two-sky-colours",
                       "background-far-edges", "background-images", "background-image-over-sky", "fog-linear",
-                      "fog-exponential", "text-families"),
+                      "fog-exponential", "text-families", "extrusion-frames", "extrusion-caps", "grids",
+                      "levels-of-detail"),
     testName);
 
 // A single text out of its place changes some sixty pixels.
