@@ -31,8 +31,8 @@ void BackgroundImage::setImage(const Picture& picture) {
   clearImage();
   needsFetch = false;
   if (picture.empty()) return;
-  const std::size_t size = static_cast<std::size_t>(picture.size[0]) *
-                           static_cast<std::size_t>(picture.size[1]) *
+  const std::size_t size = static_cast<std::size_t>(picture.width) *
+                           static_cast<std::size_t>(picture.height) *
                            static_cast<std::size_t>(picture.components);
   bytes.assign(picture.bytes, picture.bytes + size);
   image = picture;
@@ -69,7 +69,7 @@ void BackgroundImage::send() {
     glTexParameteri(GL_TEXTURE_2D, filter, GL_NEAREST);
   for (const GLenum wrap : {GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T})
     glTexParameteri(GL_TEXTURE_2D, wrap, GL_CLAMP);
-  glTexImage2D(GL_TEXTURE_2D, 0, image.components, image.size[0], image.size[1], 0,
+  glTexImage2D(GL_TEXTURE_2D, 0, image.components, image.width, image.height, 0,
                pixelFormat(image.components), GL_UNSIGNED_BYTE, image.bytes);
 }
 

@@ -25,7 +25,7 @@ public:
   void setImage(const Picture& picture);
   void clearImage();
 
-  bool hasImage() const { return image.size[0] > 0; }
+  bool hasImage() const { return image.width > 0; }
   int components() const { return image.components; }
   bool hasAlpha() const { return image.hasAlpha(); }
   bool hasTexture() const { return texture != nullptr; }

@@ -53,7 +53,7 @@ const SbString& VrmlBackground::getFullURLName(int index) {
 
 void VrmlBackground::setImage(int index, const SbVec2s& size, int components, const unsigned char* bytes) {
   if (index < 0 || index >= numImages) return;
-  images[index]->setImage({size, components, bytes});
+  images[index]->setImage({size[0], size[1], components, bytes});
   drawingChanged();
 }
 

@@ -86,17 +86,18 @@ int mostTextureSide() {
 }
 
 bool scaleToTexture(Picture& picture, int mostSide, std::vector<unsigned char>& buffer) {
-  const int width = textureSide(picture.size[0], mostSide), height = textureSide(picture.size[1], mostSide);
-  if (width == picture.size[0] && height == picture.size[1]) return false;
+  const int width = textureSide(picture.width, mostSide), height = textureSide(picture.height, mostSide);
+  if (width == picture.width && height == picture.height) return false;
   buffer.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) *
                 static_cast<std::size_t>(picture.components));
   const GLenum format = pixelFormat(picture.components);
   glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
   glPixelStorei(GL_PACK_ALIGNMENT, 1);
-  gluScaleImage(format, picture.size[0], picture.size[1], GL_UNSIGNED_BYTE, picture.bytes, width, height,
+  gluScaleImage(format, picture.width, picture.height, GL_UNSIGNED_BYTE, picture.bytes, width, height,
                 GL_UNSIGNED_BYTE, buffer.data());
   glPixelStorei(GL_PACK_ALIGNMENT, 4);
-  picture.size.setValue(static_cast<short>(width), static_cast<short>(height));
+  picture.width = width;
+  picture.height = height;
   picture.bytes = buffer.data();
   return true;
 }
@@ -119,7 +120,7 @@ void downloadTexture(SoState* state, const Picture& picture, const TextureForm& 
   Picture sent = picture;
   scaleToTexture(sent, mostTextureSide(), buffer);
   glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
-  int width = sent.size[0], height = sent.size[1];
+  int width = sent.width, height = sent.height;
   glTexImage2D(GL_TEXTURE_2D, 0, stored, width, height, 0, format, GL_UNSIGNED_BYTE, sent.bytes);
   if (filter.mipMaps && (width > 1 || height > 1)) {
     const std::size_t bytes = static_cast<std::size_t>(width) * static_cast<std::size_t>(height) *

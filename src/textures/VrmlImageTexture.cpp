@@ -29,15 +29,17 @@ void VrmlImageTexture::dropDef() {
 
 void VrmlImageTexture::requestImageFromURL() {
   requestMade = true;
-  // The old one goes last: the data of the same URL must not die and be read again in between.
+  // The old one goes last: the data of the same URL must not die and be read again in between. But it is put aside
+  // first, since what the new one tells at once is not about it.
   const SoRef<VrmlTextureDef> old(texDef);
-  SoRef<VrmlTextureDef> made;
+  texDef.reset();
   if (urlIndex < url.getNum() && url[urlIndex].getLength() > 0) {
-    made.reset(new VrmlTextureDef(getFullURLName(), this));
+    const SoRef<VrmlTextureDef> made(new VrmlTextureDef(getFullURLName(), this));
     texDef = made;
     made->fetch();  // which may fail at once, and lead here again
+    if (texDef && texDef->isLoaded()) urlPending = false;
   } else {
-    texDef.reset();
+    urlPending = false;  // nothing more can come
   }
   if (old) old->clearOwner();
   if (texDef && texDef->isBadURL()) {
@@ -48,10 +50,15 @@ void VrmlImageTexture::requestImageFromURL() {
 }
 
 void VrmlImageTexture::notify(SoNotList* list) {
-  if (texDef && texDef->isBadURL())
-    fetchFailed();
-  else if (texDef && urlPending && texDef->isLoaded())
-    resetTexture();
+  const bool isNewSearch = list->getLastField() == &url;  // which begins behind this
+  if (texDef && !isNewSearch) {
+    if (texDef->isBadURL()) {
+      if (urlIndex + 1 >= url.getNum()) urlPending = false;  // that was the last alternative
+      fetchFailed();
+    } else if (urlPending && requestMade && texDef->isLoaded()) {
+      resetTexture();
+    }
+  }
   NodeClass::notify(list);
 }
 
@@ -68,6 +75,7 @@ bool VrmlImageTexture::readBody(tessel::WorldReader& reader) {
 void VrmlImageTexture::copyContents(const SoFieldContainer* from, SbBool copyConnections) {
   detachFieldSensors();
   copyQuietly(from, copyConnections);
+  urlPending = static_cast<const VrmlImageTexture*>(from)->urlPending;
   requestImageFromURL();
   attachFieldSensors();
 }

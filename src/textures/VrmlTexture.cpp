@@ -35,9 +35,10 @@ namespace {
 
 /// The image of a node; a Picture without bytes if it has none.
 tessel::Picture pictureIn(const SoSFImage& image) {
-  tessel::Picture picture;
-  picture.bytes = image.getValue(picture.size, picture.components);
-  return picture;
+  SbVec2s size;
+  int components;
+  const unsigned char* bytes = image.getValue(size, components);
+  return {size[0], size[1], components, bytes};
 }
 
 }  // namespace

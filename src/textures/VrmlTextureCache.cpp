@@ -91,9 +91,10 @@ void VrmlTextureCache::disable(SoState* state, SoNode* node) {
 void VrmlTextureCache::set(SoState* state, SoNode* node, const tessel::Picture& picture, int wrapS,
                            int wrapT) {
   meetMaterial(state, node, picture.components);
-  SoMultiTextureImageElement::set(state, node, 0, picture.size, picture.components, picture.bytes,
-                                  elementWrap(wrapS), elementWrap(wrapT),
-                                  SoMultiTextureImageElement::MODULATE, noBlendColor);
+  SoMultiTextureImageElement::set(
+      state, node, 0, SbVec2s(static_cast<short>(picture.width), static_cast<short>(picture.height)),
+      picture.components, picture.bytes, elementWrap(wrapS), elementWrap(wrapT),
+      SoMultiTextureImageElement::MODULATE, noBlendColor);
 }
 
 namespace tessel {

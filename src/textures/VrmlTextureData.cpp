@@ -66,8 +66,7 @@ void VrmlTextureData::leave(VrmlTextureDef* def) {
 }
 
 tessel::Picture VrmlTextureData::picture() const {
-  return {SbVec2s(static_cast<short>(image.width), static_cast<short>(image.height)), image.components,
-          image.bytes.get()};
+  return {image.width, image.height, image.components, image.bytes.get()};
 }
 
 bool VrmlTextureData::isWanted() const {

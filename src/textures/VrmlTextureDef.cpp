@@ -47,7 +47,10 @@ void VrmlTextureDef::fetchEnded() { data->notifyNodes(); }
 bool VrmlTextureDef::isBadURL() const { return data->isBad(); }
 bool VrmlTextureDef::isLoaded() const { return data->isLoaded(); }
 const SbString& VrmlTextureDef::getURL() const { return data->getURL(); }
-SbVec2s VrmlTextureDef::getSize() const { return data->picture().size; }
+SbVec2s VrmlTextureDef::getSize() const {
+  const tessel::Picture picture = data->picture();
+  return SbVec2s(static_cast<short>(picture.width), static_cast<short>(picture.height));
+}
 int VrmlTextureDef::getNumComponents() const { return data->picture().components; }
 const unsigned char* VrmlTextureDef::getBytes() const { return data->picture().bytes; }
 bool VrmlTextureDef::isWanted() const { return data->isWanted(); }

@@ -17,6 +17,7 @@
 #include <tessel/textures/VrmlPixelTexture.h>
 #include <tessel/textures/VrmlTextureTransform.h>
 
+#include "core/UrlNodes.h"
 #include "support/Drawing.h"
 #include "support/Paths.h"
 #include "support/TestWorld.h"
@@ -130,6 +131,66 @@ TEST(ImageTexture, TriesItsAlternativesInTheirOrder) {
   EXPECT_EQ(requests.urls.back(), "http://h/4");
 }
 
+TEST(ImageTexture, PassesByAlternativesThatOthersFoundBad) {
+  Requests requests;
+  TestWorld others(textured("ImageTexture { url \"http://h/bad1\" }") +
+                   textured("ImageTexture { url \"http://h/bad2\" }"));
+  for (int i = 0; i < 2; ++i) requests.defs[i]->fetchFailed();
+  requests.urls.clear();
+  TestWorld world(textured(image("\"http://h/1\" \"http://h/bad1\" \"http://h/2\"")) + "PROTO P [ ] { " +
+                  textured("ImageTexture { url [ \"http://h/bad1\" \"http://h/bad2\" \"http://h/bad1\" "
+                           "\"http://h/3\" ] }") +
+                  " } P { }");
+  requests.defs[2]->fetchFailed();
+  Drawing drawing(world.root());
+  drawing.frame(3);
+  EXPECT_THAT(requests.urls, ElementsAre("http://h/1", "http://h/2", "http://h/3"));
+  requests.defs[3]->readTexture(pictureFile("second.rgb", {1, 2, 3}).c_str());
+  EXPECT_EQ(world.get<VrmlImageTexture>("T")->getSize(), SbVec2s(1, 1)) << "its answer reaches the node";
+}
+
+TEST(ImageTexture, BeginsAnewWithANewUrlWhateverBecameOfTheOldOne) {
+  Requests requests;
+  TestWorld world(textured(image("\"http://h/1\"")));
+  auto* texture = world.get<VrmlImageTexture>("T");
+  requests.defs[0]->fetchFailed();
+  const char* two[] = {"http://h/2", "http://h/3"};
+  texture->url.setValues(0, 2, two);
+  EXPECT_THAT(requests.urls, ElementsAre("http://h/1", "http://h/2"));
+  texture->url.setNum(1);
+  texture->url = "http://h/4";
+  EXPECT_EQ(requests.urls.back(), "http://h/4");
+  requests.defs[1]->readTexture(pictureFile("late.rgb", {9, 9, 9}).c_str());
+  EXPECT_EQ(texture->getNumComponents(), 0) << "nobody wants that any more";
+  requests.defs.back()->readTexture(pictureFile("new.rgb", {1, 2, 3}).c_str());
+  EXPECT_EQ(texture->getBytes()[2], 3);
+  texture->url.setNum(0);
+  EXPECT_EQ(texture->getSize(), SbVec2s(0, 0));
+}
+
+TEST(ImageTexture, IsWaitedForUntilItsSearchHasEnded) {
+  const auto isFetched = [](SoNode* texture) {
+    for (const tessel::UrlNodeClass& nodes : tessel::urlNodeClasses())
+      if (texture->isOfType(nodes.type)) return nodes.isFetched(*texture, true);
+    return false;
+  };
+  Requests requests;
+  const std::string common = "\"http://h/common\"";
+  TestWorld first(textured(image(common)));
+  EXPECT_FALSE(isFetched(first.get<VrmlImageTexture>("T")));
+  requests.defs[0]->readTexture(pictureFile("common.rgb", {1, 2, 3}).c_str());
+  EXPECT_TRUE(isFetched(first.get<VrmlImageTexture>("T")));
+  TestWorld second(textured(image(common)));
+  EXPECT_TRUE(isFetched(second.get<VrmlImageTexture>("T"))) << "it was there already";
+  TestWorld bad(textured(image("\"http://h/1\" \"http://h/2\"")));
+  requests.defs[1]->fetchFailed();
+  EXPECT_FALSE(isFetched(bad.get<VrmlImageTexture>("T")));
+  requests.defs[2]->fetchFailed();
+  EXPECT_TRUE(isFetched(bad.get<VrmlImageTexture>("T"))) << "there is nothing to wait for";
+  bad.get<VrmlImageTexture>("T")->url = "";
+  EXPECT_TRUE(isFetched(bad.get<VrmlImageTexture>("T")));
+}
+
 TEST(ImageTexture, EndsItsSearchAtAnEmptyString) {
   Requests requests;
   TestWorld world(textured(image("\"\" \"http://h/2\"")));
@@ -205,6 +266,43 @@ TEST(TexturesGL, ChangeWithTheirFields) {
   EXPECT_EQ(drawing.at(0, 0), (Colour{204, 204, 204})) << "no picture, no texture";
 }
 
+TEST(TexturesGL, AreGoneFromGLWithTheirPictureAndTheirWorld) {
+  TestWorld empty("Group { }");
+  Drawing drawing(empty.root());
+  drawing.frame();
+  const int before = textureObjects();
+  {
+    TestWorld world("Group { children [ " + textured("DEF T PixelTexture { image 1 1 3 0xFF0000 }") +
+                    textured("ImageTexture { url \"file://" + pictureFile("world.rgb", {1, 2, 3}) + "\" }") +
+                    " ] }");
+    drawing.root->addChild(world.root());
+    drawing.frame(4);
+    for (unsigned char i = 0; i < 100; ++i) {
+      const unsigned char pixel[] = {i, 255, 0};
+      world.get<VrmlPixelTexture>("T")->image.setValue(SbVec2s(1, 1), 3, pixel);
+      drawing.frame();
+    }
+    EXPECT_EQ(textureObjects() - before, 2);
+    drawing.root->removeChild(world.root());
+  }
+  drawing.frame(2);
+  EXPECT_EQ(textureObjects(), before);
+}
+
+TEST(TexturesGL, StayInEachOfTwoContexts) {
+  TestWorld world(textured(image("\"file://" + pictureFile("both.rgb", {0, 255, 0}) + "\"")));
+  Drawing one(world.root()), other(world.root());
+  one.frame(3);
+  other.frame(3);
+  const int objects = textureObjects();
+  for (int frame = 0; frame < 5; ++frame)
+    for (Drawing* drawing : {&one, &other}) {
+      drawing->frame();
+      EXPECT_TRUE(near(drawing->at(0, 0), green));
+    }
+  EXPECT_EQ(textureObjects(), objects);
+}
+
 TEST(TexturesGL, AreReadAgainWhenTheirFileHasChanged) {
   const std::string file = pictureFile("changing.rgb", {255, 0, 0});
   const std::string url = "\"file://" + file + "\"";
@@ -217,9 +315,17 @@ TEST(TexturesGL, AreReadAgainWhenTheirFileHasChanged) {
   fs::last_write_time(file, fs::last_write_time(file) + std::chrono::seconds(5));
   drawing.frame();
   EXPECT_EQ(drawing.at(0, 0), red) << "nobody has looked yet";
-  TestWorld another(textured("ImageTexture { url " + url + " }"));
+  TestWorld another(textured(image(url)));
   drawing.frame(2);
   EXPECT_EQ(drawing.at(0, 0), green);
+  pictureFile("changing.rgb", {255, 0, 0});
+  fs::last_write_time(file, fs::last_write_time(file) + std::chrono::seconds(10));
+  another.get<VrmlImageTexture>("T")->reload();
+  drawing.frame();
+  EXPECT_EQ(drawing.at(0, 0), green) << "it looks when it is drawn";
+  Drawing(another.root()).frame();
+  drawing.frame(2);
+  EXPECT_EQ(drawing.at(0, 0), red);
 }
 
 TEST(TexturesGL, AreNotDrawnAtQualityZeroOrOutsideOfAnAppearance) {
@@ -241,6 +347,18 @@ TEST(TextureDownload, ChoosesSidesByTheirTopTwoBits) {
   } rows[] = {{1, 1},   {2, 2},   {3, 4},    {5, 8},       {8, 8},       {9, 8},       {11, 8},
               {12, 16}, {95, 64}, {96, 128}, {1023, 1024}, {1024, 1024}, {1025, 1024}, {5000, 1024}};
   for (const auto& row : rows) EXPECT_EQ(tessel::textureSide(row.side, 1024), row.sent) << row.side;
+}
+
+TEST(TextureDownloadGL, TakesSidesThatShortNumbersDoNotHold) {
+  TestWorld world("Group { }");
+  Drawing drawing(world.root());
+  drawing.frame();
+  const std::vector<unsigned char> pixels(30000, 7);
+  tessel::Picture picture{30000, 1, 1, pixels.data()};
+  std::vector<unsigned char> buffer;
+  EXPECT_TRUE(tessel::scaleToTexture(picture, 32768, buffer));
+  EXPECT_EQ(picture.width, 32768);
+  EXPECT_EQ(buffer.size(), 32768u);
 }
 
 TEST(TextureDownloadGL, MakesMipmapsByTruncatedMeans) {
