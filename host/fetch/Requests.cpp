@@ -39,7 +39,10 @@ class BackgroundRequest final : public FileRequest {
 public:
   BackgroundRequest(std::string wanted, VrmlBackground* n, int i)
       : FileRequest(std::move(wanted), n->getBaseURL().getString(), n), node(n), index(i) {}
-  bool isWanted() const override { return node->getRefCount() > 1; }
+  /// The answer names the image only: one to what was asked for before a change of the URLs would be taken for the new.
+  bool isWanted() const override {
+    return node->getRefCount() > 1 && url == node->getFullURLName(index).getString();
+  }
   void fail() override { node->fetchFailed(index); }
   void give(const char* path) override {
     int width, height, components;

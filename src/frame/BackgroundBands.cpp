@@ -114,7 +114,6 @@ BackgroundBands makeBackgroundBands(Angles groundAngle, Colors groundColor, Angl
   const std::size_t sky = counting(skyColor, skyAngle), ground = counting(groundColor, groundAngle);
   if (total == 0) return oneColor(SbColor(0, 0, 0));
   if (total == 1) return oneColor(skyColor.empty() ? groundColor[0] : skyColor[0]);
-  if (sky == 0 && ground == 1) return oneColor(groundColor[0]);
   if (sky == 0 && ground == 2)
     return groundColor[0] == groundColor[1] ? oneColor(groundColor[0])
                                             : gradient(groundColor[0], groundColor[1]);

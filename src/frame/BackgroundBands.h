@@ -23,7 +23,7 @@ struct BackgroundBands {
 };
 
 /// The fields of a Background, angles in radians from the nadir and from the zenith, each of them that of the colour
-/// after the one of its index.
+/// after the one of its index. Empty if there is neither a sky nor a ground of two colours.
 BackgroundBands makeBackgroundBands(std::span<const float> groundAngle, std::span<const SbColor> groundColor,
                                     std::span<const float> skyAngle, std::span<const SbColor> skyColor);
 

@@ -7,6 +7,7 @@
 #include <Inventor/caches/SoGLCacheList.h>
 #include <Inventor/elements/SoCacheElement.h>
 #include <Inventor/elements/SoDrawStyleElement.h>
+#include <Inventor/elements/SoGLLazyElement.h>
 #include <Inventor/elements/SoProjectionMatrixElement.h>
 #include <Inventor/elements/SoTextureQualityElement.h>
 #include <Inventor/elements/SoViewVolumeElement.h>
@@ -48,6 +49,16 @@ void renderFace(const Side& side) {
     glVertex3fv(side[i]);
   }
   glEnd();
+}
+
+/// Nothing but colours and textures counts.
+void switchAllOff() {
+  for (const GLenum what :
+       {GLenum(GL_LIGHTING), GLenum(GL_POLYGON_STIPPLE), GLenum(GL_ALPHA_TEST), GLenum(GL_BLEND),
+        GLenum(GL_CULL_FACE), GLenum(GL_DEPTH_TEST), GLenum(GL_FOG), GLenum(GL_SCISSOR_TEST),
+        GLenum(GL_STENCIL_TEST), GLenum(GL_TEXTURE_1D), GLenum(GL_TEXTURE_2D), texture3D})
+    glDisable(what);
+  glShadeModel(GL_SMOOTH);
 }
 
 struct Ring {
@@ -95,19 +106,19 @@ void VrmlBackground::drawIt(SoGLRenderAction* action) {
     if (!useTexture) return;
     drawSphere = false;
   }
+  if (bands->empty() && drawSphere) {
+    glClear(colorAndDepth);
+    return;
+  }
   // A ground alone leaves the window above it as it was.
   if (drawSphere && bands->angles.back() < std::numbers::pi_v<float> / 2) glClear(GL_COLOR_BUFFER_BIT);
 
   glPushAttrib(GL_ALL_ATTRIB_BITS);
   if (SoDrawStyleElement::get(state) != SoDrawStyleElement::FILLED) glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
-  for (const GLenum what :
-       {GLenum(GL_LIGHTING), GLenum(GL_POLYGON_STIPPLE), GLenum(GL_ALPHA_TEST), GLenum(GL_BLEND),
-        GLenum(GL_CULL_FACE), GLenum(GL_DEPTH_TEST), GLenum(GL_FOG), GLenum(GL_SCISSOR_TEST),
-        GLenum(GL_STENCIL_TEST), GLenum(GL_TEXTURE_1D), GLenum(GL_TEXTURE_2D), texture3D})
-    glDisable(what);
-  glShadeModel(GL_SMOOTH);
   renderSphere(action, drawSphere, useTexture);
   glPopAttrib();
+  // Making or playing the display list may have sent what is no longer so.
+  SoGLLazyElement::getInstance(state)->reset(state, SoLazyElement::ALL_MASK);
 }
 
 void VrmlBackground::renderSphere(SoGLRenderAction* action, bool drawSphere, bool useTexture) {
@@ -133,7 +144,8 @@ void VrmlBackground::renderSphere(SoGLRenderAction* action, bool drawSphere, boo
   const bool canCache = missingLists == 0 && !SoCacheElement::anyOpen(state);
   state->push();
   if (!cacheList->call(action)) {
-    if (canCache) cacheList->open(action);
+    if (canCache) cacheList->open(action, FALSE);  // this sends the state, so ours comes behind
+    switchAllOff();
     glClear(GL_DEPTH_BUFFER_BIT);
     if (drawSphere) drawBands();
     if (useTexture) doTexturedCube(state);

@@ -10,10 +10,15 @@
 #include <utility>
 #include <vector>
 
+#include <Inventor/nodes/SoComplexity.h>
+#include <Inventor/nodes/SoOrthographicCamera.h>
+#include <Inventor/system/gl.h>
 #include <tessel/frame/VrmlBackground.h>
 #include <tessel/frame/VrmlFog.h>
 
 #include "frame/BackgroundBands.h"
+#include "frame/Stage.h"
+#include "support/Picture.h"
 #include "support/TestWorld.h"
 
 using namespace tessel::test;
@@ -48,6 +53,7 @@ const Bands bandTable[] = {
     {"OneSkyColour", {}, {}, {1}, {0.5F}, {{0, 0.5F}}},
     {"OneOfEachIsTheSky", {}, {0.9F}, {}, {0.5F}, {{0, 0.5F}}},
     {"TwoSkyColoursWithoutAngle", {}, {}, {}, {0.5F, 1}, {{0, 0.5F}}},
+    {"TwoGroundColoursWithoutAngle", {}, {0.5F, 1}, {}, {}, {}},
     {"TwoEqualSkyColours", {}, {}, {1}, {0.5F, 0.5F}, {{0, 0.5F}}},
     {"TwoSkyColours", {}, {}, {1}, {0, 1}, {{-right, 1}, {0, 0.5F}, {right, 0}}},
     {"TwoGroundColours", {0.3F}, {0, 1}, {}, {}, {{-right, 0}, {0, 0.5F}, {right, 1}}},
@@ -155,6 +161,102 @@ TEST(Background, AsksForEachImageAndItsAlternatives) {
   const unsigned char pixel[] = {1, 2, 3};
   for (const int bad : {-1, 6, 1000}) background->setImage(bad, SbVec2s(1, 1), 3, pixel);
   VrmlBackground::setFetchURLCallBack(nullptr, nullptr);
+}
+
+namespace {
+
+/// A world in a window, seen from the origin along the horizon.
+struct Window {
+  explicit Window(const std::string& text) : context(openContext(size, size)), stage(text.c_str()) {
+    stage.manager.setViewportRegion(SbViewportRegion(size, size));
+  }
+  Colour draw(int frames = 1) {
+    while (frames-- > 0) stage.manager.render();
+    return pixel(context->picture(), size / 2, size / 2);
+  }
+  VrmlBackground* background() const { return stage.get<VrmlBackground>("B"); }
+  /// Pictures of one pixel all around.
+  void setImages(const Colour& colour) const {
+    const unsigned char bytes[] = {static_cast<unsigned char>(colour.r), static_cast<unsigned char>(colour.g),
+                                   static_cast<unsigned char>(colour.b)};
+    for (int i = 0; i < VrmlBackground::numImages; ++i) background()->setImage(i, SbVec2s(1, 1), 3, bytes);
+  }
+
+  static constexpr int size = 64;
+  std::unique_ptr<tessel::host::OffscreenContext> context;
+  Stage stage;
+};
+
+int displayLists() {
+  int count = 0;
+  for (GLuint id = 1; id < 1000; ++id) count += glIsList(id);
+  return count;
+}
+
+constexpr Colour red{255, 0, 0}, green{0, 255, 0}, blue{0, 0, 255};
+/// Red all over, but not so plain that it is cleared to.
+const std::string redSky = "DEF B Background { skyAngle [ 1, 1.4 ] skyColor [ 1 0 0, 1 0 0, 1 0 0 ] }";
+
+}  // namespace
+
+TEST(BackgroundGL, IsOneDisplayListUntilItChanges) {
+  Window window(redSky);
+  for (int frame = 0; frame < 5; ++frame) EXPECT_EQ(window.draw(), red) << "frame " << frame;
+  EXPECT_EQ(displayLists(), 1);
+  const SbColor greens[] = {{0, 1, 0}, {0, 1, 0}, {0, 1, 0}};
+  window.background()->skyColor.setValues(0, 3, greens);
+  EXPECT_EQ(window.draw(), green);
+  window.setImages(blue);
+  for (int frame = 0; frame < 5; ++frame) EXPECT_EQ(window.draw(), blue) << "frame " << frame;
+  for (int i = 0; i < 50; ++i) {
+    window.background()->skyAngle.set1Value(0, static_cast<float>(i) / 50);
+    window.draw(2);
+  }
+  EXPECT_LE(displayLists(), 2) << "old lists are given back";
+}
+
+TEST(BackgroundGL, LeavesTheStateToTheShapes) {
+  // The last one leaves the lights off at the end of each frame; the first one is lit, and dark, for there are none.
+  Window window(redSky +
+                "Transform { translation 0 0 -5 children Shape { geometry Box { } appearance Appearance { "
+                "material Material { ambientIntensity 0 } } } } "
+                "Transform { translation 3 0 -5 children Shape { geometry Box { } } }");
+  window.stage.camera->position.setValue(0, 0, 0);
+  for (int frame = 0; frame < 5; ++frame) EXPECT_EQ(window.draw(), (Colour{0, 0, 0})) << "frame " << frame;
+}
+
+TEST(BackgroundGL, FollowsTheTextureQuality) {
+  Window window(redSky);
+  auto* complexity = new SoComplexity;
+  window.stage.root->insertChild(complexity, 0);
+  window.setImages(blue);
+  for (const float quality : {0.0F, 1.0F, 0.0F}) {
+    complexity->textureQuality = quality;
+    for (int frame = 0; frame < 3; ++frame) EXPECT_EQ(window.draw(), quality > 0 ? blue : red) << quality;
+  }
+}
+
+TEST(BackgroundGL, FillsTheWindowFromWhereverItIsSeen) {
+  Window window(redSky);
+  for (const float distance : {0.0F, 999.0F, 1001.0F, 1e7F}) {
+    window.stage.camera->position.setValue(distance, 0, -distance);
+    for (int frame = 0; frame < 3; ++frame) {
+      window.draw();
+      EXPECT_EQ(countLit(window.context->picture(), red), 0) << distance << " in frame " << frame;
+    }
+  }
+}
+
+TEST(BackgroundGL, IsAPlainClearWithoutColoursOrPerspective) {
+  Window bare("DEF B Background { skyColor [ ] groundColor [ 1 0 0, 0 1 0 ] }");
+  glClearColor(0, 0, 1, 0);
+  EXPECT_EQ(bare.draw(), blue);
+  bare.setImages(green);
+  EXPECT_EQ(bare.draw(3), green);
+  Window flat(redSky);
+  flat.stage.root->replaceChild(0, new SoOrthographicCamera);
+  glClearColor(0, 0, 1, 0);
+  EXPECT_EQ(flat.draw(), blue);
 }
 
 TEST(Fog, HasAKindByItsTypeAndRange) {

@@ -9,10 +9,14 @@
 #include <fstream>
 #include <iterator>
 
+#include <tessel/frame/VrmlBackground.h>
+
 #include "HttpServer.h"
 #include "Program.h"
+#include "host/fetch/Requests.h"
 #include "support/Paths.h"
 #include "support/Picture.h"
+#include "support/TestWorld.h"
 
 namespace tessel::host {
 namespace {
@@ -77,6 +81,22 @@ TEST(Pictures, ComeFromTheDiskByTheFirstAlternativeThatIsGoodGL) {
   EXPECT_THAT(check.err, HasSubstr("broken.png"));
   makeFile("sky.wrl", world("Background { backUrl [ \"none.png\" \"textures/red.png\" ] }"));
   EXPECT_TRUE(near(middleOf("sky.wrl"), red));
+}
+
+TEST(Pictures, OfABackgroundAreNotWantedOnceAnotherUrlIs) {
+  test::startLibrary();
+  std::vector<std::unique_ptr<Request>> requests;
+  const RequestListener listener(
+      [&](std::unique_ptr<Request> asked) { requests.push_back(std::move(asked)); });
+  const test::TestWorld sky("DEF B Background { backUrl [ \"http://h/1\", \"http://h/2\" ] }");
+  auto* background = sky.get<VrmlBackground>("B");
+  background->requestHolderImage(0);
+  ASSERT_EQ(requests.size(), 1u);
+  EXPECT_TRUE(requests[0]->isWanted());
+  background->backUrl = "http://h/3";
+  EXPECT_FALSE(requests[0]->isWanted()) << "its failure would be taken for that of the new one";
+  background->requestHolderImage(0);
+  EXPECT_TRUE(requests[1]->isWanted());
 }
 
 TEST(Pictures, ComeFromTheNetworkOnceForAllWhoNameThemGL) {
