@@ -10,7 +10,7 @@ struct Picture {
   int components = 0;  ///< 1 luminance, 2 luminance and alpha, 3 RGB, 4 RGBA
   const unsigned char* bytes = nullptr;
 
-  bool empty() const { return width <= 0 || height <= 0 || components <= 0 || !bytes; }
+  bool empty() const { return width <= 0 || height <= 0 || components < 1 || components > 4 || !bytes; }
   bool hasAlpha() const { return components == 2 || components == 4; }
 };
 

@@ -16,6 +16,8 @@
 #include <tessel/frame/VrmlBackground.h>
 #include <tessel/frame/VrmlFog.h>
 
+#include <tessel/toolkit/Scoped.h>
+
 #include "frame/BackgroundBands.h"
 #include "frame/Stage.h"
 #include "support/Picture.h"
@@ -271,4 +273,21 @@ TEST(Fog, HasAKindByItsTypeAndRange) {
   EXPECT_FLOAT_EQ(fog->computeDensity(), 0.5F);
   fog->fogType = "linear";
   EXPECT_EQ(fog->getKind(), Kind::none);
+}
+
+TEST(Fog, AsksForNoPictureWhileItIsNotBound) {
+  const tessel::ScopedValue<int> cut(VrmlNode::optimizedNotify, 1);
+  TestWorld world("Group { children [ DEF F Fog { } ] }");
+  auto* fog = world.get<VrmlFog>("F");
+  int heard = 0;
+  VrmlNotifySensor ear([](void* count, SoSensor*) { ++*static_cast<int*>(count); }, &heard);
+  ear.attach(world.root());
+  fog->color.setValue(1, 0, 0);
+  EXPECT_EQ(heard, 0);
+  fog->visibilityRange = 5;
+  EXPECT_EQ(heard, 1);
+  fog->isBound = TRUE;
+  heard = 0;
+  fog->color.setValue(0, 1, 0);
+  EXPECT_EQ(heard, 1);
 }

@@ -34,8 +34,9 @@ INSTANTIATE_TEST_SUITE_P(
                       "transparency", "transforms-and-use", "billboards", "lines-and-points",
                       "sides-of-faces", "scaled-normals", "light-scopes", "spots", "clear-colours",
                       "textures-and-materials", "texture-repeats", "texture-transforms", "textured-shapes",
-                      "background-sky-and-ground", "background-ground-in-sky", "background-two-sky-colours",
-                      "background-far-edges", "background-images", "background-image-over-sky", "fog-linear",
+                      "textured-others", "background-sky-and-ground", "background-ground-in-sky",
+                      "background-two-sky-colours", "background-far-edges", "background-ground-alone",
+                      "background-odd-angles", "background-images", "background-image-over-sky", "fog-linear",
                       "fog-exponential", "text-families", "extrusion-frames", "extrusion-caps", "grids",
                       "levels-of-detail"),
     testName);

@@ -8,11 +8,14 @@
 #include <string>
 #include <vector>
 
+#include <Inventor/actions/SoCallbackAction.h>
 #include <Inventor/actions/SoGetMatrixAction.h>
 #include <Inventor/elements/SoGLCacheContextElement.h>
 #include <Inventor/nodes/SoComplexity.h>
 #include <Inventor/system/gl.h>
+#include <tessel/core/VrmlDB.h>
 #include <tessel/shapes/VrmlAppearance.h>
+#include <tessel/shapes/VrmlBox.h>
 #include <tessel/textures/VrmlImageTexture.h>
 #include <tessel/textures/VrmlPixelTexture.h>
 #include <tessel/textures/VrmlTextureTransform.h>
@@ -77,6 +80,13 @@ int textureObjects() {
   int count = 0;
   for (GLuint id = 1; id < 2000; ++id) count += glIsTexture(id);
   return count;
+}
+
+GLuint newestTexture() {
+  GLuint newest = 0;
+  for (GLuint id = 1; id < 2000; ++id)
+    if (glIsTexture(id)) newest = id;
+  return newest;
 }
 
 constexpr Colour red{255, 0, 0}, green{0, 255, 0};
@@ -339,6 +349,63 @@ TEST(TexturesGL, AreNotDrawnAtQualityZeroOrOutsideOfAnAppearance) {
   complexity->textureQuality = 1;
   drawing.frame(2);
   EXPECT_EQ(drawing.at(0, 0), red);
+  auto* stray = new VrmlPixelTexture;
+  const unsigned char pixel[] = {0, 255, 0};
+  stray->image.setValue(SbVec2s(1, 1), 3, pixel);
+  TestWorld plain("Shape { geometry Box { size 4 4 1 } }");
+  drawing.root->replaceChild(world.root(), plain.root());
+  drawing.root->insertChild(stray, 1);
+  drawing.frame();
+  EXPECT_EQ(drawing.at(0, 0), (Colour{204, 204, 204}));
+}
+
+TEST(Textures, StandInTheStateOfActionsThatDrawNothing) {
+  startLibrary();
+  struct Seen {
+    SbVec2s size;
+    int components = 0;
+    SbColor diffuse;
+    float transparency = -1;
+    SbMatrix matrix;
+  } seen;
+  SoCallbackAction action;
+  action.addPreCallback(
+      VrmlBox::getClassTypeId(),
+      [](void* out, SoCallbackAction* at, const SoNode*) {
+        auto& s = *static_cast<Seen*>(out);
+        SbColor ignored[3];
+        float shininess;
+        at->getTextureImage(s.size, s.components);
+        at->getMaterial(ignored[0], s.diffuse, ignored[1], ignored[2], shininess, s.transparency);
+        s.matrix = at->getTextureMatrix();
+        return SoCallbackAction::CONTINUE;
+      },
+      &seen);
+  const std::string file = pictureFile("seen.rgb", {1, 2, 3}, 2);
+  for (const std::string& texture : std::vector<std::string>{
+           "PixelTexture { image 2 2 4 1 2 3 4 }", "ImageTexture { url \"file://" + file + "\" }"}) {
+    TestWorld world(
+        "Shape { geometry Box { } appearance Appearance { material Material { diffuseColor 1 0 0 "
+        "transparency 0.5 } textureTransform TextureTransform { translation 3 4 } texture " +
+        texture + " } }");
+    seen = {};
+    action.apply(world.root());
+    EXPECT_EQ(seen.size, SbVec2s(2, 2)) << texture;
+    EXPECT_EQ(seen.diffuse, SbColor(1, 1, 1));
+    EXPECT_EQ(seen.transparency, seen.components == 4 ? 0.0F : 0.5F) << "only an alpha takes its place";
+    EXPECT_EQ(seen.matrix[3][1], 4);
+  }
+}
+
+TEST(Textures, ResolveTheirUrlsAgainstTheBaseOfTheirReading) {
+  startLibrary();
+  Requests requests;
+  VrmlDB::setBaseURL("http://h/a/world.wrl");
+  TestWorld world(textured(image("\"../1.png\" \"2.png\"")));
+  VrmlDB::setBaseURL("http://elsewhere/");
+  requests.defs[0]->fetchFailed();
+  VrmlDB::setBaseURL(nullptr);
+  EXPECT_THAT(requests.urls, ElementsAre("http://h/1.png", "http://h/a/2.png"));
 }
 
 TEST(TextureDownload, ChoosesSidesByTheirTopTwoBits) {
@@ -361,6 +428,44 @@ TEST(TextureDownloadGL, TakesSidesThatShortNumbersDoNotHold) {
   EXPECT_EQ(buffer.size(), 32768u);
 }
 
+TEST(TextureDownloadGL, ChoosesFiltersAndFormatsByTheQuality) {
+  const struct {
+    float quality;
+    GLint minification, magnification, format;
+  } rows[] = {{0.05F, GL_NEAREST, GL_NEAREST, GL_RGB4},
+              {0.1F, GL_NEAREST, GL_NEAREST, GL_RGB4},
+              {0.4F, GL_LINEAR, GL_NEAREST, GL_RGB4},
+              {0.5F, GL_LINEAR, GL_LINEAR, GL_RGB4},
+              {0.6F, GL_LINEAR, GL_LINEAR, GL_RGB},
+              {0.65F, GL_NEAREST_MIPMAP_NEAREST, GL_LINEAR, GL_RGB},
+              {0.75F, GL_NEAREST_MIPMAP_LINEAR, GL_LINEAR, GL_RGB},
+              {0.85F, GL_LINEAR_MIPMAP_NEAREST, GL_LINEAR, GL_RGB},
+              {1, GL_LINEAR_MIPMAP_LINEAR, GL_LINEAR, GL_RGB}};
+  TestWorld world(textured("PixelTexture { image 2 1 3 0xFF0000 0x00FF00 repeatT FALSE }"));
+  Drawing drawing(world.root());
+  auto* complexity = new SoComplexity;
+  drawing.root->insertChild(complexity, 0);
+  for (const auto& row : rows) {
+    complexity->textureQuality = row.quality;
+    drawing.frame();
+    glBindTexture(GL_TEXTURE_2D, newestTexture());
+    const auto parameter = [](GLenum name) {
+      GLint value = 0;
+      glGetTexParameteriv(GL_TEXTURE_2D, name, &value);
+      return value;
+    };
+    EXPECT_EQ(parameter(GL_TEXTURE_MIN_FILTER), row.minification) << row.quality;
+    EXPECT_EQ(parameter(GL_TEXTURE_MAG_FILTER), row.magnification) << row.quality;
+    EXPECT_EQ(parameter(GL_TEXTURE_WRAP_S), GL_REPEAT);
+    EXPECT_EQ(parameter(GL_TEXTURE_WRAP_T), GL_CLAMP);
+    GLint format = 0, below = -1;
+    glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_INTERNAL_FORMAT, &format);
+    glGetTexLevelParameteriv(GL_TEXTURE_2D, 1, GL_TEXTURE_WIDTH, &below);
+    EXPECT_EQ(format, row.format) << row.quality;
+    EXPECT_EQ(below, row.quality > 0.6F ? 1 : 0) << row.quality;
+  }
+}
+
 TEST(TextureDownloadGL, MakesMipmapsByTruncatedMeans) {
   // A picture of 4 x 2 pixels with one component.
   TestWorld world(textured("PixelTexture { image 4 2 1 0 10 20 31 100 110 120 133 }"));
@@ -369,10 +474,7 @@ TEST(TextureDownloadGL, MakesMipmapsByTruncatedMeans) {
   complexity->textureQuality = 1;
   drawing.root->insertChild(complexity, 0);
   drawing.frame();
-  GLuint object = 0;
-  for (GLuint id = 1; id < 2000; ++id)
-    if (glIsTexture(id)) object = id;
-  glBindTexture(GL_TEXTURE_2D, object);
+  glBindTexture(GL_TEXTURE_2D, newestTexture());
   unsigned char level[8] = {};
   glPixelStorei(GL_PACK_ALIGNMENT, 1);
   glGetTexImage(GL_TEXTURE_2D, 1, GL_LUMINANCE, GL_UNSIGNED_BYTE, level);
