@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include <ranges>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -35,7 +34,8 @@ inline double countOccurrences(SoNode* root, double times, Occurrences& inlines)
   }
   met[root] = times;
   double all = 0;
-  for (SoNode* node : std::views::reverse(order)) {
+  for (auto at = order.rbegin(); at != order.rend(); ++at) {
+    SoNode* const node = *at;
     const double count = met[node];
     all += count;
     if (node->isOfType(VrmlInline::getClassTypeId())) inlines[node] = count;

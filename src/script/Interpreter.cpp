@@ -73,6 +73,14 @@ static inline bool arePlain(const Value& a, const Value& b) {
   return a.type() == Type::sfTime && b.type() == Type::sfTime;
 }
 
+// A plain number, or a float such as lists and vectors give.
+static inline bool isReal(const Value& value) {
+  return value.type() == Type::sfTime || value.type() == Type::sfFloat;
+}
+static inline double realOf(const Value& value) {
+  return value.type() == Type::sfTime ? value.time() : value.getFloat();
+}
+
 // Where a component of a vector or colour of the script's own is, by its number or property; null for all else.
 template <class Which> static inline float* componentOf(const Value& vector, Which which) {
   switch (vector.type()) {
@@ -121,21 +129,29 @@ bool Interpreter::loop() {
     const Instruction& i = *pc;
     const Value& a = base[i.a];
     const Value& b = base[i.b];
+    Value& to = base[i.dst];
     if (arePlain(a, b)) [[likely]] {
+      to.makeRoom();
+      if constexpr (assigns) base[i.c].makeRoom();
       const double result = number::rounded(arithmetic<op>(a.time(), b.time()));
-      base[i.dst].setWhole(result);
-      if constexpr (assigns) base[i.c].setWhole(result);
+      to.storeRounded(result);
+      if constexpr (assigns) base[i.c].storeRounded(result);
+    } else if (op <= Op::divide && isReal(a) && isReal(b)) {
+      const double result = arithmetic<op>(realOf(a), realOf(b));
+      to.setNumber(result, resultType(a.type(), b.type()));
+      if constexpr (assigns) base[i.c].setValue(to);
     } else if (!arithMixed<op, assigns>(base, i)) {
       slowArith(i);
     }
     ++pc;
   };
+  // The result of a comparison is never an object.
   const auto compare = [&]<Op op>() __attribute__((always_inline)) {
     const Instruction& i = *pc;
     const Value& a = base[i.a];
     const Value& b = base[i.b];
     if (arePlain(a, b)) [[likely]] {
-      base[i.dst].setBool(comparison<op>(a.time(), b.time()));
+      base[i.dst].storeBool(comparison<op>(a.time(), b.time()));
     } else {
       slowCompare(i);
     }
@@ -148,7 +164,7 @@ bool Interpreter::loop() {
     const Value& b = base[i.b];
     if (arePlain(a, b)) [[likely]] {
       const bool result = comparison<op>(a.time(), b.time());
-      base[i.dst].setBool(result);
+      base[i.dst].storeBool(result);
       pc = result ? pc + 2 : function->code.data() + pc[1].b;
     } else {
       slowCompare(i);
@@ -210,10 +226,11 @@ bool Interpreter::loop() {
       case Op::incrementVariable: {
         Value& variable = base[i.a];
         if (variable.type() == Type::sfTime) [[likely]] {
+          base[i.dst].makeRoom();
           const double before = variable.time();
           const double after = number::rounded(before + i.aux);
-          variable.setWhole(after);
-          base[i.dst].setWhole(i.b ? after : before);
+          variable.storeRounded(after);
+          base[i.dst].storeRounded(i.b ? after : before);
         } else {
           slowIncrement(i);
         }
@@ -278,6 +295,7 @@ bool Interpreter::loop() {
       case Op::jumpBack:
         if (!takeStep(i)) return false;
         pc = function->code.data() + i.b;
+        if (pc->op == Op::lessUnless) compareUnless.template operator()<Op::less>();  // of most loops
         break;
       case Op::jumpUnless: {
         const Value& value = base[i.a];

@@ -59,11 +59,17 @@ public:
 
   /// What a number of type sfTime is: the way past all conversions.
   double time() const { return number.time; }
-  /// Stores a number that is known to be whole, and within 32 bits.
-  void setWhole(double x) {
-    release();
+  /// Gives up an object, if one is held. Then one of the two below may follow: the interpreter does this before it
+  /// computes what is stored, so that the result need not outlive a call.
+  void makeRoom() { release(); }
+  /// Stores a number that is rounded already, where no object is held.
+  void storeRounded(double x) {
     kind = Type::sfTime;
     number.time = x;
+  }
+  void storeBool(bool x) {
+    kind = Type::sfBool;
+    number.integer = x ? 1 : 0;
   }
 
   // Of scalars only.
