@@ -26,8 +26,8 @@ inline std::int32_t truncated(double x) {
 inline double rounded(double x) {
   const std::int32_t whole = truncated(x);
   const double seconds = whole;
-  // Most numbers are whole. The sum, which makes -0 a 0, is there before the conversions that are only compared.
-  if (seconds == x) return x + 0.0;
+  // Most numbers are whole; this also makes -0 a 0.
+  if (seconds == x) return seconds;
   if (!(x > lowest && x < highest)) return seconds;
   const double micro = (x - seconds) * 1e6;
   const auto microseconds = static_cast<std::int32_t>(micro + (micro < 0 ? -0.5 : 0.5));
