@@ -27,6 +27,7 @@ class TextureRequest final : public FileRequest {
 public:
   TextureRequest(std::string wanted, VrmlTextureDef* d)
       : FileRequest(std::move(wanted), baseOf(d->getOwner()), d->getOwner()), def(d) {}
+  ~TextureRequest() override { def->fetchForgotten(); }  // which changes nothing behind an answer
   bool isWanted() const override { return def->isWanted(); }
   void fail() override { def->fetchFailed(); }
   void give(const char* path) override { def->readTexture(path); }

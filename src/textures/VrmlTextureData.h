@@ -37,6 +37,8 @@ public:
   void fetch(VrmlTextureDef* def);
   bool readImage(const SbString& name);
   void setBad() { badURL = true; }
+  /// What is known to be bad is not asked for again.
+  void forgetFetch() { fetching = badURL; }
   /// Tells the owners that wait for the outcome, each once.
   void notifyNodes();
 

@@ -43,6 +43,7 @@ void VrmlTextureDef::fetchFailed() {
 }
 
 void VrmlTextureDef::fetchEnded() { data->notifyNodes(); }
+void VrmlTextureDef::fetchForgotten() { data->forgetFetch(); }
 
 bool VrmlTextureDef::isBadURL() const { return data->isBad(); }
 bool VrmlTextureDef::isLoaded() const { return data->isLoaded(); }

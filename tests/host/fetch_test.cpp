@@ -83,6 +83,19 @@ TEST(Pictures, ComeFromTheDiskByTheFirstAlternativeThatIsGoodGL) {
   EXPECT_TRUE(near(middleOf("sky.wrl"), red));
 }
 
+TEST(Pictures, ThatWereForgottenAreAskedForAgain) {
+  test::startLibrary();
+  std::vector<std::unique_ptr<Request>> requests;
+  const RequestListener listener(
+      [&](std::unique_ptr<Request> asked) { requests.push_back(std::move(asked)); });
+  const std::string text = square("\"http://h/slow.png\"");
+  const test::TestWorld shown(text);
+  ASSERT_EQ(requests.size(), 1u);
+  requests.clear();  // as when the world is read again, while the old one still stands in the window
+  const test::TestWorld again(text);
+  EXPECT_EQ(requests.size(), 1u);
+}
+
 TEST(Pictures, OfABackgroundAreNotWantedOnceAnotherUrlIs) {
   test::startLibrary();
   std::vector<std::unique_ptr<Request>> requests;

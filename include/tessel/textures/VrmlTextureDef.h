@@ -21,8 +21,8 @@ class TextureCaches;
 /// whoever names its URL, and is gone with the last who does.
 ///
 /// A host that fetches sets the callback before its first read, and answers each request later, on the scene thread,
-/// by `readTexture` or `fetchFailed`; it holds a reference until then (tessel::SoRef does). Without a callback the
-/// library reads local files by itself, at once.
+/// by `readTexture` or `fetchFailed`, or drops it with `fetchForgotten`; it holds a reference until then
+/// (tessel::SoRef does). Without a callback the library reads local files by itself, at once.
 class TESSEL_API VrmlTextureDef {
 public:
   using FetchCallback = void(const SbString& url, void* data, VrmlTextureDef* requestor);
@@ -48,6 +48,9 @@ public:
   void fetchFailed();
   /// Tells all who wait, whatever has become of the fetch.
   void fetchEnded();
+  /// There will be no answer: who names the URL next has it asked for again. Those who wait are not told. Nothing
+  /// happens behind an answer.
+  void fetchForgotten();
 
   bool isBadURL() const;
   bool isLoaded() const;
