@@ -132,8 +132,8 @@ void VrmlBackground::notifyContainerOnly(const SoField* field) {
 }
 
 void VrmlBackground::notify(SoNotList* list) {
-  if (isNotifyEnabled() && list->getFirstRec() && list->getFirstRec()->getType() == SoNotRec::CONTAINER)
-    notifyContainerOnly(list->getLastField());
+  // No node stands below, so the last field is one of this node, wherever the change began.
+  if (isNotifyEnabled()) notifyContainerOnly(list->getLastField());
   NodeClass::notify(list);
 }
 

@@ -217,6 +217,21 @@ TEST(BackgroundGL, IsOneDisplayListUntilItChanges) {
   EXPECT_LE(displayLists(), 2) << "old lists are given back";
 }
 
+TEST(BackgroundGL, ChangesByRoutesAsByItsOwnFields) {
+  Window window("Group { children [ " + redSky +
+                " DEF A Background { } ] } ROUTE A.skyColor_changed TO B.set_skyColor "
+                "ROUTE A.backUrl_changed TO B.set_backUrl");
+  EXPECT_EQ(window.draw(4), red);
+  auto* source = window.stage.get<VrmlBackground>("A");
+  const SbColor greens[] = {{0, 1, 0}, {0, 1, 0}, {0, 1, 0}};
+  source->skyColor.setValues(0, 3, greens);
+  EXPECT_EQ(window.draw(), green);
+  window.setImages(blue);
+  EXPECT_EQ(window.draw(), blue);
+  source->backUrl = "";
+  EXPECT_EQ(window.draw(), green) << "the image of the old URL is gone";
+}
+
 TEST(BackgroundGL, LeavesTheStateToTheShapes) {
   // The last one leaves the lights off at the end of each frame; the first one is lit, and dark, for there are none.
   Window window(redSky +

@@ -24,7 +24,6 @@
 #include "support/Drawing.h"
 #include "support/Paths.h"
 #include "support/TestWorld.h"
-#include "textures/TextureDownload.h"
 #include "textures/VrmlTextureData.h"
 
 using namespace tessel::test;
@@ -80,13 +79,6 @@ int textureObjects() {
   int count = 0;
   for (GLuint id = 1; id < 2000; ++id) count += glIsTexture(id);
   return count;
-}
-
-GLuint newestTexture() {
-  GLuint newest = 0;
-  for (GLuint id = 1; id < 2000; ++id)
-    if (glIsTexture(id)) newest = id;
-  return newest;
 }
 
 constexpr Colour red{255, 0, 0}, green{0, 255, 0};
@@ -276,6 +268,34 @@ TEST(TexturesGL, ChangeWithTheirFields) {
   EXPECT_EQ(drawing.at(0, 0), (Colour{204, 204, 204})) << "no picture, no texture";
 }
 
+TEST(TexturesGL, ChangeByRoutesAsByTheirOwnFields) {
+  const std::string one = "\"file://" + pictureFile("one.rgb", {255, 0, 0}) + "\"",
+                    other = "file://" + pictureFile("other.rgb", {0, 255, 0});
+  TestWorld world("DEF FROM ImageTexture { } " + textured("DEF T ImageTexture { url " + one + " }") +
+                  "ROUTE FROM.url_changed TO T.set_url");
+  Drawing drawing(world.root());
+  drawing.frame(5);
+  EXPECT_EQ(drawing.at(0, 0), red);
+  world.get<VrmlImageTexture>("FROM")->url = other.c_str();
+  drawing.frame();
+  EXPECT_EQ(drawing.at(0, 0), green);
+  TestWorld pixels(
+      "DEF FROM PixelTexture { } DEF TURN TextureTransform { } " +
+      textured("DEF T PixelTexture { image 2 1 3 0xFF0000 0x00FF00 } textureTransform DEF TT "
+               "TextureTransform { }") +
+      "ROUTE FROM.image_changed TO T.set_image ROUTE TURN.translation_changed TO TT.set_translation");
+  Drawing another(pixels.root());
+  another.frame(5);
+  EXPECT_TRUE(near(another.at(-1, 0), red));
+  pixels.get<VrmlTextureTransform>("TURN")->translation.setValue(0.5F, 0);
+  another.frame();
+  EXPECT_TRUE(near(another.at(-1, 0), green));
+  const unsigned char blue[] = {0, 0, 255};
+  pixels.get<VrmlPixelTexture>("FROM")->image.setValue(SbVec2s(1, 1), 3, blue);
+  another.frame();
+  EXPECT_EQ(another.at(-1, 0), (Colour{0, 0, 255}));
+}
+
 TEST(TexturesGL, AreGoneFromGLWithTheirPictureAndTheirWorld) {
   TestWorld empty("Group { }");
   Drawing drawing(empty.root());
@@ -406,85 +426,6 @@ TEST(Textures, ResolveTheirUrlsAgainstTheBaseOfTheirReading) {
   requests.defs[0]->fetchFailed();
   VrmlDB::setBaseURL(nullptr);
   EXPECT_THAT(requests.urls, ElementsAre("http://h/1.png", "http://h/a/2.png"));
-}
-
-TEST(TextureDownload, ChoosesSidesByTheirTopTwoBits) {
-  const struct {
-    int side, sent;
-  } rows[] = {{1, 1},   {2, 2},   {3, 4},    {5, 8},       {8, 8},       {9, 8},       {11, 8},
-              {12, 16}, {95, 64}, {96, 128}, {1023, 1024}, {1024, 1024}, {1025, 1024}, {5000, 1024}};
-  for (const auto& row : rows) EXPECT_EQ(tessel::textureSide(row.side, 1024), row.sent) << row.side;
-}
-
-TEST(TextureDownloadGL, TakesSidesThatShortNumbersDoNotHold) {
-  TestWorld world("Group { }");
-  Drawing drawing(world.root());
-  drawing.frame();
-  const std::vector<unsigned char> pixels(30000, 7);
-  tessel::Picture picture{30000, 1, 1, pixels.data()};
-  std::vector<unsigned char> buffer;
-  EXPECT_TRUE(tessel::scaleToTexture(picture, 32768, buffer));
-  EXPECT_EQ(picture.width, 32768);
-  EXPECT_EQ(buffer.size(), 32768u);
-}
-
-TEST(TextureDownloadGL, ChoosesFiltersAndFormatsByTheQuality) {
-  const struct {
-    float quality;
-    GLint minification, magnification, format;
-  } rows[] = {{0.05F, GL_NEAREST, GL_NEAREST, GL_RGB4},
-              {0.1F, GL_NEAREST, GL_NEAREST, GL_RGB4},
-              {0.4F, GL_LINEAR, GL_NEAREST, GL_RGB4},
-              {0.5F, GL_LINEAR, GL_LINEAR, GL_RGB4},
-              {0.6F, GL_LINEAR, GL_LINEAR, GL_RGB},
-              {0.65F, GL_NEAREST_MIPMAP_NEAREST, GL_LINEAR, GL_RGB},
-              {0.75F, GL_NEAREST_MIPMAP_LINEAR, GL_LINEAR, GL_RGB},
-              {0.85F, GL_LINEAR_MIPMAP_NEAREST, GL_LINEAR, GL_RGB},
-              {1, GL_LINEAR_MIPMAP_LINEAR, GL_LINEAR, GL_RGB}};
-  TestWorld world(textured("PixelTexture { image 2 1 3 0xFF0000 0x00FF00 repeatT FALSE }"));
-  Drawing drawing(world.root());
-  auto* complexity = new SoComplexity;
-  drawing.root->insertChild(complexity, 0);
-  for (const auto& row : rows) {
-    complexity->textureQuality = row.quality;
-    drawing.frame();
-    glBindTexture(GL_TEXTURE_2D, newestTexture());
-    const auto parameter = [](GLenum name) {
-      GLint value = 0;
-      glGetTexParameteriv(GL_TEXTURE_2D, name, &value);
-      return value;
-    };
-    EXPECT_EQ(parameter(GL_TEXTURE_MIN_FILTER), row.minification) << row.quality;
-    EXPECT_EQ(parameter(GL_TEXTURE_MAG_FILTER), row.magnification) << row.quality;
-    EXPECT_EQ(parameter(GL_TEXTURE_WRAP_S), GL_REPEAT);
-    EXPECT_EQ(parameter(GL_TEXTURE_WRAP_T), GL_CLAMP);
-    GLint format = 0, below = -1;
-    glGetTexLevelParameteriv(GL_TEXTURE_2D, 0, GL_TEXTURE_INTERNAL_FORMAT, &format);
-    glGetTexLevelParameteriv(GL_TEXTURE_2D, 1, GL_TEXTURE_WIDTH, &below);
-    EXPECT_EQ(format, row.format) << row.quality;
-    EXPECT_EQ(below, row.quality > 0.6F ? 1 : 0) << row.quality;
-  }
-}
-
-TEST(TextureDownloadGL, MakesMipmapsByTruncatedMeans) {
-  // A picture of 4 x 2 pixels with one component.
-  TestWorld world(textured("PixelTexture { image 4 2 1 0 10 20 31 100 110 120 133 }"));
-  Drawing drawing(world.root());
-  auto* complexity = new SoComplexity;
-  complexity->textureQuality = 1;
-  drawing.root->insertChild(complexity, 0);
-  drawing.frame();
-  glBindTexture(GL_TEXTURE_2D, newestTexture());
-  unsigned char level[8] = {};
-  glPixelStorei(GL_PACK_ALIGNMENT, 1);
-  glGetTexImage(GL_TEXTURE_2D, 1, GL_LUMINANCE, GL_UNSIGNED_BYTE, level);
-  EXPECT_EQ(level[0], (0 + 10 + 100 + 110) / 4);
-  EXPECT_EQ(level[1], (20 + 31 + 120 + 133) / 4);
-  glGetTexImage(GL_TEXTURE_2D, 2, GL_LUMINANCE, GL_UNSIGNED_BYTE, level);
-  EXPECT_EQ(level[0], (55 + 76) * 2 / 4);
-  GLint width = -1;
-  glGetTexLevelParameteriv(GL_TEXTURE_2D, 3, GL_TEXTURE_WIDTH, &width);
-  EXPECT_EQ(width, 0) << "no level below the one of a single pixel";
 }
 
 TEST(TextureTransform, GivesItsStepsAndTheirInverse) {
