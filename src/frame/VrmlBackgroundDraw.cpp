@@ -141,6 +141,10 @@ void VrmlBackground::renderSphere(SoGLRenderAction* action, bool drawSphere, boo
   if (size != 1) glScalef(size, size, size);
   glMultMatrixf(rotationMatrix[0]);
 
+  if (useTexture) {
+    for (const auto& image : images) image->dropForeignTexture(state);
+    updateTextureFlags();
+  }
   const bool canCache = missingLists == 0 && !SoCacheElement::anyOpen(state);
   state->push();
   if (!cacheList->call(action)) {
@@ -195,7 +199,6 @@ void VrmlBackground::doTexturedCube(SoState* state) {
       glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
       begun = true;
     }
-    image.dropForeignTexture(state);
     image.bind(state);
     renderFace(sides[i]);
   }

@@ -15,17 +15,13 @@ std::span<const tessel::FieldSpec> VrmlImageTexture::fields() { return {}; }
 
 VrmlImageTexture::VrmlImageTexture() { setUpFields(); }
 
-VrmlImageTexture::~VrmlImageTexture() { dropDef(); }
+VrmlImageTexture::~VrmlImageTexture() {
+  if (texDef) texDef->clearOwner();
+}
 
 SbVec2s VrmlImageTexture::getSize() const { return texDef ? texDef->getSize() : SbVec2s(0, 0); }
 int VrmlImageTexture::getNumComponents() const { return texDef ? texDef->getNumComponents() : 0; }
 const unsigned char* VrmlImageTexture::getBytes() const { return texDef ? texDef->getBytes() : nullptr; }
-
-void VrmlImageTexture::dropDef() {
-  if (!texDef) return;
-  texDef->clearOwner();
-  texDef.reset();
-}
 
 void VrmlImageTexture::requestImageFromURL() {
   requestMade = true;
@@ -33,20 +29,27 @@ void VrmlImageTexture::requestImageFromURL() {
   // first, since what the new one tells at once is not about it.
   const SoRef<VrmlTextureDef> old(texDef);
   texDef.reset();
-  if (urlIndex < url.getNum() && url[urlIndex].getLength() > 0) {
+  for (;; ++urlIndex) {
+    if (urlIndex >= url.getNum() || url[urlIndex].getLength() == 0) {
+      urlPending = false;  // nothing more can come
+      break;
+    }
     const SoRef<VrmlTextureDef> made(new VrmlTextureDef(getFullURLName(), this));
-    texDef = made;
-    made->fetch();  // which may fail at once, and lead here again
-    if (texDef && texDef->isLoaded()) urlPending = false;
-  } else {
-    urlPending = false;  // nothing more can come
+    const bool isKnown = made->isBadURL();
+    if (!isKnown) made->fetch();  // which may fail at once
+    if (!made->isBadURL()) {
+      texDef = made;
+      if (made->isLoaded()) urlPending = false;
+      break;
+    }
+    made->clearOwner();
+    if (isKnown) {
+      requestMade = false;  // the next one is tried when the texture is drawn
+      ++urlIndex;
+      break;
+    }
   }
   if (old) old->clearOwner();
-  if (texDef && texDef->isBadURL()) {
-    dropDef();
-    requestMade = false;  // the next one is tried when the texture is drawn
-    ++urlIndex;
-  }
 }
 
 void VrmlImageTexture::notify(SoNotList* list) {

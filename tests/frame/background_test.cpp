@@ -10,6 +10,8 @@
 #include <utility>
 #include <vector>
 
+#include <Inventor/actions/SoGLRenderAction.h>
+#include <Inventor/elements/SoGLCacheContextElement.h>
 #include <Inventor/nodes/SoComplexity.h>
 #include <Inventor/nodes/SoOrthographicCamera.h>
 #include <Inventor/system/gl.h>
@@ -230,6 +232,23 @@ TEST(BackgroundGL, ChangesByRoutesAsByItsOwnFields) {
   EXPECT_EQ(window.draw(), blue);
   source->backUrl = "";
   EXPECT_EQ(window.draw(), green) << "the image of the old URL is gone";
+}
+
+TEST(BackgroundGL, IsDrawnInTwoContextsInTurn) {
+  Window window(redSky);
+  window.setImages(blue);
+  const auto context = openContext(Window::size, Window::size);
+  VrmlSceneManager other;
+  other.getGLRenderAction()->setCacheContext(SoGLCacheContextElement::getUniqueCacheContext());
+  other.setSceneGraph(window.stage.root.get());
+  other.setViewportRegion(SbViewportRegion(Window::size, Window::size));
+  for (int frame = 0; frame < 4; ++frame) {
+    window.context->makeCurrent();
+    EXPECT_EQ(window.draw(2), blue);
+    context->makeCurrent();
+    for (int i = 0; i < 2; ++i) other.render();
+    EXPECT_EQ(pixel(context->picture(), 32, 32), blue);
+  }
 }
 
 TEST(BackgroundGL, LeavesTheStateToTheShapes) {

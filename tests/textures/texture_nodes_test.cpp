@@ -220,6 +220,14 @@ TEST(ImageTexture, ReadsLocalFilesByItselfWithoutAHost) {
   EXPECT_EQ(world.get<VrmlImageTexture>("T")->getSize(), SbVec2s(1, 1));
 }
 
+TEST(ImageTexture, TriesAnyNumberOfAlternatives) {
+  std::string urls;
+  for (int i = 0; i < 20000; ++i) urls += "\"file:///none/" + std::to_string(i) + "\" ";
+  TestWorld world(textured(image(urls + "\"file://" + pictureFile("last.rgb", {1, 2, 3}) + "\"")));
+  EXPECT_EQ(world.messages.all().size(), 20000u);
+  EXPECT_EQ(world.get<VrmlImageTexture>("T")->getNumComponents(), 3);
+}
+
 TEST(Textures, RefuseTheFieldsThatAreNotTheirs) {
   TestWorld withImage("Appearance { texture ImageTexture { image 1 1 1 0 } }");
   EXPECT_EQ(withImage.status, tessel::ReadStatus::failed);

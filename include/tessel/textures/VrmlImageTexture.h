@@ -32,7 +32,5 @@ protected:
   ~VrmlImageTexture() override;
 
 private:
-  void dropDef();
-
   tessel::SoRef<VrmlTextureDef> texDef;
 };
