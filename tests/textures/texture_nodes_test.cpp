@@ -330,9 +330,12 @@ TEST(TexturesGL, AreGoneFromGLWithTheirPictureAndTheirWorld) {
 TEST(TexturesGL, StayInEachOfTwoContexts) {
   TestWorld world(textured(image("\"file://" + pictureFile("both.rgb", {0, 255, 0}) + "\"")));
   Drawing one(world.root()), other(world.root());
+  other.action.setCacheContext(SoGLCacheContextElement::getUniqueCacheContext());
+  const int before = textureObjects();
   one.frame(3);
   other.frame(3);
   const int objects = textureObjects();
+  EXPECT_EQ(objects - before, 2);
   for (int frame = 0; frame < 5; ++frame)
     for (Drawing* drawing : {&one, &other}) {
       drawing->frame();
