@@ -181,6 +181,7 @@ SoNode* readAll(OpenText text, ReadStatus& status) {
       return nullptr;
     }
     if (!node) break;
+    const tessel::NotifyOff quiet(static_cast<SoNode&>(*root));  // nobody knows it yet
     root->addChild(node.get());
   }
   status = root->getNumChildren() == 0 ? ReadStatus::empty : ReadStatus::world;
