@@ -136,10 +136,12 @@ bool Interpreter::loop() {
       const double result = number::rounded(arithmetic<op>(a.time(), b.time()));
       to.storeRounded(result);
       if constexpr (assigns) base[i.c].storeRounded(result);
-    } else if (op <= Op::divide && isReal(a) && isReal(b)) {
-      const double result = arithmetic<op>(realOf(a), realOf(b));
-      to.setNumber(result, resultType(a.type(), b.type()));
-      if constexpr (assigns) base[i.c].setValue(to);
+    } else if (op <= Op::divide && isReal(a) && isReal(b) && a.type() != b.type()) {
+      to.makeRoom();
+      if constexpr (assigns) base[i.c].makeRoom();
+      const double result = number::rounded(arithmetic<op>(realOf(a), realOf(b)));
+      to.storeRounded(result);
+      if constexpr (assigns) base[i.c].storeRounded(result);
     } else if (!arithMixed<op, assigns>(base, i)) {
       slowArith(i);
     }
@@ -170,6 +172,14 @@ bool Interpreter::loop() {
       slowCompare(i);
       ++pc;
     }
+  };
+
+  // Most loops test there whether a number is below another. False if the script is stopped.
+  const auto goBack = [&]() __attribute__((always_inline)) {
+    if (!takeStep(*pc)) return false;
+    pc = function->code.data() + pc->b;
+    if (pc->op == Op::lessUnless) compareUnless.template operator()<Op::less>();
+    return true;
   };
 
   for (;;) {
@@ -235,6 +245,7 @@ bool Interpreter::loop() {
           slowIncrement(i);
         }
         ++pc;
+        if (pc->op == Op::jumpBack && !goBack()) return false;
         break;
       }
       case Op::increment:
@@ -293,9 +304,7 @@ bool Interpreter::loop() {
         pc = function->code.data() + i.b;
         break;
       case Op::jumpBack:
-        if (!takeStep(i)) return false;
-        pc = function->code.data() + i.b;
-        if (pc->op == Op::lessUnless) compareUnless.template operator()<Op::less>();  // of most loops
+        if (!goBack()) return false;
         break;
       case Op::jumpUnless: {
         const Value& value = base[i.a];
