@@ -35,19 +35,13 @@ void VrmlImageTexture::requestImageFromURL() {
       break;
     }
     const SoRef<VrmlTextureDef> made(new VrmlTextureDef(getFullURLName(), this));
-    const bool isKnown = made->isBadURL();
-    if (!isKnown) made->fetch();  // which may fail at once
+    if (!made->isBadURL()) made->fetch();  // which may fail at once
     if (!made->isBadURL()) {
       texDef = made;
       if (made->isLoaded()) urlPending = false;
       break;
     }
     made->clearOwner();
-    if (isKnown) {
-      requestMade = false;  // the next one is tried when the texture is drawn
-      ++urlIndex;
-      break;
-    }
   }
   if (old) old->clearOwner();
 }
