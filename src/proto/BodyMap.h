@@ -8,15 +8,17 @@ class VrmlNode;
 
 namespace tessel {
 
-/// The IS clauses of a definition, as its instances need them: by interface field, with each field of the body told by
-/// numbers that hold in every copy.
+/// An IS clause, with the field of the body told by numbers that hold in every copy.
+struct BodyMapEntry {
+  int index;        // of the interface field
+  int node;         // in `nodes`
+  int fieldIndex;   // on that node, as it is declared if that is an instance of an external prototype
+  bool isInstance;  // the node is an instance of a prototype
+};
+
+/// The IS clauses of a definition, as its instances need them: by interface field.
 struct BodyMap {
-  struct Entry {
-    int index;        // of the interface field
-    int node;         // in `nodes`
-    int fieldIndex;   // on that node
-    bool isInstance;  // the node is an instance of a prototype
-  };
+  using Entry = BodyMapEntry;
 
   std::vector<const VrmlNode*> nodes;  // those of the body that have fields with IS
   std::vector<Entry> entries;          // ordered by `index`

@@ -13,6 +13,7 @@
 #include "core/WorldReader.h"
 #include "proto/InstanceBuild.h"
 #include "proto/InstanceData.h"
+#include "proto/ProtoInterface.h"
 #include "toolkit/ReadReport.h"
 
 using tessel::InstancePlace;
@@ -122,6 +123,19 @@ void VrmlExternProtoDef::setDefinition(VrmlProtoDef* definition) {
     removeRequestor(*last.use);
     tessel::InstanceBuild::complete(*last.use, *realDef, last.place);
   }
+}
+
+const std::vector<int>& VrmlExternProtoDef::getCounterparts(const VrmlProtoDef& definition) {
+  const SbUniqueId number = definition.getNodeId();
+  if (std::exchange(counterpartsOf, number) == number) return counterparts;
+  counterparts.clear();
+  const tessel::ProtoInterface& theirs = definition.getInterface();
+  for (const auto& declared : getInterface()) {
+    const int index = theirs.find(declared.name.getString());
+    if (index < 0 || theirs[index].type != declared.type || theirs[index].kind != declared.kind) break;
+    counterparts.push_back(index);
+  }
+  return counterparts;
 }
 
 // Without this the definitions would hold one another for ever, and an instance would end at the limits only.

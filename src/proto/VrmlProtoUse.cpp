@@ -318,15 +318,30 @@ VrmlNode* VrmlProtoUse::mappedNode(int number) const {
   return data->mappedNodes[static_cast<std::size_t>(number)].get();
 }
 
+SoField* VrmlProtoUse::mappedField(const tessel::BodyMapEntry& entry) const {
+  VrmlNode* node = mappedNode(entry.node);
+  if (!node) return nullptr;
+  const int index =
+      entry.isInstance ? static_cast<VrmlProtoUse*>(node)->indexNow(entry.fieldIndex) : entry.fieldIndex;
+  return node->getFieldAt(index);
+}
+
+// Bodies know an instance of an external prototype by its declaration; the real definition may have other fields
+// before those.
+int VrmlProtoUse::indexNow(int declared) const {
+  if (!data->externDef || !data->protoDef) return declared;
+  const std::vector<int>& counterparts = data->externDef->getCounterparts(*data->protoDef);
+  const auto i = static_cast<std::size_t>(declared);
+  return i < counterparts.size() ? counterparts[i] : -1;
+}
+
 int VrmlProtoUse::isVrmlRoute(const SoField* from, const SoField* to) const {
   if (!data->isMade) return 1;
   const SoField* other = data->fields.indexOf(from) >= 0 ? to : from;
   const int own = data->fields.indexOf(other == to ? from : to);
   if (own < 0) return 1;
-  for (const auto& entry : data->protoDef->getBodyMap().of(own)) {
-    VrmlNode* node = mappedNode(entry.node);
-    if (node && node == other->getContainer() && node->getFieldAt(entry.fieldIndex) == other) return 0;
-  }
+  for (const auto& entry : data->protoDef->getBodyMap().of(own))
+    if (mappedField(entry) == other) return 0;
   return 1;
 }
 
@@ -337,8 +352,9 @@ template <class Visit> void VrmlProtoUse::forEachInside(int index, Visit visit) 
   for (std::size_t n = 0;; ++n) {
     if (visit(*use, index) && use->data->isMade)
       for (const auto& entry : use->data->protoDef->getBodyMap().of(index)) {
-        VrmlNode* node = entry.isInstance ? use->mappedNode(entry.node) : nullptr;
-        if (node) open.emplace_back(static_cast<VrmlProtoUse*>(node), entry.fieldIndex);
+        auto* inner = entry.isInstance ? static_cast<VrmlProtoUse*>(use->mappedNode(entry.node)) : nullptr;
+        const int now = inner ? inner->indexNow(entry.fieldIndex) : -1;
+        if (now >= 0) open.emplace_back(inner, now);
       }
     if (n == open.size()) return;
     std::tie(use, index) = open[n];
@@ -375,8 +391,7 @@ void VrmlProtoUse::connectWithBody(int index, Ways ways) {
   SoField& own = data->fields[index];
   const SbBool wasDefault = own.isDefault();
   for (const auto& entry : data->protoDef->getBodyMap().of(index)) {
-    VrmlNode* node = mappedNode(entry.node);
-    SoField* inner = node ? node->getFieldAt(entry.fieldIndex) : nullptr;
+    SoField* inner = mappedField(entry);
     if (!inner) continue;
     if (ways & out) {
       const tessel::NotifyOff silence(own);
@@ -394,15 +409,14 @@ void VrmlProtoUse::pushField(int index) {
     if (!use.data->isMade || !item.hasValue()) return false;
     const SoField& value = use.data->fields[own];
     for (const auto& entry : use.data->protoDef->getBodyMap().of(own)) {
-      VrmlNode* node = use.mappedNode(entry.node);
-      SoField* inner = node ? node->getFieldAt(entry.fieldIndex) : nullptr;
+      SoField* inner = use.mappedField(entry);
       if (!inner) continue;
       {
         const tessel::NotifyOff silence(*inner);
         tessel::copyValue(value, *inner);
         if (item.holdsNodes()) tessel::discountAsIn(value, *inner);
       }
-      if (!entry.isInstance) node->notifyContainerOnly(inner);
+      if (!entry.isInstance) use.mappedNode(entry.node)->notifyContainerOnly(inner);
     }
     return true;
   });
@@ -425,50 +439,45 @@ InstanceFields VrmlProtoUse::takeRealDefinition(VrmlProtoDef& definition) {
   data->connected.clear();
   data->protoDef.reset(&definition);
   makeFields(definition);
-  for (int i = 0; i < before.size(); ++i) {
-    const int now = counterpart(before, i);
-    if (now < 0) break;
-    if (before[i].isDefault()) continue;
-    const tessel::NotifyOff silence(data->fields[now]);
-    data->fields[now].copyFrom(before[i]);
-    tessel::discountAsIn(before[i], data->fields[now]);
+  const std::vector<int>& counterparts = data->externDef->getCounterparts(definition);
+  for (std::size_t i = 0; i < counterparts.size(); ++i) {
+    const SoField& old = before[static_cast<int>(i)];
+    if (old.isDefault()) continue;
+    SoField& field = data->fields[counterparts[i]];
+    const tessel::NotifyOff silence(field);
+    field.copyFrom(old);
+    tessel::discountAsIn(old, field);
   }
   return before;
 }
 
-// The field that a declared one has become, -1 if the definition has none like it.
-int VrmlProtoUse::counterpart(const InstanceFields& before, int index) const {
-  const auto& declared = before.item(index);
-  const int now = data->fields.find(declared.name.getString());
-  if (now < 0) return -1;
-  const auto& item = data->fields.item(now);
-  return item.type == declared.type && item.kind == declared.kind ? now : -1;
+void VrmlProtoUse::moveRoutes(InstanceFields& before) {
+  const std::vector<int>& counterparts = data->externDef->getCounterparts(*data->protoDef);
+  for (std::size_t i = 0; i < counterparts.size(); ++i)
+    moveRoutes(before[static_cast<int>(i)], counterparts[i]);
+  if (static_cast<int>(counterparts.size()) < before.size())
+    SoDebugError::post("VrmlProtoUse::setUpFromExternDefinition",
+                       "Fields of EXTERNPROTO \"%s\" are not a subset of fields of PROTO \"%s\"",
+                       data->externDef->name.getString(), data->protoDef->name.getString());
 }
 
-void VrmlProtoUse::moveRoutes(InstanceFields& before) {
-  for (int i = 0; i < before.size(); ++i) {
-    const int now = counterpart(before, i);
-    if (now < 0) {
-      SoDebugError::post("VrmlProtoUse::setUpFromExternDefinition",
-                         "Fields of EXTERNPROTO \"%s\" are not a subset of fields of PROTO \"%s\"",
-                         data->externDef->name.getString(), data->protoDef->name.getString());
-      return;
-    }
-    SoField& old = before[i];
-    SoField& field = data->fields[now];
-    SoFieldList incoming, outgoing;
-    VrmlRoute::getIncoming(&old, incoming);
-    VrmlRoute::getOutgoing(&old, outgoing);
-    if (incoming.getLength() > 0) connectField(now, in);
-    if (outgoing.getLength() > 0) connectField(now, out);
-    for (int n = 0; n < incoming.getLength(); ++n) {
-      VrmlRoute::remove(incoming[n], &old);
-      VrmlRoute::add(incoming[n], &field, 0);
-    }
-    for (int n = 0; n < outgoing.getLength(); ++n) {
-      VrmlRoute::remove(&old, outgoing[n]);
-      VrmlRoute::add(&field, outgoing[n], 0);
-    }
+void VrmlProtoUse::moveRoutes(SoField& old, int index) {
+  SoField& field = data->fields[index];
+  SoFieldList incoming, outgoing;
+  VrmlRoute::getIncoming(&old, incoming);
+  VrmlRoute::getOutgoing(&old, outgoing);
+  // What has no value of its own in the body has waited as an event.
+  const bool eventWaits = !data->fields.item(index).hasValue() && !old.isDefault();
+  if (incoming.getLength() > 0 || eventWaits) connectField(index, in);
+  if (outgoing.getLength() > 0) connectField(index, out);
+  if (eventWaits) field.touch();
+  for (int n = 0; n < incoming.getLength(); ++n) {
+    VrmlRoute::remove(incoming[n], &old);
+    VrmlRoute::add(incoming[n], &field, 0);
+  }
+  for (int n = 0; n < outgoing.getLength(); ++n) {
+    VrmlRoute::remove(&old, outgoing[n]);
+    VrmlRoute::add(&field, outgoing[n], 0);
   }
 }
 

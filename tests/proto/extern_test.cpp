@@ -120,6 +120,107 @@ TEST_F(ExternTest, OneAnswerCompletesAllInstances) {
   EXPECT_TRUE(world.messages.empty()) << world.messages.text();
 }
 
+// What was sent to an instance counts even if nobody has read it before the definition came; a mere route does not.
+TEST_F(ExternTest, WhatWasSentBeforeTheAnswerIsThereAfterIt) {
+  const TestWorld world(R"(
+    EXTERNPROTO Two [ exposedField SFVec3f scale  exposedField SFVec3f shift  eventIn SFVec3f turn  eventOut SFVec3f told ]
+      "two.wrl"
+    DEF FROM Transform { }
+    DEF I Two { } DEF QUIET Two { }
+    DEF TO Transform { }
+    ROUTE FROM.scale TO I.scale
+    ROUTE FROM.translation TO I.shift
+    ROUTE FROM.center TO I.turn
+    ROUTE FROM.scale TO QUIET.shift
+    ROUTE I.told TO TO.translation)");
+  ASSERT_EQ(world.status, ReadStatus::world) << world.messages.text();
+  files["http://here/two.wrl"] = R"(
+    PROTO Two [ exposedField SFVec3f scale 2 2 2  exposedField SFVec3f shift 1 0 0  eventIn SFVec3f turn  eventOut SFVec3f told ] {
+      DEF T Transform { scale IS scale translation IS shift center IS turn scale_changed IS told
+        children Shape { geometry Box { size 1 1 1 } } } })";
+  auto* from = world.get<VrmlTransform>("FROM");
+  from->scale.setValue(3, 3, 3);
+  from->center.setValue(5, 5, 5);
+  answerAll();
+  const auto body = [&](const char* name) {
+    return static_cast<VrmlTransform*>(world.get<VrmlProtoUse>(name)->getActualNode());
+  };
+  EXPECT_EQ(body("I")->scale.getValue(), SbVec3f(3, 3, 3)) << "sent and not read";
+  EXPECT_EQ(body("I")->translation.getValue(), SbVec3f(1, 0, 0)) << "routed, but nothing was sent";
+  EXPECT_EQ(body("I")->center.getValue(), SbVec3f(5, 5, 5)) << "an eventIn";
+  EXPECT_EQ(body("QUIET")->translation.getValue(), SbVec3f(3, 3, 3));
+  from->translation.setValue(4, 4, 4);
+  EXPECT_EQ(body("I")->translation.getValue(), SbVec3f(4, 4, 4));
+  body("I")->scale.setValue(6, 6, 6);
+  EXPECT_EQ(world.get<VrmlTransform>("TO")->translation.getValue(), SbVec3f(6, 6, 6));
+  EXPECT_TRUE(world.messages.empty()) << world.messages.text();
+}
+
+TEST_F(ExternTest, ACopyOfAnInstanceThatWaitsIsCompletedWithItsOwnRoutes) {
+  const TestWorld world(R"(
+    EXTERNPROTO Scaled [ exposedField SFVec3f scale ] "lib.wrl"
+    DEF BOTH Group { children [ DEF FROM Transform { } DEF I Scaled { } DEF TO Transform { } ] }
+    ROUTE FROM.scale TO I.scale
+    ROUTE I.scale TO TO.scale)");
+  auto* instance = world.get<VrmlProtoUse>("I");
+  auto* to = world.get<VrmlTransform>("TO");
+  const SoRef<VrmlGroup> copy(
+      static_cast<VrmlGroup*>(VrmlNode::deepCopy(world.get<VrmlGroup>("BOTH"), TRUE)));
+  EXPECT_EQ(answerAll(), 1);
+  EXPECT_EQ(widthOf(copy->getChild(1)), 2);
+  static_cast<VrmlTransform*>(copy->getChild(0))->scale.setValue(4, 4, 4);
+  EXPECT_EQ(widthOf(copy->getChild(1)), 4);
+  EXPECT_EQ(static_cast<VrmlTransform*>(copy->getChild(2))->scale.getValue(), SbVec3f(4, 4, 4));
+  EXPECT_EQ(widthOf(instance), 2);
+  EXPECT_EQ(to->scale.getValue(), SbVec3f(1, 1, 1));
+}
+
+TEST_F(ExternTest, AThousandInstancesCauseOneRequest) {
+  std::string text =
+      "EXTERNPROTO Ball [ field SFFloat r ] [ \"gone.wrl\" \"lib.wrl#Ball\" ]\nGroup { children [\n";
+  for (int i = 1; i <= 1000; ++i)
+    text += "DEF B" + std::to_string(i) + " Ball { r " + std::to_string(i) + " }\n";
+  const TestWorld world(text + "] }");
+  EXPECT_EQ(answerAll(), 2) << "one for each alternative";
+  for (const int i : {1, 500, 1000})
+    EXPECT_EQ(widthOf(world.get<VrmlProtoUse>(("B" + std::to_string(i)).c_str())),
+              2.0F * static_cast<float>(i));
+}
+
+// The file may declare its fields in another order than those who use it.
+TEST_F(ExternTest, AnInstanceInABodyKeepsItsMappingsWhateverTheOrderOfTheRealFields) {
+  files["http://here/order.wrl"] = R"(
+    PROTO Order [ exposedField SFVec3f shift 1 0 0  exposedField SFVec3f scale 2 2 2  field MFString note [ ] ] {
+      Transform { scale IS scale translation IS shift children Shape { geometry Box { size 1 1 1 } } } })";
+  const TestWorld world(R"(
+    EXTERNPROTO Order [ exposedField SFVec3f scale  exposedField SFVec3f shift ] "order.wrl"
+    PROTO Around [ exposedField SFVec3f size 3 3 3  exposedField SFVec3f place 4 4 4 ] {
+      Group { children Order { scale IS size shift IS place } } }
+    DEF FROM Transform { } DEF TO Transform { }
+    DEF EARLY Around { }  DEF LATER Around { }
+    ROUTE FROM.scale TO EARLY.size
+    ROUTE EARLY.place TO TO.translation)");
+  ASSERT_EQ(world.status, ReadStatus::world) << world.messages.text();
+  answerAll();
+  const auto body = [&](const char* name) {
+    auto* outer = static_cast<VrmlGroup*>(world.get<VrmlProtoUse>(name)->getActualNode());
+    return static_cast<VrmlTransform*>(static_cast<VrmlProtoUse*>(outer->getChild(0))->getActualNode());
+  };
+  for (const char* name : {"EARLY", "LATER"}) {
+    EXPECT_EQ(body(name)->scale.getValue(), SbVec3f(3, 3, 3)) << name;
+    EXPECT_EQ(body(name)->translation.getValue(), SbVec3f(4, 4, 4)) << name;
+  }
+  world.get<VrmlTransform>("FROM")->scale.setValue(5, 5, 5);
+  EXPECT_EQ(body("EARLY")->scale.getValue(), SbVec3f(5, 5, 5));
+  EXPECT_EQ(body("EARLY")->translation.getValue(), SbVec3f(4, 4, 4));
+  static_cast<SoSFVec3f*>(world.get<VrmlProtoUse>("LATER")->getField("place"))->setValue(6, 6, 6);
+  EXPECT_EQ(body("LATER")->translation.getValue(), SbVec3f(6, 6, 6));
+  EXPECT_EQ(body("LATER")->scale.getValue(), SbVec3f(3, 3, 3));
+  body("EARLY")->translation.setValue(7, 7, 7);
+  EXPECT_EQ(world.get<VrmlTransform>("TO")->translation.getValue(), SbVec3f(7, 7, 7));
+  EXPECT_TRUE(world.messages.empty()) << world.messages.text();
+}
+
 TEST_F(ExternTest, TriesAlternativesAndLooksForTheNameBehindTheNumberSign) {
   const TestWorld world(R"(
     EXTERNPROTO B [ field SFFloat r ] [ "gone.wrl" "lib.wrl#Cube" "lib.wrl#Ball" ]
@@ -142,8 +243,12 @@ TEST_F(ExternTest, InstancesThatGetNothingStayEmpty) {
 TEST_F(ExternTest, AnInterfaceThatIsNoSubsetIsToldOf) {
   const TestWorld world(R"(
     EXTERNPROTO First [ field SFVec3f scale ] "lib.wrl"
-    DEF I First { scale 5 5 5 })");
+    EXTERNPROTO Ball [ eventIn SFBool on  eventIn SFFloat r ] "lib.wrl#Ball"
+    PROTO Around [ eventIn SFBool on  eventIn SFFloat r ] { Ball { on IS on r IS r } }
+    DEF I First { scale 5 5 5 }  DEF A Around { })");
   answerAll();
+  static_cast<SoSFFloat*>(world.get<VrmlProtoUse>("A")->getField("r"))->setValue(9);
+  EXPECT_EQ(widthOf(world.get<VrmlProtoUse>("A")), 6) << "what is of no field goes nowhere";
   EXPECT_EQ(
       world.messages.count("Fields of EXTERNPROTO \"First\" are not a subset of fields of PROTO \"First\""),
       1)

@@ -5,6 +5,7 @@
 
 #include <map>
 
+#include <Inventor/SbBasic.h>
 #include <Inventor/SbString.h>
 #include <Inventor/fields/SoMFString.h>
 
@@ -45,6 +46,9 @@ public:
   bool canBecome(const VrmlProtoDef& definition) const;
   /// The real definition, null while it is not known.
   VrmlProtoDef* getRealDefinition() const { return realDef.get(); }
+  /// For each field of the interface, in order, its index in a definition; up to the first that the definition has not,
+  /// or has with another type or kind.
+  const std::vector<int>& getCounterparts(const VrmlProtoDef& definition);
   /// Lets an instance wait for the definition, if it does not yet. It need not live on.
   void addRequestor(VrmlProtoUse* use);
   void removeRequestor(VrmlProtoUse& use);
@@ -70,5 +74,7 @@ private:
   std::uint64_t lastNumber = 0;
   tessel::SoRef<VrmlExternProtoInline> fetchInline;
   tessel::SoRef<VrmlProtoDef> realDef;
+  SbUniqueId counterpartsOf = 0;  // the number of the definition that `counterparts` is of
+  std::vector<int> counterparts;
   std::map<std::uint64_t, Requestor> requestors;  // by their numbers: in the order of coming
 };

@@ -14,6 +14,7 @@ class VrmlProtoDef;
 namespace tessel {
 class InstanceBuild;
 class InstanceFields;
+struct BodyMapEntry;
 struct InstanceData;
 struct InstancePlace;
 }  // namespace tessel
@@ -100,9 +101,11 @@ private:
   void connectWithBody(int index, Ways ways);
   void pushField(int index);
   VrmlNode* mappedNode(int number) const;
+  SoField* mappedField(const tessel::BodyMapEntry& entry) const;
+  int indexNow(int declared) const;
   tessel::InstanceFields takeRealDefinition(VrmlProtoDef& definition);
-  int counterpart(const tessel::InstanceFields& before, int index) const;
   void moveRoutes(tessel::InstanceFields& before);
+  void moveRoutes(SoField& old, int index);
 
   std::unique_ptr<tessel::InstanceData> data;
 };
