@@ -45,6 +45,7 @@ template <class T> void storeVertexPart(std::byte* out, const T& value) {
 /// A color as a vertex holds it.
 inline std::array<std::uint8_t, 4> colorBytes(const SbColor& color, std::uint8_t alpha) {
   const auto byteOf = [](float value) {
+    // NOLINTNEXTLINE(bugprone-incorrect-roundings): it is above 0, and a call for each color would cost
     return value > 0 ? static_cast<std::uint8_t>((value < 1 ? value : 1) * 255 + 0.5f) : std::uint8_t{0};
   };
   return {byteOf(color[0]), byteOf(color[1]), byteOf(color[2]), alpha};

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "shapes/MeshNeeds.h"
 
+#include <cmath>
+
 #include <Inventor/elements/SoCacheElement.h>
 #include <Inventor/elements/SoGLLazyElement.h>
 #include <Inventor/elements/SoOverrideElement.h>
@@ -22,7 +24,7 @@ MeshNeeds MeshNeeds::of(SoState* state, bool hasColors) {
   needs.texCoords = needsTexCoords(state);
   needs.colors = hasColors && !SoOverrideElement::getDiffuseColorOverride(state);
   if (needs.colors)
-    needs.alpha = static_cast<std::uint8_t>((1 - SoLazyElement::getTransparency(state, 0)) * 255 + 0.5f);
+    needs.alpha = static_cast<std::uint8_t>(std::lround((1 - SoLazyElement::getTransparency(state, 0)) * 255));
   return needs;
 }
 
