@@ -204,6 +204,23 @@ TEST(NetworkWorlds, AreReadWithTheirPartsEachFetchedOnceGL) {
   EXPECT_EQ(server.count("/dir/slow.wrl"), 1);
 }
 
+TEST(NetworkWorlds, FetchAndReadAFileOfPrototypesOnceForAllInstances) {
+  const std::string door = "EXTERNPROTO Door [ field SFFloat width ] \"lib.wrl#Door\"\n";
+  std::string many = door + "EXTERNPROTO Gate [ ] \"lib.wrl#Gate\"\n";
+  for (int i = 0; i < 1000; ++i) many += "Door { width 2 }\n";
+  many += "Gate { }\n" + inlined("part.wrl");
+  HttpServer server({{"/main.wrl", {.body = world(many)}},
+                     {"/part.wrl", {.body = world(door + "Door { }")}},
+                     {"/lib.wrl",
+                      {.body = world("PROTO Gate [ field SFBool twice TRUE field SFBool twice TRUE ] { }\n"
+                                     "PROTO Door [ field SFFloat width 1 ] { Group { } }")}}});
+  const Outcome outcome = runTessel({"check", "--follow", server.url("/main.wrl")});
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_EQ(server.count("/lib.wrl"), 1);
+  EXPECT_THAT(outcome.err, HasSubstr("\"twice\" is declared twice"));
+  EXPECT_THAT(outcome.err, Not(HasSubstr(" times)"))) << "read more than once";
+}
+
 TEST(NetworkWorlds, AreLeftAloneIfTheUserSaysSo) {
   HttpServer server({{"/main.wrl", {.body = redBox}}});
   EXPECT_EQ(runTessel({"check", "--no-network", server.url("/main.wrl")}).status, 3);
