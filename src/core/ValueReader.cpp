@@ -104,6 +104,18 @@ template <class Field, class Value> bool readSingle(WorldReader& reader, SoField
   return true;
 }
 
+// A list in the place of one string passes: many worlds give a font several families.
+bool readString(WorldReader& reader, SoField& field) {
+  Lexer& lexer = reader.lexer();
+  if (!lexer.take('[')) return readSingle<SoSFString, SbString>(reader, field);
+  SbString first, another;
+  for (int count = 0; !lexer.take(']'); ++count)
+    if (!readOne(reader, count == 0 ? first : another)) return false;
+  reader.warning("VrmlDB::read", "a list stands where one string is wanted; the first one counts");
+  static_cast<SoSFString&>(field).setValue(first);
+  return true;
+}
+
 bool readBool(WorldReader& reader, SoField& field) {
   Lexer& lexer = reader.lexer();
   const std::string_view word = lexer.strictName();
@@ -271,7 +283,7 @@ constexpr auto readers = [] {
   set(ValueType::sfMatrix, readSingle<SoSFMatrix, SbMatrix>);
   set(ValueType::sfNode, readSFNode);
   set(ValueType::sfRotation, readSingle<SoSFRotation, SbRotation>);
-  set(ValueType::sfString, readSingle<SoSFString, SbString>);
+  set(ValueType::sfString, readString);
   set(ValueType::sfTime, readSingle<SoSFTime, SbTime>);
   set(ValueType::sfVec2f, readSingle<SoSFVec2f, SbVec2f>);
   set(ValueType::sfVec3f, readSingle<SoSFVec3f, SbVec3f>);

@@ -24,7 +24,8 @@ MeshNeeds MeshNeeds::of(SoState* state, bool hasColors) {
   needs.texCoords = needsTexCoords(state);
   needs.colors = hasColors && !SoOverrideElement::getDiffuseColorOverride(state);
   if (needs.colors)
-    needs.alpha = static_cast<std::uint8_t>(std::lround((1 - SoLazyElement::getTransparency(state, 0)) * 255));
+    needs.alpha =
+        static_cast<std::uint8_t>(std::lround((1 - SoLazyElement::getTransparency(state, 0)) * 255));
   return needs;
 }
 

@@ -60,6 +60,15 @@ double areaOf(const std::vector<Triangle>& triangles) {
 
 // Layout. A capital letter is as wide and as high as the size.
 
+TEST(TextReading, AListOfFamiliesGivesTheFirst) {
+  const TestWorld world(text("string \"ab\"", "family [ \"SANS\" \"TYPEWRITER\" ] size 3"));
+  ASSERT_TRUE(world.root());
+  EXPECT_EQ(world.get<VrmlFontStyle>("STYLE")->family.getValue(), "SANS");
+  EXPECT_EQ(world.get<VrmlFontStyle>("STYLE")->size.getValue(), 3);
+  EXPECT_EQ(world.messages.count("a list stands where one string is wanted"), 1);
+  EXPECT_FALSE(TestWorld("FontStyle { family [ \"SANS\" ").root());
+}
+
 TEST(Text, EachMinorAlignmentInEachDirection) {
   const FakeFonts fonts;
   // Two strings, "AB" and "C", size 2, spacing 1.5. Where the first character of the first string has its lower left
