@@ -283,6 +283,42 @@ TEST(ProtoDef, WritesAnInterfaceThatReadsBack) {
   EXPECT_NE(squeezed(written).find(squeezed("PROTO Lamp [" + interface)), std::string::npos) << written;
 }
 
+// For a host that edits definitions.
+TEST(ProtoDef, TurnsMappingsIntoRoutesAndBack) {
+  const TestWorld world(R"(
+    PROTO P [ field SFVec3f f 1 1 1  exposedField SFVec3f e 2 2 2  eventIn SFVec3f i  eventOut SFVec3f o ] {
+      Transform { center IS f  scale IS e  translation IS i  translation IS o }
+    }
+    DEF I P { })");
+  ASSERT_EQ(world.status, ReadStatus::world) << world.messages.text();
+  VrmlProtoDef* definition = use(world, "I")->getProtoDef();
+  auto* body = static_cast<VrmlTransform*>(definition->getBody()->getChild(0));
+  const auto links = [&] {
+    std::string text;
+    SoField* inner[] = {&body->center, &body->scale, &body->translation};
+    for (int k = 0; k < definition->getNumInterfaceFields(); ++k)
+      for (int n = 0; n < 3; ++n) {
+        SoField* own = definition->getInterfaceField(k);
+        if (VrmlRoute::routeExists(own, inner[n])) text += std::to_string(k) + '>' + std::to_string(n) + ' ';
+        if (VrmlRoute::routeExists(inner[n], own)) text += std::to_string(k) + '<' + std::to_string(n) + ' ';
+      }
+    return text;
+  };
+  ASSERT_EQ(definition->getNumIsMappings(), 4);
+  EXPECT_EQ(links(), "");
+  definition->moveIsMappingsToRoutes();
+  EXPECT_EQ(links(), "0>0 1>1 1<1 2>2 3<2 ");
+  definition->moveRoutesToIsMappings();
+  EXPECT_EQ(links(), "");
+  EXPECT_EQ(definition->getNumIsMappings(), 4);
+  const SoRef<VrmlProtoUse> again(new VrmlProtoUse(definition));
+  auto* made = static_cast<VrmlTransform*>(again->getActualNode());
+  EXPECT_EQ(made->center.getValue(), SbVec3f(1, 1, 1));
+  EXPECT_EQ(made->scale.getValue(), SbVec3f(2, 2, 2));
+  fieldOf<SoSFVec3f>(again.get(), "i")->setValue(4, 4, 4);
+  EXPECT_EQ(vecOf(again.get(), "o"), SbVec3f(4, 4, 4));
+}
+
 TEST(ProtoUse, WithoutBodyOrWithTwoMappingsOfOneField) {
   const TestWorld world(R"(
     PROTO Empty [ field SFFloat x 1 ] { }
