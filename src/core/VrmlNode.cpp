@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include <Inventor/actions/SoRayPickAction.h>
+#include <Inventor/errors/SoDebugError.h>
 #include <Inventor/errors/SoReadError.h>
 #include <Inventor/fields/SoFieldData.h>
 #include <Inventor/fields/SoMField.h>
@@ -21,6 +22,7 @@
 #include "core/EventWatch.h"
 #include "core/FieldSpec.h"
 #include "core/Loops.h"
+#include "core/StackRoom.h"
 #include "core/WorldReader.h"
 #include "toolkit/TypeNames.h"
 
@@ -110,7 +112,23 @@ bool VrmlNode::readBody(tessel::WorldReader& reader) {
   return reader.readFields(*this);
 }
 
+// The toolkit calls itself from route to route, and looks at a field's connections when its node has been told.
+static void endChainOfRoutes(const VrmlNode& node, const SoNotList& list) {
+  SoField* field = list.getLastField();
+  if (!field || field->getContainer() != &node) return;
+  SoFieldList ends;
+  if (field->getForwardConnections(ends) == 0) return;
+  for (int i = 0; i < ends.getLength(); ++i) ends[i]->disconnect(field);
+  SbName name;
+  node.findFieldName(field, name);
+  SoDebugError::post("VrmlNode::notify",
+                     "A chain of routes is too long: it ends at \"%s\" of \"%s\" from now on",
+                     name.getString(), node.getDefName().getString());
+}
+
 void VrmlNode::notify(SoNotList* list) {
+  if (tessel::stackIsShort()) [[unlikely]]
+    endChainOfRoutes(*this, *list);
   tessel::EventWatch::tellSent(*this, *list);
   static const bool optimized = std::getenv("TV_OPTIMIZE_NOTIFICATION") != nullptr;
   if (optimized && list->getTimeStamp() <= getNodeId()) return;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "events/RouteLevels.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <deque>
 #include <unordered_map>
@@ -24,6 +25,10 @@ using Levels = std::unordered_map<Node, int>;
 
 constexpr int leastWork = 64, mostWork = 65536;  // in nodes that get another level
 
+/// What searches may look at, in routes: at first, and in addition for each route that comes. It makes them linear.
+constexpr std::int64_t looksAtFirst = 1000000, looksForRoute = 64;
+std::int64_t looksLeft = looksAtFirst;
+
 // A node that is gone may leave its level to another at the same address, which has no routes yet.
 Levels& levels() {
   static Levels all;
@@ -44,6 +49,7 @@ template <class Visit> bool visitNeighbours(Node node, Direction direction, Visi
   for (int i = 0; i < fields.getLength(); ++i) {
     SoFieldList ends;
     direction == up ? VrmlRoute::getAllOutgoing(fields[i], ends) : VrmlRoute::getAllIncoming(fields[i], ends);
+    looksLeft -= 1 + ends.getLength();
     for (int k = 0; k < ends.getLength(); ++k)
       if (!visit(ends[k]->getContainer())) return false;
   }
@@ -99,7 +105,7 @@ Outcome move(Node first, int level, Direction direction, Node other, int work) {
     if (node == other) return Outcome::loops;
     if (known != moved.end() && pushedBy(moved, by, node, work)) continue;
     if (wanted * direction > highestRouteLevel) return Outcome::full;
-    if (--work < 0) return Outcome::tooMuchWork;
+    if (--work < 0 || looksLeft < 0) return Outcome::tooMuchWork;
     moved[node] = {wanted, by};
     visitNeighbours(node, direction, [&, wanted = wanted, node = node](Node neighbour) {
       if (direction * (levelOf(neighbour) - before) >= 0)
@@ -116,8 +122,11 @@ Outcome move(Node first, int level, Direction direction, Node other, int work) {
 bool admitRoute(const SoField& from, const SoField& to) {
   const Node source = from.getContainer(), target = to.getContainer();
   if (source == target) return true;
+  // The level of one without routes is that of a dead node at the same address.
+  if (!hasIncoming(target) && levels().contains(target) && !hasOutgoing(target)) levels().erase(target);
   const int above = levelOf(source) + 1;
   if (levelOf(target) >= above) return true;
+  looksLeft = std::min(looksLeft + looksForRoute, looksAtFirst);
   // Nothing else has to move with an end of a chain.
   if (!hasIncoming(source)) {
     if (levelOf(target) <= -highestRouteLevel) {
@@ -127,6 +136,7 @@ bool admitRoute(const SoField& from, const SoField& to) {
     levels()[source] = levelOf(target) - 1;
     return true;
   }
+  if (looksLeft < 0) return true;
   if (!hasOutgoing(target)) {
     if (above > highestRouteLevel) return false;
     levels()[target] = above;
@@ -139,8 +149,9 @@ bool admitRoute(const SoField& from, const SoField& to) {
     const Outcome lowered = move(source, below, down, target, work);
     if (lowered == Outcome::done || lowered == Outcome::loops) return true;
     if (raised == Outcome::full && lowered == Outcome::full) return false;
+    if (looksLeft < 0) break;
   }
-  return false;
+  return true;
 }
 
 }  // namespace tessel

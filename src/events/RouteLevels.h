@@ -11,7 +11,8 @@ constexpr int highestRouteLevel = 5000;
 
 /// Makes room for a route: finds levels from -highestRouteLevel to highestRouteLevel for the nodes, such that each
 /// route leads upwards, but for those that close a loop, in which the toolkit itself ends. The work is constant for
-/// routes that come in the order of a chain, forwards or backwards, and bounded for all others.
+/// routes that come in the order of a chain, forwards or backwards, and bounded for all others. What is too much work
+/// passes: a chain that overflowed the stack after all is ended by `VrmlNode::notify`.
 /// @return false if that is not possible: the chain would be too long
 bool admitRoute(const SoField& from, const SoField& to);
 

@@ -5,6 +5,7 @@
 #include <tessel/events/VrmlRoute.h>
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include <vector>
 
@@ -49,6 +50,27 @@ TEST_F(Chain, MadeFromItsEndIsCutToo) {
   const int reached = reach();
   EXPECT_GE(reached, 1);
   EXPECT_LE(reached, 10'001);
+}
+
+// Whatever the chain was made of, it ends before the stack does: here in one of half a megabyte.
+TEST_F(Chain, ThatOverflowsTheStackIsEnded) {
+  const int n = 4'500;
+  for (int i = 0; i + 1 < n; ++i) ASSERT_TRUE(route(i, i + 1));
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  pthread_attr_setstacksize(&attributes, 512 * 1024);
+  pthread_t thread;
+  const auto send = [](void* first) -> void* {
+    static_cast<SoSFVec3f*>(first)->setValue(1, 2, 3);
+    return nullptr;
+  };
+  ASSERT_EQ(pthread_create(&thread, &attributes, send, &field(0)), 0);
+  pthread_join(thread, nullptr);
+  pthread_attr_destroy(&attributes);
+  EXPECT_EQ(library.messages.count("A chain of routes is too long: it ends at \"translation\""), 1);
+  const int reached = reach();
+  EXPECT_GT(reached, 100);
+  EXPECT_LT(reached, n);
 }
 
 TEST_F(Chain, WhoseNodesHaveACommonSourceIsNotCut) {
