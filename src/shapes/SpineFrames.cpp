@@ -15,7 +15,7 @@ using Vec = SbVec3d;
 
 const Vec none(0, 0, 0);
 
-Vec toDouble(const SbVec3f& v) { return Vec(v[0], v[1], v[2]); }
+Vec exact(const SbVec3f& v) { return Vec(v[0], v[1], v[2]); }
 SbVec3f toFloat(const Vec& v) {
   return SbVec3f(static_cast<float>(v[0]), static_cast<float>(v[1]), static_cast<float>(v[2]));
 }
@@ -48,7 +48,7 @@ public:
   explicit Ride(std::span<const SbVec3f> spine) : spine(spine) {}
 
   bool isClosed() const { return spine.front() == spine.back(); }
-  Vec from(std::size_t a, std::size_t b) const { return toDouble(spine[b]) - toDouble(spine[a]); }
+  Vec from(std::size_t a, std::size_t b) const { return exact(spine[b]) - exact(spine[a]); }
 
   bool beginClosed(Frame& frame) const;
   bool beginOpen(Frame& frame, SbRotation& straight) const;
