@@ -482,7 +482,8 @@ void Compiler::checkVariable(Expr& expr) {
   if (variable.kind == ExprKind::local) emit(Op::checkVariable, variable.line, -1, variable.index);
 }
 
-// A value looks at the number of arguments before they are evaluated.
+// A value looks at the number of arguments before they are evaluated. They may assign something else to a variable that
+// holds it, which is asked again.
 void Compiler::method(Expr& expr) {
   Jumps failed;
   const int count = static_cast<int>(expr.list.size());
@@ -493,6 +494,8 @@ void Compiler::method(Expr& expr) {
     failed.push_back(emit(Op::acceptsCall, expr.line, -1, object, -1, count, aux));
     const int arguments = argumentList(expr, failed);
     const int again = read(*expr.a);
+    const bool isChecked = std::ranges::none_of(expr.list, &Expr::mayAssign);
+    if (!isChecked) failed.push_back(emit(Op::acceptsCall, expr.line, -1, again, -1, count, aux));
     emit(Op::callMethod, expr.line, result, again, arguments, count, aux);
   } else {
     const int arguments = argumentList(expr, failed);

@@ -91,6 +91,8 @@ Expr* Parser::make(ExprKind kind, int line, Expr* a, Expr* b, Expr* c) {
   expr.b = b;
   expr.c = c;
   // A chain such as a + b + c leans to the left and is worked off in a loop.
+  expr.mayAssign = kind == ExprKind::assign || kind == ExprKind::call;
+  for (const Expr* below : {a, b, c}) expr.mayAssign = expr.mayAssign || (below && below->mayAssign);
   const bool isChain = kind == ExprKind::arith && a->kind == ExprKind::arith;
   for (const Expr* below : {isChain ? nullptr : a, b, c})
     if (below) expr.height = std::max(expr.height, below->height + 1);
@@ -299,6 +301,7 @@ bool Parser::arguments(Expr& expr) {
     if (!argument) return false;
     expr.list.push_back(argument);
     expr.height = std::max(expr.height, argument->height + 1);
+    expr.mayAssign = expr.mayAssign || argument->mayAssign;
   } while (accept(Sign::comma));
   return expect(Sign::closeParenthesis);
 }

@@ -42,9 +42,10 @@ struct Expr {
   Property property = Property::other;
   bool isPrefix = false;
   int line = 0;
-  int height = 1;   ///< of the tree below, this one included
-  int index = -1;   ///< of a local, global, constant or member access
-  int result = -1;  ///< where the compiler keeps its result
+  bool mayAssign = false;  ///< variables: something below does, or a function that it calls
+  int height = 1;          ///< of the tree below, this one included
+  int index = -1;          ///< of a local, global, constant or member access
+  int result = -1;         ///< where the compiler keeps its result
   Expr* a = nullptr;
   Expr* b = nullptr;
   Expr* c = nullptr;

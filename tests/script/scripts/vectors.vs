@@ -218,3 +218,8 @@ function test() {
 //= SFRotation 1 0 0 2
 // one part is replaced, and the whole written again
 function test() { r = new SFRotation(0, 0, 1, 1); r.x = 1; r.z = 0; r[3] = 2; return r; }
+//= SFColor 1 0 0
+//! Attempt to access unknown SFColor object method
+function test() { v = new SFVec3f(1, 2, 3); x = v.add(v = new SFColor(1, 0, 0)); return v; }
+//= SFVec3f 8 10 12
+function test() { v = new SFVec3f(1, 2, 3); return v.add(v = new SFVec3f(4, 5, 6)); }
