@@ -61,7 +61,6 @@ public:
 
   Type type() const override { return ofType; }
   bool keepsNodes() const override { return ofType == Type::mfNode || VsField::keepsNodes(); }
-  void postExecute(const Value& current) override;
 
   bool reset() override {
     if (own.capacity() * sizeof(Stored) > keptRoom) return false;
@@ -75,11 +74,11 @@ public:
   void getElement(Value& result, std::int32_t element, std::int32_t i) override;
   bool setElement(Value& result, std::int32_t element, std::int32_t i, const Value& newValue) override;
 
-  bool acceptsCall(Method /*method*/, int /*count*/) override { return true; }
   void memberEvaluate(Value& result, Property property, std::string_view name) override;
   void memberAssign(Value& holder, Property property, std::string_view name, const Value& newValue) override;
 
 private:
+  void postExecute(const Value& current) override;
   // More than this is not kept for the next value that is made in the same place.
   static constexpr std::size_t keptRoom = 1 << 20;
 

@@ -165,3 +165,5 @@ function test() {
 function test() { m = new MFString('a', 'b'); s = m[0]; m[0] = 'xy'; if (s == 'a') return m; }
 //= SFString ba
 function test() { m = new MFString('a', 'b'); m[0] = m[1] + m[0]; return m[0]; }
+//= SFTime 0
+function test() { m = new MFFloat(1, 2); n = 0; m.dot(n = 5); m[0].dot(n = 5); n.dot(n = 5); return n; }
