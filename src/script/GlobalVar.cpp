@@ -118,7 +118,7 @@ void GlobalVar::postExecute() {
   if (isScalar(kind) || held.object() == saved.object()) return;
   const Value assigned = held;
   held = saved;
-  saved.object()->postExecute(assigned);
+  saved.object()->receive(assigned);
 }
 
 }  // namespace tessel::script

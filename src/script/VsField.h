@@ -51,8 +51,10 @@ public:
   /// A value that lives on may keep nodes from going.
   virtual bool keepsNodes() const { return node != nullptr; }
 
-  /// Over a toolkit field: gives it what was assigned in its place, of the same type or an element of it.
-  virtual void postExecute(const Value& /*current*/) {}
+  /// Over a toolkit field: gives it what was assigned in its place, unless that is the field itself.
+  void receive(const Value& current) {
+    if (current.object()->liveField() != field) postExecute(current);
+  }
   /// Vectors over a toolkit field: gives it a vector or element now.
   virtual void setVecValue(const Value& /*newValue*/) {}
 
@@ -96,6 +98,8 @@ protected:
   virtual ~VsField();
 
 private:
+  // Gives the toolkit field a value of the same type, which is not the field's own.
+  virtual void postExecute(const Value& /*current*/) {}
   // When the last share goes.
   virtual void dispose() { delete this; }
 

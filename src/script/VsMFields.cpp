@@ -97,16 +97,14 @@ template <class Traits> bool VsMField<Traits>::setCount(std::int32_t n) {
 // One event, whatever changes.
 template <class Traits> void VsMField<Traits>::postExecute(const Value& current) {
   const auto& source = *static_cast<const VsMField*>(current.object());
-  if (source.liveField() == liveField()) return;
   Field& field = live();
   const auto replace = [this, &field](std::span<const Stored> values) {
     const int n = static_cast<int>(values.size());
-    if (n == 0) return cut(0);
     if (n >= Traits::count(field)) {
       write(0, values);
       return;
     }
-    {
+    if (n > 0) {
       const NotifyOff silence(static_cast<SoField&>(field));
       if (!write(0, values)) return;
     }

@@ -10,7 +10,7 @@ namespace tessel::script {
 void VsMemberAccess::send() {
   const Value to = std::move(target);
   const Value value = std::move(assigned);
-  if (value.object()->liveField() != to.object()->liveField()) to.object()->postExecute(value);
+  to.object()->receive(value);
 }
 
 }  // namespace tessel::script

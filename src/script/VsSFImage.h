@@ -23,12 +23,12 @@ public:
   VsSFImage(SoSFImage& field, bool keepsNode) : VsField(&field, keepsNode) {}
 
   Type type() const override { return ofType; }
-  void postExecute(const Value& current) override;
   void memberEvaluate(Value& result, Property property, std::string_view name) override;
   void memberAssign(Value& holder, Property property, std::string_view name, const Value& newValue) override;
   void constructField(Arguments arguments) override;
 
 private:
+  void postExecute(const Value& current) override;
   SoSFImage& image() const { return own ? *own : *static_cast<SoSFImage*>(liveField()); }
   void resize(int number, std::int32_t value);
   void readPixels(Value& result) const;

@@ -116,8 +116,7 @@ void VsSFNode::constructField(Arguments arguments) {
 }
 
 void VsSFNode::postExecute(const Value& current) {
-  if (current.object()->liveField() != liveField())
-    static_cast<SoSFNode*>(liveField())->setValue(nodeOf(current));
+  static_cast<SoSFNode*>(liveField())->setValue(nodeOf(current));
 }
 
 void VsSFNode::readProperty(Value& result, VsMemberAccess& access) const {

@@ -35,7 +35,6 @@ public:
 
   Type type() const override { return ofType; }
   bool keepsNodes() const override { return VsField::keepsNodes() || own; }
-  void postExecute(const Value& current) override;
   bool reset() override {
     own.reset();
     return true;
@@ -47,6 +46,7 @@ public:
   void writeProperty(Value& holder, VsMemberAccess& access, const Value& newValue) const;
 
 private:
+  void postExecute(const Value& current) override;
   SoRef<SoNode> own;
 };
 

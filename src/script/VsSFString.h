@@ -38,7 +38,6 @@ public:
   std::string_view view() const;
   SharedText text() const { return liveField() ? SharedText(view()) : own; }
 
-  void postExecute(const Value& current) override;
   bool acceptsCall(Method method, int count) override;
   void methodCall(Value& result, Method method, Arguments arguments) override;
   void memberEvaluate(Value& result, Property property, std::string_view name) override;
@@ -47,6 +46,7 @@ public:
   void constructField(Arguments arguments) override;
 
 private:
+  void postExecute(const Value& current) override;
   static VsSFString* take();
   void dispose() override;
   static VsSFString* reusable(const Value& result);

@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include <Inventor/fields/SoMFFloat.h>
+#include <Inventor/fields/SoMFNode.h>
 #include <Inventor/fields/SoSFBool.h>
 #include <Inventor/fields/SoSFColor.h>
 #include <Inventor/fields/SoSFImage.h>
@@ -91,6 +93,21 @@ TEST(ScriptValues, StringsGoOutWhenTheRunIsOver) {
   EXPECT_EQ(sender.field<SoSFString>("out").getValue(), "one two");
   EXPECT_EQ(sender.field<SoSFString>("kept").getValue(), "one");
   EXPECT_EQ(sender.field<SoSFString>("copy").getValue(), "one");
+}
+
+TEST(ScriptValues, WhatIsReadFromAFieldItselfIsNoEventOfIt) {
+  const std::string self = "field SFNode self USE S";
+  const Sender<SoSFString> string("SFString", "out = self.out;", self);
+  EXPECT_THAT(string.sent, IsEmpty());
+  const Sender<SoSFImage> picture("SFImage", "out = self.out;", self);
+  EXPECT_THAT(picture.sent, IsEmpty());
+}
+
+TEST(ScriptValues, AnEmptyListIsAnEventToo) {
+  const Sender<SoMFFloat> numbers("MFFloat", "out = new MFFloat();");
+  EXPECT_THAT(numbers.sent, ElementsAre("[  ]"));
+  const Sender<SoMFNode> nodes("MFNode", "out = new MFNode();");
+  EXPECT_THAT(nodes.sent, testing::SizeIs(1));
 }
 
 TEST(ScriptValues, AnotherTypeOfVectorIsRefused) {
