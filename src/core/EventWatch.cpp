@@ -66,7 +66,7 @@ void EventWatch::tellAll(VrmlNode& node, const SoNotList& list) {
 
 void EventWatch::tellGone(const VrmlNode& node) {
   // Who came later may ask those who came before about the node.
-  for (auto watch = watches().rbegin(); watch != watches().rend(); ++watch) (*watch)->gone(node);
+  std::for_each(watches().rbegin(), watches().rend(), [&node](EventWatch* watch) { watch->gone(node); });
 }
 
 }  // namespace tessel
