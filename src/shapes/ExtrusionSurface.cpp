@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <numeric>
 
 #include <Inventor/SbMatrix.h>
 #include <Inventor/errors/SoDebugError.h>
@@ -308,17 +307,19 @@ void ExtrusionSurface::buildCaps() {
 
 void ExtrusionSurface::cutCaps(std::span<const SbVec2f> outline) {
   caps.outline.assign(outline.begin(), outline.end());
-  const auto corners = static_cast<int>(outline.size());
+  // Of points that repeat one stays: the angles at the others would hide which way the outline winds.
+  std::vector<std::int32_t> run;
+  for (std::size_t i = 0; i < outline.size(); ++i)
+    if (outline[i] != outline[(i + 1) % outline.size()]) run.push_back(static_cast<std::int32_t>(i));
+  const auto corners = static_cast<int>(run.size());
+  run.push_back(-1);
   SoMFVec3f points;
-  refill(points, corners, [&](std::span<SbVec3f> to) {
+  refill(points, static_cast<int>(outline.size()), [&](std::span<SbVec3f> to) {
     std::ranges::transform(outline, to.begin(),
                            [](const SbVec2f& point) { return SbVec3f(point[0], 0, point[1]); });
   });
   SoMFInt32 indices, faces;
-  refill(indices, corners + 1, [](std::span<std::int32_t> to) {
-    std::iota(to.begin(), to.end(), 0);
-    to.back() = -1;
-  });
+  setIndices(indices, run);
   // All pieces, or the outline if it can't be cut, get the winding that the triangulator gives to most: that of the
   // outline is not always that one, and it leaves triangles as they are.
   const bool isWound = VrmlTriangulator::clockWiseTest(points, indices, 0, corners) != 0;

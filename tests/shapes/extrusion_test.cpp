@@ -68,6 +68,9 @@ INSTANTIATE_TEST_SUITE_P(
                       Body{"crossSection [ 0 0, 0 -1, 1 0, 0 0 ]", 8, -0.5},
                       // A concave outline, though it is said to be convex.
                       Body{"crossSection [ 0 0, 3 0, 3 -1, 1 -1, 1 -3, 0 -3, 0 0 ]", 12 + 8, 5},
+                      // Points that repeat, in outlines of both windings.
+                      Body{"crossSection [ 1 1, 1 -1, 1 -1, -1 -1, -1 -1, -1 -1, -1 1, 1 1, 1 1 ]", 20, 4},
+                      Body{"crossSection [ 1 1, -1 1, -1 1, -1 -1, -1 -1, -1 -1, 1 -1, 1 1, 1 1 ]", 20, -4},
                       // A spine that climbs, one that bends, and a frustum by `scale`.
                       Body{"spine [ 1 2 3, 1 5 7 ]", 12, 20}, Body{"spine [ 0 0 0, 0 0 -3 ]", 12, 12},
                       Body{"spine [ 0 0 0, 0 1 0, 0 2 0, 0 4 0 ]", 24 + 4, 16},
