@@ -74,13 +74,16 @@ void VrmlInline::initClass() {
   bboxColor.setValue(0.8F, 0.8F, 0.8F);
   tessel::registerUrlNodes({getClassTypeId(), true, [](SoNode& node, bool request) {
                               auto& self = static_cast<VrmlInline&>(node);
-                              if (request && !self.childrenLoaded && !self.fetchRequested)
-                                self.requestChildrenFromURL();
-                              return self.childrenLoaded;
+                              if (self.childrenLoaded) return true;
+                              if (request && !self.fetchRequested) self.requestChildrenFromURL();
+                              return false;  // what has come at once may bring others that have not
                             }});
 }
 
-VrmlInline::VrmlInline() : baseURL(VrmlDB::baseURL) { setUpFields(); }
+// Paths that end here must find the list that they told of themselves, so it is there from the start.
+VrmlInline::VrmlInline() : children(std::make_unique<SoChildList>(this)), baseURL(VrmlDB::baseURL) {
+  setUpFields();
+}
 
 VrmlInline::~VrmlInline() {
   children.reset();  // notifies, so while the other members are there
@@ -125,7 +128,7 @@ void VrmlInline::setChildData(VrmlNode* node) {
   const SoRef<VrmlNode> world(node);
   {
     const tessel::NotifyOff silence(static_cast<SoNode&>(*this));
-    if (children) dropWorld();
+    dropWorld();
     if (bboxSize.isDefault()) {
       SoGetBoundingBoxAction measure(SbViewportRegion{});
       measure.apply(node);
@@ -178,7 +181,6 @@ bool VrmlInline::hasGivenBox() const {
 }
 
 void VrmlInline::addBoundingBoxChild(SbVec3f center, SbVec3f size) {
-  if (!children) children = std::make_unique<SoChildList>(this);
   if (children->getLength() == 0) children->append(makeBox().get());
   if (!(*children)[0]->isOfType(VrmlTransform::getClassTypeId())) return;
   auto* box = static_cast<VrmlTransform*>((*children)[0]);
@@ -196,7 +198,7 @@ void VrmlInline::dropWorld() {
   const SoRef<VrmlNode> world(getChildData());  // no destructor in the middle of a notification
   childrenLoaded = false;
   kidType = tessel::KidType::notComputed;
-  if (children && children->getLength() > firstOfWorld) children->truncate(firstOfWorld);
+  if (children->getLength() > firstOfWorld) children->truncate(firstOfWorld);
 }
 
 // Traversal.
@@ -218,15 +220,14 @@ void VrmlInline::traverseWorld(SoAction* action) {
 }
 
 void VrmlInline::doActionOnKidsOrBox(SoAction* action) {
-  if (!children && !childrenLoaded && hasGivenBox()) {
+  if (children->getLength() == 0 && hasGivenBox()) {
     // The box changes nothing that anybody has seen: whoever asks for it sees it now.
     const tessel::NotifyOff silence(static_cast<SoNode&>(*this));
     addBoundingBoxChild(bboxCenter.getValue(), bboxSize.getValue());
   }
-  if (!children) return;
   if (childrenLoaded && !showBox)
     traverseWorld(action);
-  else
+  else if (children->getLength() > 0)
     children->traverse(action, 0);
 }
 

@@ -7,9 +7,11 @@
 #include <string>
 #include <vector>
 
+#include <Inventor/SoPath.h>
 #include <Inventor/SoPickedPoint.h>
 #include <Inventor/actions/SoGetBoundingBoxAction.h>
 #include <Inventor/actions/SoRayPickAction.h>
+#include <Inventor/actions/SoSearchAction.h>
 #include <Inventor/nodes/SoOrthographicCamera.h>
 #include <Inventor/nodes/SoSeparator.h>
 
@@ -145,6 +147,22 @@ TEST_F(InlineTest, TheBoxCanBePickedUntilTheWorldIsThere) {
   answer(world.get<VrmlInline>("I"), shape);
   EXPECT_FALSE(hitsAt(1, 0));
   EXPECT_TRUE(hitsAt(0, 0));
+}
+
+TEST_F(InlineTest, PathsToItOutliveTheAnswer) {
+  TestWorld world("Group { children DEF I Inline { url \"a.wrl\" } }"), answered("Group { }");
+  auto* node = world.get<VrmlInline>("I");
+  const SoChildList* before = node->getChildren();
+  {
+    SoSearchAction search;
+    search.setNode(node);
+    search.apply(world.root());
+    const SoRef<SoPath> path(search.getPath());
+    ASSERT_TRUE(path);
+    answer(node, answered);
+    ASSERT_EQ(node->getChildren(), before) << "a path takes itself off the list that it has told of itself";
+  }
+  EXPECT_TRUE(node->getChildData());
 }
 
 TEST_F(InlineTest, ACopyHasACopyOfTheWorldAndNeedsNoFetch) {

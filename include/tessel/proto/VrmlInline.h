@@ -102,7 +102,7 @@ private:
   void dropWorld();
   void traverseWorld(SoAction* action);
 
-  std::unique_ptr<SoChildList> children;  // the box, then the world; null at first
+  std::unique_ptr<SoChildList> children;  // the box, then the world; empty at first
   bool fetchRequested = false;
   bool childrenLoaded = false;
   bool showBox = false;
