@@ -18,6 +18,7 @@
 #include <tessel/actions/VrmlCountAction.h>
 #include <tessel/actions/VrmlPreTraverseAction.h>
 #include <tessel/toolkit/Scoped.h>
+#include <tessel/toolkit/SoRef.h>
 
 #include "core/NodeClassImpl.h"
 #include "core/UrlNodes.h"
@@ -107,15 +108,16 @@ bool& VrmlLOD::fetchedFlag(int levelIndex) {
 }
 
 bool VrmlLOD::isURLDataFetched(int levelIndex, bool request) {
-  bool& flag = fetchedFlag(levelIndex);
-  if (flag || levelIndex >= getNumChildren()) return flag;
+  if (levelIndex < 0 || levelIndex >= getNumChildren()) return false;
+  if (fetchedFlag(levelIndex)) return true;
+  const tessel::SoRef<SoNode> child((*childList)[levelIndex]);  // a host that is asked may take it away
   bool fetched = true;
   for (const tessel::UrlNodeClass& nodes : tessel::urlNodeClasses()) {
     SoSearchAction search;
     search.setType(nodes.type);
     search.setInterest(SoSearchAction::ALL);
     search.setSearchingAll(TRUE);
-    search.apply((*childList)[levelIndex]);
+    search.apply(child.get());
     const SoPathList& found = search.getPaths();
     for (int i = 0; i < found.getLength(); ++i)
       if (!nodes.isFetched(*static_cast<const SoFullPath*>(found[i])->getTail(), request)) fetched = false;
@@ -136,8 +138,8 @@ int VrmlLOD::firstFetchedFrom(int wanted) {
 
 void VrmlLOD::traverseLevel(SoAction* action, int wanted) {
   if (wanted >= getNumChildren()) return;
-  const bool fetched = wanted >= 0 && isURLDataFetched(wanted, !isDegrading);
-  const int taken = fetched ? wanted : firstFetchedFrom(wanted + 1);
+  const int taken =
+      isURLDataFetched(wanted, !isDegrading) ? wanted : firstFetchedFrom(std::max(wanted + 1, 0));
   if (taken >= 0) doTraversal(action, taken);
 }
 

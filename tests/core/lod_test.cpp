@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <string>
 #include <utility>
 #include <vector>
@@ -137,6 +138,45 @@ TEST(LodGL, AsksForTheCoarsestLevelFirst) {
   Scene scene(lod("10 20", "Inline { url \"http://h/fine\" } Group { } Inline { url \"http://h/coarse\" }"));
   EXPECT_EQ(scene.levelFrom(1), 1);
   EXPECT_THAT(asked.urls, ElementsAre("http://h/coarse", "http://h/fine"));
+}
+
+TEST(LodGL, WaitsForInlinesInWhatComesAtOnce) {
+  startLibrary();
+  VrmlInline::setFetchURLCallBack(
+      [](const SbString& url, void*, VrmlInline* node) {
+        SoRef<VrmlGroup> data(new VrmlGroup);
+        SoRef<VrmlInline> inner(new VrmlInline);
+        inner->url.setValue("http://h/inner");
+        data->addChild(inner.get());
+        if (url == "http://h/fine") node->setChildData(data.get());
+      },
+      nullptr);
+  Scene scene(lod("10", "Inline { url \"http://h/fine\" } " + box("0 0 1")));
+  EXPECT_EQ(scene.levelFrom(1), 1);
+  EXPECT_EQ(scene.levelFrom(1), 1) << "the inner one has not come";
+  VrmlInline::setFetchURLCallBack(nullptr, nullptr);
+}
+
+TEST(LodGL, OutlivesAHostThatTakesTheLevelsAwayWhenAsked) {
+  Scene scene(lod("10", "Inline { url \"http://h/fine\" } " + box("0 0 1")));
+  VrmlInline::setFetchURLCallBack(
+      [](const SbString&, void* self, VrmlInline*) { static_cast<VrmlLOD*>(self)->removeAllChildren(); },
+      scene.node);
+  EXPECT_EQ(scene.levelFrom(1), -1);
+  EXPECT_EQ(scene.node->getNumChildren(), 0);
+  VrmlInline::setFetchURLCallBack(nullptr, nullptr);
+}
+
+TEST(LodGL, HasNoLevelsBeyondItsChildren) {
+  Scene scene(lod("10 20", levels3));
+  constexpr int most = std::numeric_limits<int>::max();
+  for (const int level : {-1, -most, 3, most})
+    EXPECT_FALSE(scene.node->isURLDataFetched(level, true)) << level;
+  scene.node->setAutoLevel(false);
+  scene.node->setLevel(-9);
+  EXPECT_EQ(scene.levelFrom(50), 0) << "as if none was ever chosen";
+  scene.node->setLevel(most);
+  EXPECT_EQ(scene.levelFrom(50), most);
 }
 
 TEST(LodGL, AsksForNothingWhileTheHostLowersTheDetail) {

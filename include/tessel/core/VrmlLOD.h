@@ -37,7 +37,8 @@ public:
   /// Whether the level follows the distance, as it does at the start, or stays as `setLevel` left it.
   void setAutoLevel(bool follows) { autoLevel = follows; }
   bool isAutoLevel() const { return autoLevel; }
-  /// Chooses a level. Does nothing while the level follows the distance.
+  /// Chooses a level; nothing is drawn for one beyond the children, the first complete one for one below 0. Does
+  /// nothing while the level follows the distance.
   void setLevel(int newLevel);
   /// The level that was drawn last, -1 if none was.
   int getLevel() const { return currentLevel; }
@@ -52,7 +53,8 @@ public:
   /// The index of the child for the distance of the viewer, or of the avatar's move. There must be children.
   virtual int whichToTraverse(SoAction* action);
   virtual int whichToCollide(VrmlCollideAction* action);
-  /// Whether all data of a level have come. With `request` what has not been asked for is.
+  /// Whether all data of a level have come; false if there is no such level. With `request` what has not been asked
+  /// for is.
   bool isURLDataFetched(int levelIndex, bool request);
 
   void doAction(SoAction* action) override;
