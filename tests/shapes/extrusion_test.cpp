@@ -84,6 +84,15 @@ INSTANTIATE_TEST_SUITE_P(
                       Body{"scale 2 .5", 12, 4},
                       Body{"spine [ 0 0 0, 0 1 0, 0 2 0 ] scale [ 1 1, 2 2 ]", 20, 4 * (1 + 4.0 / 3 + 4)}));
 
+TEST(Extrusion, OutlinesAreScaledThenTurnedThenPutAcrossTheSpine) {
+  // Along x the outline's x axis points down; a quarter turn about its y axis brings its long side to z.
+  const ExtrusionWorld world(squareOutline +
+                             std::string("scale 2 1 orientation 0 1 0 1.5707963 spine [ 0 0 0, 5 0 0 ]"));
+  const SbBox3f box = boxOf(world.root());
+  EXPECT_TRUE(box.getMin().equals({0, -1, -2}, 1e-4f)) << box.getMin().toString().getString();
+  EXPECT_TRUE(box.getMax().equals({5, 1, 2}, 1e-4f)) << box.getMax().toString().getString();
+}
+
 TEST(Extrusion, CapsCanBeLeftOutAndComeBack) {
   const ExtrusionWorld world("beginCap FALSE");
   EXPECT_EQ(world.triangles().size(), 10U);
