@@ -159,9 +159,12 @@ double integerOf(std::string_view digits, int base) {
 double decimalOf(std::string_view text) {
   double value = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  // Only an exponent can be out of range, and a negative one makes next to nothing.
-  if (error == std::errc::result_out_of_range)
-    value = text.find('-') == text.npos ? std::numeric_limits<double>::infinity() : 0;
+  // Out of range it is next to nothing, or else has a digit before the point and no negative exponent.
+  if (error == std::errc::result_out_of_range) {
+    const std::size_t digit = text.find_first_not_of('0');
+    const bool isSmall = text[digit] == '.' || text.find('-') != text.npos;
+    value = isSmall ? 0 : std::numeric_limits<double>::infinity();
+  }
   return value;
 }
 

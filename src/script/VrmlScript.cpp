@@ -72,7 +72,8 @@ void VrmlScript::destroy() {
 }
 
 void VrmlScript::execute() {
-  if (runner) runner->execute();
+  if (!runner) runner = std::make_unique<tessel::script::ScriptRunner>(*this);
+  runner->execute();
 }
 
 bool VrmlScript::checkProgram() { return tessel::script::ScriptRunner(*this).parseProgram() != nullptr; }

@@ -2,6 +2,7 @@
 #include "script/VsSFString.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <iterator>
 #include <utility>
@@ -97,7 +98,9 @@ bool VsSFString::mayHave(std::size_t size) {
 std::string_view VsSFString::view() const {
   if (!liveField()) return own.view();
   const SbString& text = static_cast<SoSFString*>(liveField())->getValue();
-  return {text.getString(), static_cast<std::size_t>(text.getLength())};
+  const auto length = static_cast<std::size_t>(text.getLength());  // which the toolkit counts
+  Effort::add(length);
+  return {text.getString(), length};
 }
 
 // Most numbers are whole. Both kinds of fractions lose the zeros at their end, and the point if nothing is left behind it.
@@ -112,7 +115,7 @@ std::string VsSFString::getStringFromScalar(const Value& scalar) {
   }
   const double number = scalar.getTime();
   const std::int32_t whole = number::truncated(number);
-  if (whole == number) return std::to_string(whole);
+  if (whole == number && !std::signbit(number)) return std::to_string(whole);
   char digits[400];
   const bool isFloat = scalar.type() == Type::sfFloat;
   const int length = std::snprintf(digits, sizeof digits, isFloat ? "%.10f" : "%.12f", number);
@@ -190,6 +193,7 @@ void VsSFString::substring(Value& result, Arguments arguments) const {
 void VsSFString::changeCase(Value& result, char first, char last, int distance) const {
   if (!mayHave(view().size())) return;
   std::string text(view());
+  Effort::addEach(text.size());
   for (char& c : text)
     if (c >= first && c <= last) c = static_cast<char>(c + distance);
   setResult(result, text);

@@ -116,3 +116,5 @@ function test() {
   for (i = 0; i < 24; i++) s = s + s;
   return new SFString('%s%s', s, 'x').length;
 }
+//= SFString -0 0
+function test() { v = new SFVec3f(0, 1, 2); v = v.negate(); return v.x + " " + -0; }
