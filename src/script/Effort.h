@@ -11,6 +11,8 @@ namespace tessel::script {
 class Effort {
 public:
   static void add(std::size_t bytes) { pending += bytes; }
+  /// Characters or entries that are looked at one by one: each costs as much as so many bytes that are copied.
+  static void addEach(std::size_t count) { add(32 * count); }
   static bool isOwed() { return pending >= bytesForStep; }
   /// The steps that are owed, which are settled by this.
   static std::int64_t settle() {

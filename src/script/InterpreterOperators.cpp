@@ -290,6 +290,7 @@ void Interpreter::parseNumber(const Instruction& i) {
   };
   if (!isText(argument(0))) return report(isInt ? RTE_EXPR_PARSEINT_FIRST : RTE_EXPR_PARSEFLOAT_ARG);
   const std::string text(VsSFString::viewOf(argument(0)));
+  Effort::addEach(text.size());
   if (!isInt) return window[i.dst].setFloat(static_cast<float>(std::atof(text.c_str())));
   int radix = 0;
   if (i.c > 1) {

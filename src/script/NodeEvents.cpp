@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "script/NodeEvents.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -10,6 +12,7 @@
 #include <tessel/proto/VrmlProtoUse.h>
 
 #include "core/FieldSpec.h"
+#include "script/Effort.h"
 
 namespace tessel::script {
 namespace {
@@ -35,6 +38,7 @@ SoField* findBeforeChanged(VrmlNode& node, std::string_view name) {
   node.getFields(fields);
   for (int i = 0; i < fields.getLength(); ++i) {
     SbName own;
+    Effort::addEach(static_cast<std::size_t>(i));  // the toolkit finds each name from the first one on
     if (node.getFieldName(fields[i], own) && std::string_view(own.getString()).starts_with(name))
       return fields[i];
   }
@@ -48,6 +52,7 @@ NodeEvent findNodeEvent(VrmlNode& node, const SbName& name, bool isEventIn) {
   const std::string_view text = name.getString();
   if (!field) field = isEventIn ? findBehindSet(node, text) : findBeforeChanged(node, text);
   if (!field) return {};
+  Effort::addEach(static_cast<std::size_t>(std::max(node.getFieldIndex(field), 0)));
   return {field, static_cast<FieldKind>(node.getFieldType(field))};
 }
 

@@ -9,6 +9,8 @@
 #include <tessel/core/VrmlMFChildren.h>
 #include <tessel/core/VrmlNULL.h>
 
+#include "script/Effort.h"
+
 namespace tessel::script {
 namespace {
 
@@ -41,6 +43,7 @@ SoNode* NodeList::at(const SoField& field, int i) {
 std::vector<SoRef<SoNode>> NodeList::values(const SoField& field) {
   std::vector<SoRef<SoNode>> list;
   const int n = count(field);
+  Effort::addEach(4 * static_cast<std::size_t>(n));  // most are put into a field again
   list.reserve(static_cast<std::size_t>(n));
   for (int i = 0; i < n; ++i) list.emplace_back(at(field, i));
   return list;

@@ -6,6 +6,7 @@
 
 #include <tessel/toolkit/PlainReport.h>
 
+#include "script/Effort.h"
 #include "script/VsSFString.h"
 
 namespace tessel::script {
@@ -104,6 +105,7 @@ void appendSubstitute(std::string& text, std::string_view inner, char closing, c
 }  // namespace
 
 std::string formatted(std::string_view format, Arguments arguments) {
+  Effort::addEach(format.size());
   std::string text;
   auto next = arguments.begin();
   for (std::size_t i = 0; i < format.size(); ++i) {
@@ -121,6 +123,7 @@ std::string formatted(std::string_view format, Arguments arguments) {
       if (!VsSFString::mayHave(text.size())) return {};
     }
   }
+  Effort::addEach(text.size());
   return VsSFString::mayHave(text.size()) ? text : std::string();
 }
 

@@ -222,6 +222,7 @@ bool MFStringTraits::set(Field& field, int first, std::span<const Stored> values
     for (int i = 0; i < field.getNum(); ++i)
       if (i < first || i - first >= static_cast<int>(values.size()))
         characters += static_cast<std::size_t>(field[i].getLength());
+  Effort::add(characters);
   if (characters > mostCharacters) {
     VsError::postRuntimeError("Attempt to put more than %zu characters into a MFString", mostCharacters);
     return false;

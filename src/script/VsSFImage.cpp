@@ -118,8 +118,7 @@ void VsSFImage::memberEvaluate(Value& result, Property property, std::string_vie
 void VsSFImage::readPixels(Value& result) const {
   allocField(result, Type::mfInt32);
   const Shape shape(image());
-  constexpr std::size_t entryBytes = 32;  // an entry costs as much as so many bytes that are copied
-  Effort::add(shape.pixels() * entryBytes);
+  Effort::addEach(shape.pixels());
   const unsigned char* bytes = bytesOf(image());
   const std::size_t components = bytes ? shape.components() : 0;
   Value entry;

@@ -99,8 +99,7 @@ SoRef<SoNode> VsSFNode::read(std::string_view text) {
   ReadOptions options;
   options.firstLine = where.line;
   const std::string_view header = VrmlDB::header_v2.getString();
-  constexpr std::size_t readBytes = 32;  // a character that is read costs as much as so many that are copied
-  Effort::add(text.size() * readBytes);
+  Effort::addEach(text.size());
   std::string whole(text);
   if (!text.starts_with(header)) {
     whole.insert(0, std::string(header) + "\n");

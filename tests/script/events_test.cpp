@@ -159,6 +159,13 @@ TEST(ScriptEvents, AScriptThatNoLongerHoldsItselfGoesOn) {
   EXPECT_THAT(world.reports.messages(), IsEmpty());
 }
 
+TEST(ScriptEvents, AHostMayRunAScriptThatNoEventReaches) {
+  const ScriptWorld world(R"(DEF S Script { field SFString log ""
+    url "vrmlscript: function initialize() { log = 'i'; } function eventsProcessed() { log = log + 'p'; }" })");
+  world.get<VrmlScript>("S")->execute();
+  EXPECT_EQ(world.field<SoSFString>("S", "log").getValue(), "ip");
+}
+
 TEST(ScriptEvents, NothingRunsWhileScriptsAreDisabled) {
   const ScriptWorld world(R"(DEF S Script { eventIn SFInt32 go eventOut SFInt32 sum
     url "vrmlscript: function go(v) { sum = sum + v; }" })");
@@ -255,7 +262,9 @@ TEST(ScriptLimits, LongWorkIsStoppedAndMemoryIsBounded) {
   for (const char* body :
        {"while (1) { q = s + 'a'; r = s + 'b'; }", "while (1) n = s.indexOf('y');",
         "while (1) { m = new MFVec3f(); m.length = 16000000; }",
-        "while (1) g = new SFImage(4000, 4000, 4, new MFInt32());", "while (1) new SFNode('# ' + s);"}) {
+        "while (1) g = new SFImage(4000, 4000, 4, new MFInt32());", "while (1) new SFNode('# ' + s);",
+        "while (1) n = parseInt(s);", "while (1) x = parseFloat(s);", "while (1) u = s.toUpperCase();",
+        "while (1) f = new SFString('%s', s);", "s = s + '%d'; while (1) f = new SFString(s, 1);"}) {
     const ScriptReports reports;
     EXPECT_EQ(resultOf("function test() { " + text + body + " }"), "stopped") << body;
   }
@@ -271,6 +280,41 @@ TEST(ScriptLimits, LongWorkIsStoppedAndMemoryIsBounded) {
   ASSERT_FALSE(world.reports.heard.empty());
   EXPECT_EQ(world.reports.heard[0].message,
             "Attempt to take more than 268435456 bytes for values of scripts");
+}
+
+// A pass of each of these loops takes the toolkit long.
+TEST(ScriptLimits, LongWorkOnFieldsIsStopped) {
+  std::string fields;
+  for (int i = 0; i < 500; ++i) fields += " field SFBool f" + std::to_string(i) + " TRUE";
+  const ScriptWorld world("DEF S Script { eventIn SFInt32 go field SFInt32 passes 0" + fields + R"(
+    eventOut SFInt32 zzz field SFString text "" field MFString texts [ ] field SFNode self USE S
+    field SFNode shape Shape { } field SFNode group Group { }
+    url "vrmlscript:
+      function initialize() {
+        text = 'x';
+        for (i = 0; i < 22; i++) text = text + text;
+        texts[0] = text;
+        nodes = new MFNode();
+        nodes[9999] = shape;
+        group.children = nodes;
+      }
+      function go(v) {
+        passes = 0;
+        few = text.substring(0, 300);
+        while (v == 0) { passes++; x = text.length; }
+        while (v == 1) { passes++; texts[1] = few; }
+        while (v == 2) { passes++; group.children[5] = shape; }
+        while (v == 3) { passes++; x = self.zz_changed; }
+      }" })");
+  world.field<SoSFInt32>("S", "go").setValue(4);
+  setScriptStepLimit(100000);
+  for (int i = 0; i < 4; ++i) {
+    world.field<SoSFInt32>("S", "go").setValue(i);
+    EXPECT_LT(world.field<SoSFInt32>("S", "passes").getValue(), 100) << i;
+  }
+  setScriptStepLimit(0);
+  ASSERT_EQ(world.reports.heard.size(), 4U);
+  EXPECT_EQ(world.reports.heard.back().kind, ScriptReportKind::stopped);
 }
 
 // Each of these must end in a report, whatever it takes.
