@@ -151,10 +151,21 @@ void formatStrings(benchmark::State& state) {
              " n = n + #string.format('%d: %5.2f %s', i, i / 4, 'end') end return n end");
 }
 
+constexpr const char* fillAndSum =
+    "function run() { s = 0; for (k = 0; k < 20; k++) { m = new MFFloat();"
+    " for (i = 0; i < 10000; i++) m[i] = i; for (i = 0; i < 10000; i++) s += m[i]; } return s; }";
+
+// The same loops: a test and a count in each round.
 void numberLists(benchmark::State& state) {
-  againstLua(state, 1,
-             "function run() { s = 0; for (k = 0; k < 20; k++) { m = new MFFloat();"
-             " for (i = 0; i < 10000; i++) m[i] = i; for (i = 0; i < 10000; i++) s += m[i]; } return s; }",
+  againstLua(state, 1, fillAndSum,
+             "function run() local s = 0 for k = 1, 20 do local m = {}"
+             " local i = 0 while i < 10000 do m[i + 1] = i i = i + 1 end"
+             " i = 0 while i < 10000 do s = s + m[i + 1] i = i + 1 end end return s end");
+}
+
+// Beside loops that count by themselves, which scripts have not.
+void countedLists(benchmark::State& state) {
+  againstLua(state, 2, fillAndSum,
              "function run() local s = 0 for k = 1, 20 do local m = {}"
              " for i = 1, 10000 do m[i] = i - 1 end for i = 1, 10000 do s = s + m[i] end end return s end");
 }
@@ -194,6 +205,7 @@ BENCHMARK(wholeNumbers)->UseManualTime()->Iterations(5)->Unit(benchmark::kMillis
 BENCHMARK(calls)->UseManualTime()->Iterations(20)->Unit(benchmark::kMillisecond);
 BENCHMARK(fractions)->UseManualTime()->Iterations(5)->Unit(benchmark::kMillisecond);
 BENCHMARK(mathCalls)->UseManualTime()->Iterations(10)->Unit(benchmark::kMillisecond);
+BENCHMARK(countedLists)->UseManualTime()->Iterations(10)->Unit(benchmark::kMillisecond);
 BENCHMARK(numberLists)->UseManualTime()->Iterations(10)->Unit(benchmark::kMillisecond);
 BENCHMARK(vectorLists)->UseManualTime()->Iterations(10)->Unit(benchmark::kMillisecond);
 BENCHMARK(vectors)->UseManualTime()->Iterations(10)->Unit(benchmark::kMillisecond);

@@ -238,7 +238,10 @@ void Compiler::discard(Expr& expr, Jumps* ifNone) {
 }
 
 void Compiler::ifNone(Expr& expr, Jumps& jumps) {
-  if (mayGiveNone(expr)) jumps.push_back(emit(Op::jumpIfNone, expr.line, -1, resultOf(last(expr))));
+  if (!mayGiveNone(expr)) return;
+  const int result = resultOf(last(expr));
+  const bool jumpsItself = out.code.back().op == Op::incrementVariable && out.code.back().dst == result;
+  jumps.push_back(jumpsItself ? here() - 1 : emit(Op::jumpIfNone, expr.line, -1, result));
 }
 
 int Compiler::operand(Expr& expr) {
@@ -375,7 +378,7 @@ void Compiler::incDec(Expr& expr) {
   Expr& target = last(*expr.a);
   const int result = resultOf(expr);
   if (expr.a->kind == ExprKind::local) {
-    emit(Op::incrementVariable, expr.line, result, target.index, expr.isPrefix, -1, step);
+    emit(Op::incrementVariable, expr.line, result, target.index, -1, expr.isPrefix, step);
     return;
   }
   Jumps failed;
@@ -459,7 +462,14 @@ void Compiler::arrayVar(Expr& expr) {
   indexAndArray(expr, failed);
   const int index = read(*expr.b);
   const int array = read(*expr.a);
-  emit(Op::getElement, expr.line, resultOf(expr), array, index);
+  int before = index;
+  // A variable that is looked at just before costs nothing here.
+  if (out.code.back().op == Op::checkVariable && out.lines.back() == expr.line) {
+    before = out.code.back().a;
+    out.code.pop_back();
+    out.lines.pop_back();
+  }
+  emit(Op::getElement, expr.line, resultOf(expr), array, index, before);
   land(failed);
 }
 

@@ -53,7 +53,8 @@ enum class Op : std::uint8_t {
   andRight,
   orRight,            ///< dst = both operands' truth
   increment,          ///< dst = a + aux; goes on at target `b` if `a` is no number
-  incrementVariable,  ///< variable a += aux; dst = the new value if b, else the old one
+  incrementVariable,  ///< variable a += aux; dst = the new value if c, else the old one; if there is none, goes
+                      ///< on at target `b`, if that is not -1
   keepNumber,         ///< dst = the number a, if it is one
   assign,      ///< variable dst = a; if b >= 0, place b becomes the variable's value, or nothing without one
   copy,        ///< dst = a, as a handle
@@ -71,7 +72,7 @@ enum class Op : std::uint8_t {
   call,        ///< dst = function a, with c arguments from place b; then goes on behind the next instruction
   giveBack,    ///< ends the run with the value a
   end,         ///< ends the run without a value
-  getElement,  ///< dst = a[b]
+  getElement,  ///< dst = a[b]; reports before if variable `c` is undefined, which may be b
   setElement,  ///< a[b] = c, dst = what was assigned, or nothing
   getMember,   ///< dst = a.property; b: the member access; aux: the property
   setMember,   ///< a.property = c, like getMember, but nothing without c; aux: also `isChecked`

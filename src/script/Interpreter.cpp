@@ -73,14 +73,6 @@ static inline bool arePlain(const Value& a, const Value& b) {
   return a.type() == Type::sfTime && b.type() == Type::sfTime;
 }
 
-// A plain number, or a float such as lists and vectors give.
-static inline bool isReal(const Value& value) {
-  return value.type() == Type::sfTime || value.type() == Type::sfFloat;
-}
-static inline double realOf(const Value& value) {
-  return value.type() == Type::sfTime ? value.time() : value.getFloat();
-}
-
 // Where a component of a vector or colour of the script's own is, by its number or property; null for all else.
 template <class Which> static inline float* componentOf(const Value& vector, Which which) {
   switch (vector.type()) {
@@ -122,7 +114,8 @@ template <Op op, bool assigns> [[gnu::noinline]] static bool arithMixed(Value* b
 }
 
 bool Interpreter::loop() {
-  const Instruction* pc = function->code.data();
+  const Instruction* code = function->code.data();
+  const Instruction* pc = code;
   Value* base = window;
 
   const auto arith = [&]<Op op, bool assigns>() __attribute__((always_inline)) {
@@ -130,18 +123,22 @@ bool Interpreter::loop() {
     const Value& a = base[i.a];
     const Value& b = base[i.b];
     Value& to = base[i.dst];
+    // The operands are read once there is room, so that nothing need outlive a call.
+    const auto give = [&](auto left, auto right) __attribute__((always_inline)) {
+      to.makeRoom();
+      if constexpr (assigns) base[i.c].makeRoom();
+      const double result = number::rounded(arithmetic<op>(left(a), right(b)));
+      to.storeRounded(result);
+      if constexpr (assigns) base[i.c].storeRounded(result);
+    };
+    constexpr auto time = [](const Value& value) { return value.time(); };
+    constexpr auto real = [](const Value& value) -> double { return value.real(); };
     if (arePlain(a, b)) [[likely]] {
-      to.makeRoom();
-      if constexpr (assigns) base[i.c].makeRoom();
-      const double result = number::rounded(arithmetic<op>(a.time(), b.time()));
-      to.storeRounded(result);
-      if constexpr (assigns) base[i.c].storeRounded(result);
-    } else if (op <= Op::divide && isReal(a) && isReal(b) && a.type() != b.type()) {
-      to.makeRoom();
-      if constexpr (assigns) base[i.c].makeRoom();
-      const double result = number::rounded(arithmetic<op>(realOf(a), realOf(b)));
-      to.storeRounded(result);
-      if constexpr (assigns) base[i.c].storeRounded(result);
+      give(time, time);
+    } else if (op <= Op::divide && a.type() == Type::sfTime && b.type() == Type::sfFloat) {
+      give(time, real);
+    } else if (op <= Op::divide && a.type() == Type::sfFloat && b.type() == Type::sfTime) {
+      give(real, time);
     } else if (!arithMixed<op, assigns>(base, i)) {
       slowArith(i);
     }
@@ -167,7 +164,7 @@ bool Interpreter::loop() {
     if (arePlain(a, b)) [[likely]] {
       const bool result = comparison<op>(a.time(), b.time());
       base[i.dst].storeBool(result);
-      pc = result ? pc + 2 : function->code.data() + pc[1].b;
+      pc = result ? pc + 2 : code + pc[1].b;
     } else {
       slowCompare(i);
       ++pc;
@@ -177,7 +174,7 @@ bool Interpreter::loop() {
   // Most loops test there whether a number is below another. False if the script is stopped.
   const auto goBack = [&]() __attribute__((always_inline)) {
     if (!takeStep(*pc)) return false;
-    pc = function->code.data() + pc->b;
+    pc = code + pc->b;
     if (pc->op == Op::lessUnless) compareUnless.template operator()<Op::less>();
     return true;
   };
@@ -226,7 +223,7 @@ bool Interpreter::loop() {
         break;
       case Op::andLeft:
       case Op::orLeft:
-        pc = decides(i) ? function->code.data() + i.b : pc + 1;
+        pc = decides(i) ? code + i.b : pc + 1;
         break;
       case Op::andRight:
       case Op::orRight:
@@ -240,16 +237,20 @@ bool Interpreter::loop() {
           const double before = variable.time();
           const double after = number::rounded(before + i.aux);
           variable.storeRounded(after);
-          base[i.dst].storeRounded(i.b ? after : before);
+          base[i.dst].storeRounded(i.c ? after : before);
         } else {
           slowIncrement(i);
+          if (i.b >= 0 && base[i.dst].isNone()) {
+            pc = code + i.b;
+            break;
+          }
         }
         ++pc;
         if (pc->op == Op::jumpBack && !goBack()) return false;
         break;
       }
       case Op::increment:
-        pc = incrementOther(i) ? pc + 1 : function->code.data() + i.b;
+        pc = incrementOther(i) ? pc + 1 : code + i.b;
         break;
       case Op::keepNumber:
         base[i.dst] = base[i.a];
@@ -289,7 +290,7 @@ bool Interpreter::loop() {
         ++pc;
         break;
       case Op::checkIndex:
-        pc = isIndex(i) ? pc + 1 : function->code.data() + i.b;
+        pc = isIndex(i) ? pc + 1 : code + i.b;
         break;
       case Op::loadGlobal:
         tree.global(i.a).read(base[i.dst]);
@@ -301,7 +302,7 @@ bool Interpreter::loop() {
         ++pc;
         break;
       case Op::jump:
-        pc = function->code.data() + i.b;
+        pc = code + i.b;
         break;
       case Op::jumpBack:
         if (!goBack()) return false;
@@ -312,19 +313,19 @@ bool Interpreter::loop() {
         if (value.type() == Type::sfBool ? value.getBool() : truth(i, value, isNumber)) {
           ++pc;
         } else {
-          pc = function->code.data() + (isNumber ? i.b : i.c);
+          pc = code + (isNumber ? i.b : i.c);
         }
         break;
       }
       case Op::jumpIfNone:
-        pc = base[i.a].isNone() ? function->code.data() + i.b : pc + 1;
+        pc = base[i.a].isNone() ? code + i.b : pc + 1;
         break;
       case Op::passArgument:
         if (base[i.a].isScalar()) [[likely]] {
           base[i.dst].setValue(base[i.a]);
           ++pc;
         } else {
-          pc = passArgument(i) ? pc + 1 : function->code.data() + i.b;
+          pc = passArgument(i) ? pc + 1 : code + i.b;
         }
         break;
       case Op::call: {
@@ -339,7 +340,8 @@ bool Interpreter::loop() {
         }
         base = window;
         for (int k = 0; k < count; ++k) base[k].swap(passed[k]);
-        pc = called.code.data();
+        code = called.code.data();
+        pc = code;
         break;
       }
       case Op::giveBack:
@@ -353,12 +355,14 @@ bool Interpreter::loop() {
         leave();
         if (tree.stack.depth() == bottom) return true;
         base = window;
+        code = function->code.data();
         pc = at;
         break;
       case Op::getElement: {
         const Value& index = base[i.b];
-        const float* component =
-            index.type() == Type::sfTime ? elementOf(base[i.a], number::truncated(index.time())) : nullptr;
+        const float* component = index.type() == Type::sfTime && base[i.c].type() != Type::undefined
+                                     ? elementOf(base[i.a], static_cast<std::int32_t>(index.time()))
+                                     : nullptr;
         if (component) {
           base[i.dst].setFloat(*component);
         } else {
@@ -370,7 +374,7 @@ bool Interpreter::loop() {
       case Op::setElement: {
         const Value& index = base[i.b];
         float* component = index.type() == Type::sfTime && base[i.c].isScalar()
-                               ? elementOf<true>(base[i.a], number::truncated(index.time()))
+                               ? elementOf<true>(base[i.a], static_cast<std::int32_t>(index.time()))
                                : nullptr;
         if (!assignComponent(component, base[i.c], base[i.dst])) setElement(i);
         ++pc;
@@ -405,11 +409,18 @@ bool Interpreter::loop() {
         break;
       case Op::acceptsCall:
       case Op::appendElement:
-        pc = onObject(i) ? pc + 1 : function->code.data() + i.b;
+        pc = onObject(i) ? pc + 1 : code + i.b;
         break;
-      default:
+      case Op::setMathMember:
+      case Op::callMethod:
+      case Op::callBrowser:
+      case Op::allocField:
+      case Op::constructField:
         onObject(i);
         ++pc;
+        break;
+      default:
+        __builtin_unreachable();  // spares each instruction a comparison
     }
   }
 }

@@ -139,7 +139,7 @@ void Interpreter::slowIncrement(const Instruction& i) {
   const double before = variable.getTime();
   const Type type = variable.type();
   variable.setNumber(before + i.aux, type);
-  window[i.dst].setNumber(i.b ? before + i.aux : before, type);
+  window[i.dst].setNumber(i.c ? before + i.aux : before, type);
 }
 
 bool Interpreter::incrementOther(const Instruction& i) {
@@ -228,6 +228,7 @@ bool Interpreter::isIndex(const Instruction& i) {
 
 void Interpreter::getElement(const Instruction& i) {
   at = &i;
+  if (i.c != i.b) checkVariable(i.c);
   const Value& index = window[i.b];
   checkVariable(i.b);
   if (index.isNone()) return;

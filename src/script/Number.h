@@ -22,16 +22,22 @@ inline std::int32_t truncated(double x) {
                  : 0;
 }
 
-/// Rounds the fraction to microseconds, away from zero at a half, as the toolkit's time does.
-inline double rounded(double x) {
-  const std::int32_t whole = truncated(x);
-  const double seconds = whole;
-  // Most numbers are whole; this also makes -0 a 0.
-  if (seconds == x) return seconds;
+/// The same for what has a fraction, or is beyond the range.
+inline double roundedFraction(double x) {
+  const double seconds = truncated(x);
   if (!(x > lowest && x < highest)) return seconds;
   const double micro = (x - seconds) * 1e6;
   const auto microseconds = static_cast<std::int32_t>(micro + (micro < 0 ? -0.5 : 0.5));
   return seconds + microseconds / 1e6;
+}
+
+/// Rounds the fraction to microseconds, away from zero at a half, as the toolkit's time does.
+inline double rounded(double x) {
+  // A sum with this number has no fraction. Most numbers are whole, and then no result waits for a conversion.
+  constexpr double withoutFractions = 6755399441055744.0;  // 1.5 * 2^52
+  if ((x + withoutFractions) - withoutFractions == x && std::fabs(x) <= highest) [[likely]]
+    return x + 0.0;  // -0 is 0
+  return roundedFraction(x);
 }
 
 /// As a word of bits: truncated; negative numbers and those of 2^32 and more are all ones.

@@ -5,13 +5,15 @@
 
 namespace tessel::script {
 
-/// What a script value is. The order is part of the language: scalars first, then what is held by a field object,
+/// What a script value is. The order is part of the language: scalars first, last what is held by a field object,
 /// with the elements of multiple values last, which hold the object of the whole and their place in it.
 enum class Type : std::uint8_t {
   sfBool,
   sfInt32,
   sfFloat,
   sfTime,
+  none,       ///< an expression that produced nothing
+  undefined,  ///< a variable without a value
   sfString,
   sfNode,
   sfImage,
@@ -30,13 +32,11 @@ enum class Type : std::uint8_t {
   vec2fElement,
   vec3fElement,
   colorElement,
-  rotationElement,
-  undefined,  ///< a variable without a value
-  none        ///< an expression that produced nothing
+  rotationElement
 };
 
 constexpr bool isScalar(Type type) { return type <= Type::sfTime; }
-constexpr bool isHeldByField(Type type) { return type > Type::sfTime && type < Type::undefined; }
+constexpr bool isHeldByField(Type type) { return type >= Type::sfString; }
 constexpr bool isElement(Type type) { return type >= Type::vec2fElement && type <= Type::rotationElement; }
 constexpr bool isMultiple(Type type) { return type >= Type::mfInt32 && type <= Type::mfRotation; }
 /// Vectors, rotations, colours and elements of multiples of these: they are copied, all others are shared.

@@ -59,6 +59,8 @@ public:
 
   /// What a number of type sfTime is: the way past all conversions.
   double time() const { return number.time; }
+  /// The same of type sfFloat.
+  float real() const { return number.real; }
   /// Gives up an object, if one is held. Then one of the two below may follow: the interpreter does this before it
   /// computes what is stored, so that the result need not outlive a call.
   void makeRoom() { release(); }

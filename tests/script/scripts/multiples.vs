@@ -167,3 +167,15 @@ function test() { m = new MFString('a', 'b'); s = m[0]; m[0] = 'xy'; if (s == 'a
 function test() { m = new MFString('a', 'b'); m[0] = m[1] + m[0]; return m[0]; }
 //= SFTime 0
 function test() { m = new MFFloat(1, 2); n = 0; m.dot(n = 5); m[0].dot(n = 5); n.dot(n = 5); return n; }
+//= SFTime 0
+//! Attempt to access an uninitialized variable
+//! Attempt to apply arithmetic operator to values of the wrong type
+//! Attempt to access an uninitialized variable
+//! Attempt to get value of non-existent element of MF field array
+function test() { m = new MFFloat(1); x = 0; if (0) u = 1; x = u + m[0]; x = u + m[9]; return x; }
+//= SFTime 4
+//! Attempt to apply increment/decrement operator to a non-numeric value
+function test() { n = 0; for (i = 0; n < 4; i++) { n = n + 1; if (n == 2) i = "text"; if (n == 3) i = 0; } return n; }
+//= SFTime 1
+//! Attempt to apply increment/decrement operator to a non-numeric value
+function test() { n = 0; for (i = "text"; n < 4; i++) n = n + 1; return n; }
