@@ -117,7 +117,7 @@ ValueType valueTypeNamed(std::string_view name) {
 
 const char* nameOf(ValueType type) { return rowOf(type).word; }
 
-static ValueType valueTypeOf(SoType fieldClass) {
+ValueType valueTypeOf(SoType fieldClass) {
   for (std::size_t i = 0; i < rows.size(); ++i)
     if (fieldClass == rows[i].fieldClass()) return static_cast<ValueType>(i);
   return fieldClass == SoSFNode::getClassTypeId() ? ValueType::sfNode : ValueType::count;

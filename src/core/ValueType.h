@@ -73,7 +73,8 @@ template <> struct ValueTypeOf<VrmlMFChildren> : HoldsValue<VrmlMFChildren, Valu
 ValueType valueTypeNamed(std::string_view name);
 /// The word for a type in a file.
 const char* nameOf(ValueType type);
-/// The value type of a field; `count` for a field class that the file format does not know.
+/// The value type of a field, or of a class of fields; `count` if the file format does not know it.
+ValueType valueTypeOf(SoType fieldClass);
 ValueType valueTypeOf(const SoField& field);
 /// A new field of a type, with its neutral value and no container. The caller owns it.
 SoField* newField(ValueType type);

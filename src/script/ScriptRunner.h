@@ -33,6 +33,8 @@ public:
   void fieldChanged();
   /// Handles what waits.
   void execute();
+  /// Whether a function of the program is under way.
+  bool isExecuting() const { return executing > 0; }
   /// Calls the program's last function.
   void shutDown();
   /// The node's program, ready to run; null, after reports, without a good one.

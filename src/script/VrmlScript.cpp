@@ -120,8 +120,16 @@ void VrmlScript::notify(SoNotList* list) {
 
 const SoFieldData* VrmlScript::getFieldData() const { return allFields.get(); }
 
-SoField* VrmlScript::addField(FieldKind kind, ValueType type, const SbName& name) {
-  if (type == ValueType::count) return nullptr;
+SoField* VrmlScript::addField(FieldKind kind, SoType fieldClass, const SbName& name) {
+  const ValueType type =
+      fieldClass == SoMFNode::getClassTypeId() ? ValueType::mfNode : tessel::valueTypeOf(fieldClass);
+  const bool isKind = kind == FieldKind::field || kind == FieldKind::eventIn || kind == FieldKind::eventOut;
+  if (!isKind || type == ValueType::count || getField(name) || !forgetProgram()) return nullptr;
+  return declare(kind, type, name);
+}
+
+// Under a name that the node has already a field is nobody's business but the node's.
+SoField* VrmlScript::declare(FieldKind kind, ValueType type, const SbName& name) {
   std::unique_ptr<SoField> field(tessel::newField(type));
   field->setContainer(this);
   const int before = allFields->getNumFields();
@@ -129,6 +137,26 @@ SoField* VrmlScript::addField(FieldKind kind, ValueType type, const SbName& name
   const bool isNew = allFields->getNumFields() > before;  // a name that is taken is not entered
   declared.push_back({name, isNew ? kind : FieldKind::internal, std::move(field)});
   return declared.back().field.get();
+}
+
+bool VrmlScript::removeField(const SbName& name) {
+  const auto isIt = [&](const Declared& one) { return one.name == name && one.kind != FieldKind::internal; };
+  const auto found = std::ranges::find_if(declared, isIt);
+  if (found == declared.end() || !forgetProgram()) return false;
+  const std::unique_ptr<SoField> removed = std::move(found->field);  // goes when the table is without it
+  declared.erase(found);
+  // The toolkit's tables only grow.
+  allFields = std::make_unique<SoFieldData>(*NodeClass::getFieldDataPtr());
+  for (const Declared& one : declared)
+    if (one.kind != FieldKind::internal) allFields->addField(this, one.name.getString(), one.field.get());
+  return true;
+}
+
+// A program knows the fields that it was parsed for.
+bool VrmlScript::forgetProgram() {
+  if (runner && runner->isExecuting()) return false;
+  runner.reset();
+  return true;
 }
 
 int VrmlScript::getFieldType(const SoField* field) const {
@@ -178,7 +206,7 @@ bool VrmlScript::readDeclaration(tessel::WorldReader& reader, const Keyword& key
 
   if (declared.size() == maxDeclared)
     return reader.error("A Script declares more than %d fields and events", static_cast<int>(maxDeclared));
-  SoField* field = addField(keyword.kind, type, name.c_str());
+  SoField* field = declare(keyword.kind, type, name.c_str());
   if (declared.back().kind == FieldKind::internal)
     reader.warning("VrmlScript::readDeclaration", "\"%s\" is declared twice; the first declaration counts",
                    name.c_str());
@@ -199,7 +227,7 @@ void VrmlScript::copyContents(const SoFieldContainer* from, SbBool copyConnectio
   urlFile = original->urlFile;
   urlLines = original->urlLines;
   for (const Declared& one : original->declared)
-    addField(one.kind, tessel::valueTypeOf(*one.field), one.name);
+    declare(one.kind, tessel::valueTypeOf(*one.field), one.name);
   NodeClass::copyContents(from, copyConnections);
   // What the original knows above itself its copy knows too, as a copy.
   for (const Declared& one : declared) {

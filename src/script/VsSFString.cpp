@@ -29,12 +29,6 @@ constexpr MethodRule methods[] = {
 
 bool isText(const Value& value) { return value.type() == Type::sfString; }
 
-// A place in a text, or its nearest end.
-std::size_t placeIn(std::string_view text, const Value& index) {
-  const std::int64_t i = index.getInt();
-  return static_cast<std::size_t>(std::clamp<std::int64_t>(i, 0, static_cast<std::int64_t>(text.size())));
-}
-
 }  // namespace
 
 // A few objects that nobody holds, with the memory of their texts, for the next ones: most strings live no longer
@@ -142,7 +136,8 @@ void VsSFString::methodCall(Value& result, Method method, Arguments arguments) {
       const Value& index = *arguments[0];
       if (!index.isScalar()) return FieldErrors::badArgError(labelOf(methods, method));
       const std::string_view text = view();
-      return setResult(result, index.getInt() < 0 ? "" : text.substr(placeIn(text, index), 1));
+      const auto place = static_cast<std::size_t>(index.getInt());  // far beyond the end if it is below 0
+      return setResult(result, place < text.size() ? text.substr(place, 1) : "");
     }
     case Method::indexOf:
     case Method::lastIndexOf:
@@ -169,7 +164,9 @@ void VsSFString::find(Value& result, bool fromEnd, Arguments arguments) const {
   const std::string_view text = view();
   const std::string_view searched = viewOf(*arguments[0]);
   Effort::add(text.size());
-  const std::size_t from = isWhole ? (fromEnd ? text.size() : 0) : placeIn(text, *arguments[1]);
+  const std::size_t from =
+      isWhole ? (fromEnd ? text.size() : 0) : static_cast<std::size_t>(arguments[1]->getInt());
+  if (from > text.size()) return result.setInt(-1);
   std::size_t found = fromEnd ? from : text.size();
   if (!searched.empty())
     found = fromEnd ? text.substr(0, from).rfind(searched[0]) : text.find(searched[0], from);

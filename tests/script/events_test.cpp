@@ -3,7 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <tessel/core/FieldKind.h>
 #include <tessel/core/VrmlDB.h>
+#include <tessel/core/VrmlSwitch.h>
 #include <tessel/script/VrmlScript.h>
 
 #include <string>
@@ -164,6 +166,36 @@ TEST(ScriptEvents, AHostMayRunAScriptThatNoEventReaches) {
     url "vrmlscript: function initialize() { log = 'i'; } function eventsProcessed() { log = log + 'p'; }" })");
   world.get<VrmlScript>("S")->execute();
   EXPECT_EQ(world.field<SoSFString>("S", "log").getValue(), "ip");
+}
+
+TEST(ScriptEvents, AHostMayDeclareAndTakeBack) {
+  const ScriptWorld world(R"(DEF W Switch { }
+    DEF S Script { eventIn SFInt32 go eventIn SFInt32 tick field SFInt32 runs 0
+      url "vrmlscript: function more(v) { runs += v; } function go(v) { runs += 10; } function tick() { runs += 100; }" }
+    ROUTE W.whichChoice TO S.tick)");
+  auto* script = world.get<VrmlScript>("S");
+  const auto runs = [&] { return world.field<SoSFInt32>("S", "runs").getValue(); };
+  auto& choice = world.get<VrmlSwitch>("W")->whichChoice;
+  world.field<SoSFInt32>("S", "go").setValue(1);
+  choice.setValue(1);
+  EXPECT_EQ(runs(), 110);
+
+  EXPECT_FALSE(script->addField(FieldKind::eventIn, SoSFInt32::getClassTypeId(), "go"));
+  EXPECT_FALSE(script->addField(FieldKind::eventIn, SoType::badType(), "more"));
+  auto* more =
+      static_cast<SoSFInt32*>(script->addField(FieldKind::eventIn, SoSFInt32::getClassTypeId(), "more"));
+  ASSERT_TRUE(more);
+  more->setValue(3);
+  EXPECT_EQ(runs(), 113);
+
+  EXPECT_TRUE(script->removeField("tick"));
+  EXPECT_FALSE(script->removeField("tick"));
+  EXPECT_FALSE(script->removeField("url"));
+  EXPECT_FALSE(script->getField("tick"));
+  choice.setValue(2);
+  world.field<SoSFInt32>("S", "go").setValue(1);
+  EXPECT_EQ(runs(), 123);
+  EXPECT_THAT(world.reports.messages(), IsEmpty());
 }
 
 TEST(ScriptEvents, NothingRunsWhileScriptsAreDisabled) {

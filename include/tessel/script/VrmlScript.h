@@ -47,9 +47,15 @@ public:
   /// @return false if the node has no program, or none that can be parsed
   bool checkProgram();
 
-  /// Declares a field or event, with the neutral value of its type. Null for a type that can't be declared.
-  /// Under a name that the node has already it is nobody's business but the node's.
-  SoField* addField(tessel::FieldKind kind, tessel::ValueType type, const SbName& name);
+  /// Declares a field or event of a class of fields, SoSFBool to SoMFVec3f, with the neutral value of its type. The
+  /// program starts anew with the next event.
+  /// @return the field, which the node owns; null for a class that can't be declared, for a name that the node has
+  ///     already, and while the program runs
+  SoField* addField(tessel::FieldKind kind, SoType fieldClass, const SbName& name);
+
+  /// Takes back what was declared under a name, with its routes. The program starts anew with the next event.
+  /// @return false if nothing was, and while the program runs
+  bool removeField(const SbName& name);
 
   /// The file that `url` was read from, empty if it came otherwise.
   const SbName& getUrlFile() const { return urlFile; }
@@ -83,6 +89,8 @@ private:
   struct Keyword;
 
   static const Keyword* keywordNamed(std::string_view word);
+  SoField* declare(tessel::FieldKind kind, tessel::ValueType type, const SbName& name);
+  bool forgetProgram();
   bool readDeclaration(tessel::WorldReader& reader, const Keyword& keyword);
   bool readUrl(tessel::WorldReader& reader);
 

@@ -1,17 +1,17 @@
 //= SFString a|c||
 // a place outside the text has no character
 function test() { s = 'abc'; return s.charAt(0) + '|' + s.charAt(2.9) + '|' + s.charAt(3) + '|' + s.charAt(-1); }
-//= SFString 2 -1 3 -1 1 3 0
-// only the first character is looked for
+//= SFString 2 -1 3 -1 -1 3 0
+// only the first character is looked for, and from a place outside the text nothing is found
 function test() {
   s = 'abcb';
   return s.indexOf('cz') + ' ' + s.indexOf('z') + ' ' + s.indexOf('b', 2) + ' ' + s.indexOf('a', 1) + ' ' +
          s.indexOf('b', -5) + ' ' + s.lastIndexOf('b') + ' ' + s.lastIndexOf('a', 1);
 }
-//= SFString -1 1 3 -1 -1
+//= SFString -1 1 3 -1 -1 -1
 function test() {
   s = 'abcb';
-  return 'abc'.lastIndexOf('a', 0) + ' ' + s.lastIndexOf('b', 3) + ' ' + s.lastIndexOf('b', 99) + ' ' +
+  return 'abc'.lastIndexOf('a', 0) + ' ' + s.lastIndexOf('b', 3) + ' ' + s.lastIndexOf('b', 4) + ' ' + s.lastIndexOf('b', 99) + ' ' +
          s.lastIndexOf('b', -1) + ' ' + s.indexOf('b', 99);
 }
 //= SFString 4 4 2
