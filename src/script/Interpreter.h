@@ -47,6 +47,7 @@ private:
   void getElement(const Instruction& instruction);
   void setElement(const Instruction& instruction);
   bool hasValue(const Instruction& instruction);
+  const Value& argument(const Instruction& instruction, int k) const;
   void callMath(const Instruction& instruction);
   void parseNumber(const Instruction& instruction);
   bool onObject(const Instruction& instruction);

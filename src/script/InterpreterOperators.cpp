@@ -272,11 +272,15 @@ bool Interpreter::hasValue(const Instruction& i) {
   return !window[i.c].isNone();
 }
 
+const Value& Interpreter::argument(const Instruction& i, int k) const {
+  return window[function->arguments[static_cast<std::size_t>(i.b) + static_cast<std::size_t>(k)]];
+}
+
 void Interpreter::callMath(const Instruction& i) {
   at = &i;
   double args[2] = {};
   for (int k = 0; k < i.c; ++k) {
-    const Value& value = window[function->arguments[static_cast<std::size_t>(i.b + k)]];
+    const Value& value = argument(i, k);
     if (!value.isScalar()) return report(RTE_EXPR_ARITH_TYPE);
     args[k] = value.getTime();
   }
@@ -286,17 +290,14 @@ void Interpreter::callMath(const Instruction& i) {
 void Interpreter::parseNumber(const Instruction& i) {
   at = &i;
   const bool isInt = i.op == Op::parseInt;
-  const auto argument = [&](int k) -> const Value& {
-    return window[function->arguments[static_cast<std::size_t>(i.b + k)]];
-  };
-  if (!isText(argument(0))) return report(isInt ? RTE_EXPR_PARSEINT_FIRST : RTE_EXPR_PARSEFLOAT_ARG);
-  const std::string text(VsSFString::viewOf(argument(0)));
+  if (!isText(argument(i, 0))) return report(isInt ? RTE_EXPR_PARSEINT_FIRST : RTE_EXPR_PARSEFLOAT_ARG);
+  const std::string text(VsSFString::viewOf(argument(i, 0)));
   Effort::addEach(text.size());
   if (!isInt) return window[i.dst].setFloat(static_cast<float>(std::atof(text.c_str())));
   int radix = 0;
   if (i.c > 1) {
-    if (!argument(1).isScalar()) return report(RTE_EXPR_PARSEINT_SECOND);
-    radix = argument(1).getInt();
+    if (!argument(i, 1).isScalar()) return report(RTE_EXPR_PARSEINT_SECOND);
+    radix = argument(i, 1).getInt();
     if (radix < 0) return report(RTE_EXPR_PARSEINT_RADIX);
   }
   const long value = std::strtol(text.c_str(), nullptr, radix);

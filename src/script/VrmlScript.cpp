@@ -226,8 +226,7 @@ void VrmlScript::copyContents(const SoFieldContainer* from, SbBool copyConnectio
   const auto* original = static_cast<const VrmlScript*>(from);
   urlFile = original->urlFile;
   urlLines = original->urlLines;
-  for (const Declared& one : original->declared)
-    declare(one.kind, tessel::valueTypeOf(*one.field), one.name);
+  for (const Declared& one : original->declared) declare(one.kind, tessel::valueTypeOf(*one.field), one.name);
   NodeClass::copyContents(from, copyConnections);
   // What the original knows above itself its copy knows too, as a copy.
   for (const Declared& one : declared) {

@@ -205,6 +205,7 @@ SharedText MFStringTraits::at(const Field& field, int i) { return SharedText(fie
 
 std::vector<SharedText> MFStringTraits::values(const Field& field) {
   std::vector<SharedText> list;
+  list.reserve(static_cast<std::size_t>(field.getNum()));
   for (int i = 0; i < field.getNum(); ++i) list.push_back(at(field, i));
   return list;
 }
