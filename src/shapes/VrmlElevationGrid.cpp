@@ -14,11 +14,16 @@
 #include <Inventor/elements/SoDrawStyleElement.h>
 #include <Inventor/elements/SoGLCacheContextElement.h>
 #include <Inventor/elements/SoGLMultiTextureCoordinateElement.h>
+#include <Inventor/elements/SoMaterialBindingElement.h>
+#include <Inventor/elements/SoNormalBindingElement.h>
 #include <Inventor/elements/SoShapeHintsElement.h>
 #include <Inventor/errors/SoDebugError.h>
 #include <Inventor/misc/SoState.h>
 
 #include <tessel/actions/VrmlCountAction.h>
+#include <tessel/shapes/VrmlColor.h>
+#include <tessel/shapes/VrmlNormal.h>
+#include <tessel/shapes/VrmlTextureCoordinate.h>
 #include <tessel/toolkit/Scoped.h>
 #include <tessel/toolkit/VrmlContainerElement.h>
 
@@ -26,6 +31,7 @@
 #include "shapes/GridSurface.h"
 #include "shapes/MeshBuffers.h"
 #include "shapes/MeshNeeds.h"
+#include "shapes/RealNode.h"
 
 using tessel::FieldKind;
 using tessel::FieldSpec;
@@ -207,14 +213,30 @@ private:
 
 }  // namespace
 
+template <class Element>
+static void bind(SoState* state, SoNode* node, const VrmlSFNode& property, bool perVertex) {
+  if (!property.getRealValue() || !state->isElementEnabled(Element::getClassStackIndex())) return;
+  Element::set(state, node, perVertex ? Element::PER_VERTEX : Element::OVERALL);
+}
+
+// What callbacks ask the state for: the color of a vertex is found there by its number.
+void VrmlElevationGrid::doVertexPropertyAction(SoAction* action) {
+  tessel::actIfReal<VrmlColor>(action, color);
+  bind<SoMaterialBindingElement>(action->getState(), this, color, colorPerVertex.getValue());
+  tessel::actIfReal<VrmlNormal>(action, normal);
+  bind<SoNormalBindingElement>(action->getState(), this, normal, normalPerVertex.getValue());
+  tessel::actIfReal<VrmlTextureCoordinate>(action, texCoord);
+}
+
 void VrmlElevationGrid::generatePrimitives(SoAction* action) {
   const GridSurface surface(*this);
   if (!surface.hasFaces()) return;
+  const tessel::StateScope scope(action->getState());
+  doVertexPropertyAction(action);
   if (action->isOfType(SoRayPickAction::getClassTypeId())) {
     pickQuads(static_cast<SoRayPickAction*>(action), surface);
     return;
   }
-  const tessel::StateScope scope(action->getState());
   if (action->getState()->isElementEnabled(SoShapeHintsElement::getClassStackIndex()))
     sendShapeHintsToState(action->getState());
   const GridVertices vertices(surface, action);

@@ -39,9 +39,12 @@ int partOf(const SoDetail* detail) {
   return -1;
 }
 
-Corner cornerOf(const SoPrimitiveVertex* v) {
+Corner cornerOf(const SoCallbackAction& action, const SoPrimitiveVertex* v) {
   const SbVec4f st = v->getTextureCoords();
-  return {v->getPoint(), v->getNormal(), st[0], st[1], partOf(v->getDetail())};
+  SbColor ambient, diffuse, specular, emission;
+  float shininess = 0, transparency = 0;
+  action.getMaterial(ambient, diffuse, specular, emission, shininess, transparency, v->getMaterialIndex());
+  return {v->getPoint(), v->getNormal(), diffuse, st[0], st[1], partOf(v->getDetail())};
 }
 
 }  // namespace
@@ -85,9 +88,10 @@ std::vector<Triangle> trianglesOf(SoNode* scene, float complexity) {
   SoCallbackAction action;
   action.addTriangleCallback(
       SoNode::getClassTypeId(),
-      [](void* out, SoCallbackAction*, const SoPrimitiveVertex* a, const SoPrimitiveVertex* b,
+      [](void* out, SoCallbackAction* at, const SoPrimitiveVertex* a, const SoPrimitiveVertex* b,
          const SoPrimitiveVertex* c) {
-        static_cast<std::vector<Triangle>*>(out)->push_back({cornerOf(a), cornerOf(b), cornerOf(c)});
+        static_cast<std::vector<Triangle>*>(out)->push_back(
+            {cornerOf(*at, a), cornerOf(*at, b), cornerOf(*at, c)});
       },
       &triangles);
   action.apply(root.get());

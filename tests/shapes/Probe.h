@@ -5,6 +5,7 @@
 #include <vector>
 
 #include <Inventor/SbBox3f.h>
+#include <Inventor/SbColor.h>
 #include <Inventor/SbVec3f.h>
 #include <Inventor/SbVec4f.h>
 #include <Inventor/nodes/SoNode.h>
@@ -30,6 +31,7 @@ std::vector<Hit> hitsOf(SoNode* scene, const SbVec3f& from, const SbVec3f& along
 
 struct Corner {
   SbVec3f point, normal;
+  SbColor diffuse;
   float s = 0, t = 0;
   int part = -1;
 };

@@ -91,16 +91,21 @@ TEST(ElevationGrid, NormalsAreSmoothAndPointToTheFront) {
 
 TEST(ElevationGrid, ListsGoByPointAndHoldTheirLastValueOrTheirFirst) {
   const std::string lists =
-      "height [ 0 0 0 0 0 0 ] normal Normal { vector [ 0 1 0, 1 0 0 ] } "
+      "height [ 0 0 0 0 0 0 ] normal Normal { vector [ 0 1 0, 1 0 0 ] } color Color { color [ 1 0 0, 0 1 0 ] } "
       "texCoord TextureCoordinate { point [ .25 .5, .75 .125 ] } ";
   for (const Triangle& t : GridWorld(threeByTwo + lists).triangles())
     for (const Corner& c : t) {
       const bool isFirst = c.point == SbVec3f(0, 0, 0);
       EXPECT_EQ(c.normal, isFirst ? SbVec3f(0, 1, 0) : SbVec3f(1, 0, 0));
+      EXPECT_EQ(c.diffuse, isFirst ? SbColor(1, 0, 0) : SbColor(0, 1, 0));
       EXPECT_EQ(c.s, isFirst ? 0.25f : 0.75f);
     }
-  for (const Triangle& t : GridWorld(threeByTwo + lists + "normalPerVertex FALSE").triangles())
-    for (const Corner& c : t) EXPECT_EQ(c.normal, SbVec3f(0, 1, 0));
+  for (const Triangle& t :
+       GridWorld(threeByTwo + lists + "normalPerVertex FALSE colorPerVertex FALSE").triangles())
+    for (const Corner& c : t) {
+      EXPECT_EQ(c.normal, SbVec3f(0, 1, 0));
+      EXPECT_EQ(c.diffuse, SbColor(1, 0, 0));
+    }
 }
 
 TEST(ElevationGrid, HeightsCanBeReplaced) {

@@ -58,6 +58,7 @@ protected:
 
 private:
   void sendShapeHintsToState(SoState* state);
+  void doVertexPropertyAction(SoAction* action);
   bool prepare(SoGLRenderAction* action);
   void pickQuads(SoRayPickAction* action, const tessel::GridSurface& surface);
 
