@@ -57,7 +57,8 @@ FaceWalk::FaceWalk(VrmlIndexedFaceSet& n, SoAction* a, std::unique_ptr<NormalGen
       colorIndices(givenOr(node.colorIndex, node.coordIndex)),
       normalIndices(givenOr(node.normalIndex, node.coordIndex)),
       texCoordIndices(givenOr(node.texCoordIndex, node.coordIndex)),
-      material(materialBindingOf(node)) {
+      material(materialBindingOf(node)),
+      materials(action->getState()) {
   coordIndex = {node.coordIndex.getValues(0), static_cast<std::size_t>(node.coordIndex.getNum())};
   if (const auto* coord = realNode<VrmlCoordinate>(node.coord))
     points = {coord->point.getValues(0), static_cast<std::size_t>(coord->point.getNum())};
@@ -136,7 +137,7 @@ SbVec4f FaceWalk::texCoordsAt(const SbVec3f& point, const SbVec3f& direction) co
 
 void FaceWalk::fill(int corner, SoPrimitiveVertex& vertex) const {
   vertex.setPoint(pointAt(corner));
-  vertex.setMaterialIndex(indexOf(material, colorIndices, corner));
+  vertex.setMaterialIndex(materials(indexOf(material, colorIndices, corner)));
   vertex.setNormal(normalAt(corner));
   if (texCoords) {
     const int index = texCoordIndexOf(corner);

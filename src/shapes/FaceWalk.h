@@ -10,6 +10,7 @@
 #include <Inventor/SbVec4f.h>
 
 #include "shapes/BoxTexCoords.h"
+#include "shapes/MaterialNumbers.h"
 
 class SoAction;
 class SoMFInt32;
@@ -77,6 +78,7 @@ private:
   mutable std::optional<BoxTexCoords> box;
   const SoMFInt32 &colorIndices, &normalIndices, &texCoordIndices;
   Binding material, normal;
+  MaterialNumbers materials;
 
   int faceNumber = -1;
   int firstEntry = 0;  // in coordIndex

@@ -29,6 +29,7 @@
 
 #include "core/NodeClassImpl.h"
 #include "shapes/GridSurface.h"
+#include "shapes/MaterialNumbers.h"
 #include "shapes/MeshBuffers.h"
 #include "shapes/MeshNeeds.h"
 #include "shapes/RealNode.h"
@@ -178,7 +179,7 @@ namespace {
 /// Fills vertices and their details for one traversal.
 class GridVertices {
 public:
-  GridVertices(const GridSurface& s, SoAction* action) : surface(s) {
+  GridVertices(const GridSurface& s, SoAction* action) : surface(s), materials(action->getState()) {
     SoState* state = action->getState();
     if (state->isElementEnabled(SoMultiTextureCoordinateElement::getClassStackIndex()) &&
         SoMultiTextureCoordinateElement::getType(state) == SoMultiTextureCoordinateElement::FUNCTION)
@@ -188,7 +189,7 @@ public:
   void fill(int i, int j, SoPrimitiveVertex& vertex) const {
     vertex.setPoint(surface.pointAt(i, j));
     vertex.setNormal(surface.normalAt(i, j));
-    vertex.setMaterialIndex(surface.colorIndex(pointNumber(i, j)));
+    vertex.setMaterialIndex(materials(surface.colorIndex(pointNumber(i, j))));
     const SbVec2f st = surface.texCoordAt(i, j);
     vertex.setTextureCoords(function ? function->get(0, vertex.getPoint(), vertex.getNormal())
                                      : SbVec4f(st[0], st[1], 0, 1));
@@ -208,6 +209,7 @@ public:
 
 private:
   const GridSurface& surface;
+  tessel::MaterialNumbers materials;
   const SoMultiTextureCoordinateElement* function = nullptr;
 };
 

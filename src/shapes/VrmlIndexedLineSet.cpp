@@ -23,6 +23,7 @@
 #include <tessel/shapes/VrmlCoordinate.h>
 
 #include "core/NodeClassImpl.h"
+#include "shapes/MaterialNumbers.h"
 #include "shapes/RealNode.h"
 #include "shapes/UnlitBuffers.h"
 #include "shapes/UnlitScope.h"
@@ -321,6 +322,7 @@ void VrmlIndexedLineSet::generatePrimitives(SoAction* action) {
   const SbVec3f* points = coordinates->getArrayPtr3();
   const std::int32_t* index = coordIndex.getValues(0);
   const int binding = getMaterialBinding(action);
+  const tessel::MaterialNumbers materials(state);
 
   SoPrimitiveVertex vertices[2];  // taken in turn
   SoLineDetail detail;
@@ -351,13 +353,13 @@ void VrmlIndexedLineSet::generatePrimitives(SoAction* action) {
       SoPrimitiveVertex& here = vertices[numSeen & 1];
       SoPrimitiveVertex& before = vertices[~numSeen & 1];
       here.setPoint(points[index[p]]);
-      here.setMaterialIndex(material);
+      here.setMaterialIndex(materials(material));
       pointDetail.setCoordinateIndex(index[p]);
       pointDetail.setMaterialIndex(material);
       numSeen & 1 ? detail.setPoint1(&pointDetail) : detail.setPoint0(&pointDetail);
       ++numSeen;
       if (hasBefore) {
-        if (binding == 1 || binding == 2) before.setMaterialIndex(material);
+        if (binding == 1 || binding == 2) before.setMaterialIndex(materials(material));
         detail.setPartIndex(segment);
         invokeLineSegmentCallbacks(action, &before, &here);
         ++segment;

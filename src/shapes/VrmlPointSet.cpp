@@ -20,6 +20,7 @@
 #include <tessel/shapes/VrmlCoordinate.h>
 
 #include "core/NodeClassImpl.h"
+#include "shapes/MaterialNumbers.h"
 #include "shapes/RealNode.h"
 #include "shapes/UnlitBuffers.h"
 #include "shapes/UnlitScope.h"
@@ -126,6 +127,7 @@ void VrmlPointSet::generatePrimitives(SoAction* action) {
   state->push();
   points->doAction(action);
   if (colors) colors->doAction(action);
+  const tessel::MaterialNumbers materials(state);
   SoPrimitiveVertex vertex;
   SoPointDetail detail;
   vertex.setDetail(&detail);
@@ -133,7 +135,7 @@ void VrmlPointSet::generatePrimitives(SoAction* action) {
   forEachPoint(n, isPick ? 0 : thinning(state), [&](int i) {
     const int material = i < numColors ? i : 0;
     vertex.setPoint(values[i]);
-    vertex.setMaterialIndex(material);
+    vertex.setMaterialIndex(materials(material));
     detail.setCoordinateIndex(i);
     detail.setMaterialIndex(material);
     invokePointCallbacks(action, &vertex);

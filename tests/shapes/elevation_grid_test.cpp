@@ -91,7 +91,8 @@ TEST(ElevationGrid, NormalsAreSmoothAndPointToTheFront) {
 
 TEST(ElevationGrid, ListsGoByPointAndHoldTheirLastValueOrTheirFirst) {
   const std::string lists =
-      "height [ 0 0 0 0 0 0 ] normal Normal { vector [ 0 1 0, 1 0 0 ] } color Color { color [ 1 0 0, 0 1 0 ] } "
+      "height [ 0 0 0 0 0 0 ] normal Normal { vector [ 0 1 0, 1 0 0 ] } color Color { color [ 1 0 0, 0 1 0 ] "
+      "} "
       "texCoord TextureCoordinate { point [ .25 .5, .75 .125 ] } ";
   for (const Triangle& t : GridWorld(threeByTwo + lists).triangles())
     for (const Corner& c : t) {
