@@ -134,7 +134,7 @@ std::optional<tessel::SourceText> takeTextOnce(SoInput* in, std::string& complai
 std::unique_ptr<WorldReader> makeReader(std::optional<tessel::SourceText> text, const std::string& fileName,
                                         const std::string& complaint, const ReadOptions& options,
                                         ReadStatus& status) {
-  tessel::releaseLoopsBeforeRead(text ? text->text.size() : 0);  // what the last world left
+  tessel::releaseLoopsBeforeRead(text ? text->text().size() : 0);  // what the last world left
   status = ReadStatus::failed;
   if (!text) {
     tessel::postReadError(fileName, 1, complaint);
@@ -149,7 +149,7 @@ std::unique_ptr<WorldReader> makeReader(std::optional<tessel::SourceText> text, 
         tessel::postReadError(text->fileName, 1, complaintOfHeader);
         return nullptr;
       }
-      tessel::Lexer atHeader(text->text);
+      tessel::Lexer atHeader(text->text());
       const tessel::ReadScope scope(atHeader, text->fileName);
       tessel::postReadWarning("VrmlDB::read", complaintOfHeader);
       break;
@@ -159,7 +159,7 @@ std::unique_ptr<WorldReader> makeReader(std::optional<tessel::SourceText> text, 
       return nullptr;
     case tessel::Header::toolkit:
     case tessel::Header::none:
-      if (text->text.find_first_not_of(" \t\r\n", text->bodyStart) == std::string_view::npos)
+      if (text->text().find_first_not_of(" \t\r\n", text->bodyStart) == std::string_view::npos)
         status = ReadStatus::empty;
       else
         tessel::postReadError(text->fileName, 1, "The file does not begin with \"#VRML V2.0 utf8\"");

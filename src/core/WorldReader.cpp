@@ -64,8 +64,7 @@ WorldReader::WorldReader(SourceText text, const ReadOptions& o)
     : source(std::move(text)),
       sourceName(source.fileName.c_str()),
       readOptions(o),
-      tokens((source.bytes.empty() ? source.text : std::string_view(source.bytes)).substr(source.bodyStart),
-             source.bodyLine + o.firstLine - 1),
+      tokens(source.text(), o.firstLine, source.bodyStart),
       budget(std::make_shared<InstanceBudget>(InstanceBudget{
           .maxNodes = o.maxInstanceNodes, .maxNesting = o.maxInstanceNesting, .maxLevels = o.maxNesting})) {}
 
@@ -307,11 +306,10 @@ bool WorldReader::readFields(VrmlNode& node) {
 }
 
 bool WorldReader::readField(VrmlNode& node, std::string_view name) {
-  const NamedField found = findField(node, name);
-  if (found.field) return readFieldValue(*found.field, found.type, name);
   bool ok = false;
   if (readStatement(name, ok)) return ok;
-  return readEventForm(node, name);
+  const NamedField found = findField(node, name);
+  return found.field ? readFieldValue(*found.field, found.type, name) : readEventForm(node, name);
 }
 
 // From the table of the node's class, or a field that this node alone has.

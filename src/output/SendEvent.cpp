@@ -29,8 +29,7 @@ bool sendEvent(NodeNames& names, std::string_view target, std::string_view value
   SourceText source;
   source.bytes = value;
   source.fileName = fileName;
-  source.bodyLine = line;
-  WorldReader reader(std::move(source), {});
+  WorldReader reader(std::move(source), {.firstLine = line});
   const ReadScope scope(reader.lexer(), reader.fileName());
 
   const std::size_t dot = target.rfind('.');

@@ -125,11 +125,11 @@ const std::array<std::uint8_t, 256> Lexer::classes = [] {
   return table;
 }();
 
-Lexer::Lexer(std::string_view text, int firstLine)
-    : cursor(text.data()),
+Lexer::Lexer(std::string_view text, int firstLine, std::size_t start)
+    : cursor(text.data() + start),
       end(text.data() + text.size()),
       tokenStart(cursor),
-      countedTo(cursor),
+      countedTo(text.data()),
       lineNumber(firstLine),
       hasCR(text.find('\r') != std::string_view::npos) {}
 
@@ -288,16 +288,18 @@ std::size_t Lexer::countToBracket() const {
   return count;
 }
 
+int Lexer::linesBetween(const char* from, const char* to) const {
+  if (!hasCR) return static_cast<int>(std::count(from, to, '\n'));
+  int lines = 0;
+  for (const char* p = from; p != to; ++p)
+    if (*p == '\n' || (*p == '\r' && (p + 1 == end || p[1] != '\n'))) ++lines;
+  return lines;
+}
+
 int Lexer::line() {
-  if (tokenStart < countedTo) {  // a message about something further up: rare
-    return lineNumber - static_cast<int>(std::count(tokenStart, countedTo, '\n'));
-  }
-  if (!hasCR) {
-    lineNumber += static_cast<int>(std::count(countedTo, tokenStart, '\n'));
-  } else {
-    for (const char* p = countedTo; p != tokenStart; ++p)
-      if (*p == '\n' || (*p == '\r' && (p + 1 == end || p[1] != '\n'))) ++lineNumber;
-  }
+  if (tokenStart < countedTo)  // a message about something further up: rare
+    return lineNumber - linesBetween(tokenStart, countedTo);
+  lineNumber += linesBetween(countedTo, tokenStart);
   countedTo = tokenStart;
   return lineNumber;
 }

@@ -16,7 +16,8 @@ namespace tessel {
 /// whose line a message gives.
 class Lexer {
 public:
-  explicit Lexer(std::string_view text, int firstLine = 1);
+  /// A cursor at `start`, in a text that begins with the line of that number.
+  explicit Lexer(std::string_view text, int firstLine = 1, std::size_t start = 0);
 
   /// Skips white space and comments.
   void skipSpace() {
@@ -91,6 +92,7 @@ private:
 
   bool skipRemark();
   const char* lineEnd(const char* from) const;
+  int linesBetween(const char* from, const char* to) const;
   template <class T> bool integer(T& out);
 
   const char* cursor;

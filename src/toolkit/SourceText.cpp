@@ -93,16 +93,13 @@ Header headerOf(std::string_view line) {
   return Header::none;
 }
 
-// Finds header and body in source.text; the body starts at `from` at the earliest.
+// Finds header and body; the body starts at `from` at the earliest.
 void findBody(SourceText& source, std::size_t from) {
-  const std::string_view text = source.text;
+  const std::string_view text = source.text();
   const std::size_t mark = text.starts_with("\xef\xbb\xbf") ? 3 : 0;
   const std::size_t lineEnd = std::min(text.find_first_of("\r\n", mark), text.size());
   source.header = headerOf(text.substr(mark, lineEnd - mark));
   source.bodyStart = std::min(std::max(source.header == Header::none ? mark : lineEnd, from), text.size());
-  source.bodyLine =
-      1 + static_cast<int>(
-              std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(source.bodyStart), '\n'));
 }
 
 // The bytes of a file on disk; nothing for what is no regular file.
@@ -137,12 +134,11 @@ bool drain(SoInput& in, std::string& out) {
 }
 
 bool unpackIfNeeded(SourceText& source, std::string& complaint) {
-  if (isGzip(source.text)) {
-    std::string unpacked;
-    if (!inflateAll(source.text, unpacked, complaint)) return false;
-    source.bytes = std::move(unpacked);
-    source.text = source.bytes;
-  }
+  if (!isGzip(source.text())) return true;
+  std::string unpacked;
+  if (!inflateAll(source.text(), unpacked, complaint)) return false;
+  source.bytes = std::move(unpacked);
+  source.lent = {};
   return true;
 }
 
@@ -151,7 +147,7 @@ bool unpackIfNeeded(SourceText& source, std::string& complaint) {
 std::optional<SourceText> takeText(std::string_view bytes, std::string_view fileName,
                                    std::string& complaint) {
   std::optional<SourceText> source(std::in_place);
-  source->text = bytes;
+  source->lent = bytes;
   source->fileName = fileName;
   if (!unpackIfNeeded(*source, complaint)) return std::nullopt;
   findBody(*source, 0);
@@ -167,7 +163,6 @@ std::optional<SourceText> takeText(SoInput& in, std::string& complaint) {
   if (name && *name) {
     if (std::optional<std::string> bytes = slurp(name, complaint)) {
       source->bytes = std::move(*bytes);
-      source->text = source->bytes;
       if (!unpackIfNeeded(*source, complaint)) return std::nullopt;
       findBody(*source, alreadyTaken);
       return source;
@@ -175,16 +170,19 @@ std::optional<SourceText> takeText(SoInput& in, std::string& complaint) {
     if (!complaint.empty()) return std::nullopt;
   }
 
-  // The toolkit takes a header that it knows out of the stream, and leaves anything else in it.
-  std::string body;
-  std::string header;
-  if (in.isValidFile() && in.getNumBytesRead() > 0) header = in.getHeader().getString();
+  // The toolkit takes a header that it knows out of the stream, with one character behind it, and leaves anything else
+  // in it. That character is taken once more: it may be half of a line end.
+  std::string header, body;
+  if (in.isValidFile() && in.getNumBytesRead() > 0) {
+    header = in.getHeader().getString();
+    in.putBack('\n');
+  }
   if (!drain(in, body)) {
     complaint = tooLarge;
     return std::nullopt;
   }
-  source->bytes = header.empty() ? std::move(body) : header + "\n" + body;
-  source->text = source->bytes;
+  if (!header.empty() && !body.empty() && body.front() != '\r') body.front() = '\n';
+  source->bytes = header + body;
   if (!unpackIfNeeded(*source, complaint)) return std::nullopt;
   findBody(*source, 0);
   return source;

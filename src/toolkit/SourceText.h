@@ -20,12 +20,14 @@ enum class Header {
 
 /// The text of a world and where its body starts.
 struct SourceText {
-  std::string bytes;      ///< the whole text, or for `view` none
-  std::string_view text;  ///< the whole text, of `bytes` or of the caller's memory
+  std::string bytes;      ///< the whole text, none if it is in the caller's memory
+  std::string_view lent;  ///< of the caller's memory
   std::string fileName;   ///< for messages
   Header header = Header::none;
   std::size_t bodyStart = 0;  ///< behind header line and byte-order mark
-  int bodyLine = 1;           ///< the line number there
+
+  /// The whole text, for as long as this is not moved.
+  std::string_view text() const { return bytes.empty() ? lent : std::string_view(bytes); }
 };
 
 /// Takes the text that an input holds: a file on disk is read anew in one go, anything else in blocks from

@@ -71,6 +71,7 @@ INSTANTIATE_TEST_SUITE_P(
         Fault{"Group { children [\n Group { }", "The file ends where a node was expected", 3},
         Fault{"Group {\n", "The file ends inside of \"Group\"", 3},
         Fault{"Group [ ]", "\"{\" was expected behind \"Group\""},
+        Fault{"Script { field SFBool ROUTE TRUE ROUTE a.b TO c.d }", "Unknown node \"a\""},
         Fault{"NULL", "NULL is no node for the top level of a world"},
         Fault{"DEF { }", "A name was expected behind DEF"},
         Fault{"Shape { geometry IndexedLineSet { coordIndex [ 0 1 2147483648 ] } }",
@@ -173,31 +174,71 @@ TEST(Read, HeadersAreThreeAndSomeAreForgiven) {
   EXPECT_EQ(status("#X3D V3.0 utf8\nGroup {}"), ReadStatus::failed);
 }
 
-TEST(Read, MemoryMayHoldAByteOrderMarkOrGzip) {
-  tessel::test::startLibrary();
-  const tessel::test::Messages messages;
-  ReadStatus status;
-  const std::string text = "\xef\xbb\xbf#VRML V2.0 utf8\nWorldInfo { title \"caf\xe9\" }";
-  tessel::SoRef<SoNode> marked(VrmlDB::read(text, "bom.wrl", status));
-  EXPECT_EQ(status, ReadStatus::world) << messages.text();
-
-  std::string packed(1000, '\0');
+std::string packed(std::string_view text) {
+  std::string bytes(1000, '\0');
   z_stream stream{};
-  ASSERT_EQ(deflateInit2(&stream, 9, Z_DEFLATED, 15 + 16, 8, Z_DEFAULT_STRATEGY), Z_OK);
+  EXPECT_EQ(deflateInit2(&stream, 9, Z_DEFLATED, 15 + 16, 8, Z_DEFAULT_STRATEGY), Z_OK);
   stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
   stream.avail_in = static_cast<uInt>(text.size());
-  stream.next_out = reinterpret_cast<Bytef*>(packed.data());
-  stream.avail_out = static_cast<uInt>(packed.size());
-  ASSERT_EQ(deflate(&stream, Z_FINISH), Z_STREAM_END);
-  packed.resize(stream.total_out);
+  stream.next_out = reinterpret_cast<Bytef*>(bytes.data());
+  stream.avail_out = static_cast<uInt>(bytes.size());
+  EXPECT_EQ(deflate(&stream, Z_FINISH), Z_STREAM_END);
+  bytes.resize(stream.total_out);
   deflateEnd(&stream);
-  tessel::SoRef<SoNode> unpacked(VrmlDB::read(packed, "zip.wrl", status));
-  EXPECT_EQ(status, ReadStatus::world) << messages.text();
-  EXPECT_EQ(static_cast<VrmlWorldInfo*>(unpacked.get())->title.getValue(), "caf\xe9");
-  for (std::size_t n = 3; n < packed.size() - 8; n += 5) {
-    EXPECT_EQ(VrmlDB::read(std::string_view(packed).substr(0, n), "cut.wrl", status), nullptr);
-    EXPECT_EQ(status, ReadStatus::failed);
-  }
+  return bytes;
+}
+
+// How a text ends that is given in one of four ways, and in which line the first message lies.
+struct Ending {
+  ReadStatus status = ReadStatus::failed;
+  int line = 0;
+  bool operator==(const Ending&) const = default;
+};
+
+Ending readFrom(int source, const std::string& bytes) {
+  const tessel::test::Messages messages;
+  const std::string file = tessel::test::scratchDir() / "source.wrl";
+  std::ofstream(file, std::ios::binary) << bytes;
+  Ending ending;
+  SoInput in;
+  std::FILE* open = nullptr;
+  if (source == 0) in.setBuffer(bytes.data(), bytes.size());
+  if (source == 1) in.setFilePointer(open = std::fopen(file.c_str(), "rb"));
+  if (source == 2) in.openFile(file.c_str());
+  const tessel::SoRef<SoNode> root(source == 3 ? VrmlDB::read(bytes, "memory", ending.status)
+                                               : VrmlDB::read(&in, ending.status));
+  if (open) std::fclose(open);
+  if (!messages.empty())
+    std::sscanf(std::strstr(messages.all().front().c_str(), "at line"), "at line %d", &ending.line);
+  return ending;
+}
+
+TEST(Read, ATextEndsTheSameFromEverySource) {
+  tessel::test::startLibrary();
+  const std::pair<const char*, Ending> rows[] = {
+      {"#VRML V2.0 utf8\n\nFoo {}", {ReadStatus::failed, 3}},
+      {"#VRML V2.0 utf8\r\n\r\nFoo {}", {ReadStatus::failed, 3}},
+      {"#VRML V2.0 utf8\r\rFoo {}", {ReadStatus::failed, 3}},
+      {"#VRML V2.0 utf8 by hand\n\nFoo {}", {ReadStatus::failed, 3}},
+      {"#VRML Draft #1 V2.0 utf8\r\n\r\nFoo {}", {ReadStatus::failed, 3}},
+      {"\xef\xbb\xbf#VRML V2.0 utf8\r\n\r\nFoo {}", {ReadStatus::failed, 3}},
+      {"#VRML V2.0 utf8\nWorldInfo { title \"caf\xe9\" }", {ReadStatus::world}},
+      {"#VRML V2.0 utf8", {ReadStatus::empty}},
+      {"#Inventor V2.1 ascii\n", {ReadStatus::empty}},
+      {"\r\n\n", {ReadStatus::empty}},
+      {"", {ReadStatus::empty}},
+      {"\x7f"
+       "ELF\x01\x02",
+       {ReadStatus::failed, 1}},
+  };
+  for (const auto& [text, expected] : rows)
+    for (int source = 0; source < 4; ++source) {
+      EXPECT_EQ(readFrom(source, text), expected) << text << ", source " << source;
+      EXPECT_EQ(readFrom(source, packed(text)), expected) << text << ", packed, source " << source;
+    }
+  const std::string whole = packed(rows[6].first);
+  for (std::size_t n = 3; n < whole.size() - 8; n += 5)
+    EXPECT_EQ(readFrom(3, whole.substr(0, n)), (Ending{ReadStatus::failed, 1})) << "cut off";
 }
 
 TEST(Read, EveryPrefixOfAWorldEndsWell) {
