@@ -40,17 +40,20 @@ Base splitBase(std::string_view base) {
   return parts;
 }
 
-// Takes out each "component/../" from the left; a ".." that is no whole component ends it.
-void removeDotDots(std::string& path) {
+// Without each "component/../", from the left; a ".." that is no whole component ends it.
+std::string withoutDotDots(std::string_view path) {
+  std::string kept;
   for (;;) {
     const std::size_t dots = path.find("..");
-    if (dots == std::string::npos || dots == 0 || path[dots - 1] != '/' || dots + 2 >= path.size() ||
-        path[dots + 2] != '/')
-      return;
-    if (dots < 2) return;
-    const std::size_t before = path.rfind('/', dots - 2);
-    if (before == std::string::npos) return;
-    path.erase(before + 1, dots + 3 - (before + 1));
+    kept += path.substr(0, dots);
+    if (dots == std::string_view::npos) return kept;
+    path.remove_prefix(dots);
+    const std::size_t before = kept.ends_with('/') && kept.size() > 1 && path.substr(2).starts_with('/')
+                                   ? kept.rfind('/', kept.size() - 2)
+                                   : std::string::npos;
+    if (before == std::string::npos) return kept.append(path);
+    kept.resize(before + 1);
+    path.remove_prefix(3);
   }
 }
 
@@ -76,8 +79,7 @@ void VrmlDB::expandURL(const SbString& baseText, const SbString& urlText, SbStri
     }
     full += url;
   }
-  removeDotDots(full);
-  result = full.c_str();
+  result = withoutDotDots(full).c_str();
 }
 
 SbString tessel::fullURL(const SbString& base, const SoMFString& url, int index) {

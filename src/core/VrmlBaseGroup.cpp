@@ -299,11 +299,10 @@ void VrmlBaseGroup::renderChildren(SoGLRenderAction* action, std::span<const int
   for (const int i : which) {
     SoNode* child = (*childList)[i];
     action->popPushCurPath(i, child);
-    if (action->abortNow()) {
+    if (action->abortNow())
       SoCacheElement::invalidate(action->getState());
-      break;
-    }
-    child->GLRenderBelowPath(action);
+    else
+      child->GLRenderBelowPath(action);
     if (action->hasTerminated()) break;
   }
   action->popCurPath();

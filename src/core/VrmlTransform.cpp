@@ -193,27 +193,26 @@ void VrmlTransform::setMatrix(const SbMatrix& m) {
 }
 
 void VrmlTransform::recenter(const SbVec3f& newCenter) {
-  if (setFactored(currentMatrix(), newCenter, "VrmlTransform::recenter", "Can't factor centering matrix"))
-    setIfDifferent(center, newCenter);
+  setFactored(currentMatrix(), newCenter, "VrmlTransform::recenter", "Can't factor centering matrix");
 }
 
-bool VrmlTransform::setFactored(const SbMatrix& matrix, const SbVec3f& aroundCenter, const char* where,
+void VrmlTransform::setFactored(const SbMatrix& matrix, const SbVec3f& aroundCenter, const char* where,
                                 const char* complaint) {
   SbMatrix m = ::translation(-aroundCenter);
   m.multLeft(matrix);
   m.multLeft(::translation(aroundCenter));
   if (const float volume = m.det3(); !(volume != 0) || !std::isfinite(volume)) {
     SoDebugError::post(where, "%s", complaint);
-    return false;
+    return;
   }
   SbVec3f shift, scaling;
   SbRotation turn, scaleAxes;
   m.getTransform(shift, turn, scaling, scaleAxes);
+  setIfDifferent(center, aroundCenter);
   setIfDifferent(translation, shift);
   setIfDifferent(rotation, turn);
   setIfDifferent(scale, scaling);
   if (scaling != SbVec3f(1, 1, 1)) setIfDifferent(scaleOrientation, scaleAxes);
-  return true;
 }
 
 // Traversal.

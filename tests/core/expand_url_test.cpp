@@ -34,6 +34,8 @@ INSTANTIATE_TEST_SUITE_P(
                     Case{"ftp://host/a/c.wrl", "/d.wrl", "/d.wrl"}, Case{"c.wrl", "d.wrl", "d.wrl"},
                     Case{"", "d.wrl", "d.wrl"}, Case{"http://h/c", "", ""},
                     Case{"http://host/a/", "b..c/d/../e", "http://host/a/b..c/d/../e"},
-                    Case{"/", "../x", "/../x"}, Case{"/a/b/c", "./d", "/a/b/./d"}));
+                    Case{"http://host/a/", "b/../c..d/../e", "http://host/a/c..d/../e"},
+                    Case{"/", "../x", "/../x"}, Case{"/a/b/", "../..", "/a/.."},
+                    Case{"/a/b/c", "./d", "/a/b/./d"}));
 
 }  // namespace

@@ -23,6 +23,7 @@
 #include <tessel/events/VrmlNotifySensor.h>
 #include <tessel/toolkit/Scoped.h>
 
+#include "support/Drawing.h"
 #include "support/TestWorld.h"
 
 using tessel::SoRef;
@@ -216,6 +217,26 @@ TEST(Group, SearchFindsPathsThroughIt) {
   search.apply(world.root());
   ASSERT_TRUE(search.getPath());
   EXPECT_EQ(static_cast<const SoFullPath*>(search.getPath())->getLength(), 3);
+}
+
+// A host that has no time left for a part of the world still gets the rest of it.
+TEST(GroupGL, APrunedChildKeepsNoOtherFromBeingDrawn) {
+  const TestWorld world(
+      "Group { children [ DEF A Transform { translation -1 0 0 children DEF S Shape { geometry Box { size 1 "
+      "1 1 } "
+      "appearance Appearance { material Material { emissiveColor 1 0 0 } } } } "
+      "Transform { translation 1 0 0 children USE S } ] }");
+  tessel::test::Drawing drawing(world.root());
+  drawing.action.setAbortCallback(
+      [](void* data) {
+        const SoPath* path = static_cast<SoGLRenderAction*>(data)->getCurPath();
+        return static_cast<const SoFullPath*>(path)->getTail()->getName() == "A" ? SoGLRenderAction::PRUNE
+                                                                                 : SoGLRenderAction::CONTINUE;
+      },
+      &drawing.action);
+  drawing.frame();
+  EXPECT_EQ(drawing.at(-1, 0).r, 0);
+  EXPECT_EQ(drawing.at(1, 0).r, 255);
 }
 
 TEST(Transform, PointsGoThroughAllStagesInOrder) {

@@ -61,6 +61,6 @@ protected:
 
 private:
   SbMatrix currentMatrix();
-  bool setFactored(const SbMatrix& matrix, const SbVec3f& aroundCenter, const char* where,
+  void setFactored(const SbMatrix& matrix, const SbVec3f& aroundCenter, const char* where,
                    const char* complaint);
 };
