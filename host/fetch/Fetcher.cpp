@@ -129,7 +129,11 @@ Fetcher::Data Fetcher::openWorld(const std::string& path) {
 int Fetcher::readWorld(const Data& data, int file, SoRef<SoNode>& root, ReadStatus& status) {
   VrmlDB::setBaseURL(files.baseOf(file).c_str());
   const int stack = VrmlProtoDict::createStack();
-  root.reset(VrmlDB::read(data.bytes, data.name.c_str(), status, readOptions));
+  ReadOptions here = readOptions;
+  int levels = here.levelsAbove = files[file].above;
+  here.levels = &levels;
+  root.reset(VrmlDB::read(data.bytes, data.name.c_str(), status, here));
+  files.setLevels(file, levels);
   VrmlProtoDict::setCurrentStackId(-1);
   VrmlDB::setBaseURL(files.baseOfLive().c_str());
   return stack;

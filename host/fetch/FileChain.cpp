@@ -21,15 +21,21 @@ void FileChain::begin(std::string url, std::string name) {
 
 int FileChain::add(std::string url, std::string name, int askedBy) {
   anyFromNetwork = anyFromNetwork || isNetworkUrl(url);
-  const int depth = askedBy == none ? 0 : (*this)[askedBy].depth + 1;
-  files.push_back({std::move(url), std::move(name), askedBy, depth});
+  files.push_back({std::move(url), std::move(name), askedBy});
+  if (askedBy != none) lower(size() - 1, askedBy);
   return size() - 1;
 }
 
-void FileChain::lower(int file, int askedBy) {
-  int& depth = files[static_cast<std::size_t>(file)].depth;
-  depth = std::max(depth, (*this)[askedBy].depth + 1);
+void FileChain::lower(int number, int askedBy) {
+  File& file = files[static_cast<std::size_t>(number)];
+  const File& asker = (*this)[askedBy];
+  file.depth = std::max(file.depth, asker.depth + 1);
+  const int own = file.levels - file.above;
+  file.above = std::max(file.above, asker.levels);
+  file.levels = file.above + own;
 }
+
+void FileChain::setLevels(int file, int levels) { files[static_cast<std::size_t>(file)].levels = levels; }
 
 std::string FileChain::baseOf(int file) const {
   const std::string& url = (*this)[file].url;

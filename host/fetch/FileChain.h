@@ -19,6 +19,8 @@ public:
     std::string name;  ///< for messages
     int askedBy = -1;  ///< the file that asked for it
     int depth = 0;     ///< how many files are above it; 0 for the world itself
+    int above = 0;     ///< how many levels of nodes may be above its own
+    int levels = 0;    ///< and with its own
   };
   static constexpr int none = -1;
 
@@ -28,6 +30,8 @@ public:
   int add(std::string url, std::string name, int askedBy);
   /// A file that is read once for many: it is as deep as the deepest of those that ask.
   void lower(int file, int askedBy);
+  /// The levels of nodes in a file that has been read, those above it included.
+  void setLevels(int file, int levels);
 
   const File& operator[](int file) const { return files[static_cast<std::size_t>(file)]; }
   int size() const { return static_cast<int>(files.size()); }

@@ -155,8 +155,9 @@ void DeepCopy::copyField(const VrmlNode& original, const SoField& from, SoField&
     if (type == ValueType::mfNode) fixNodes(static_cast<SoMFNode&>(to), connections);
   }
   to.setDefault(from.isDefault());
-  if (connections && from.isConnected() && original.shouldCopyFieldConnection(&from))
-    to.copyConnection(&from);
+  if (!connections || !from.isConnected() || !original.shouldCopyFieldConnection(&from)) return;
+  to.enableConnection(from.isConnectionEnabled());  // the toolkit leaves that out
+  to.copyConnection(&from);
 }
 
 void DeepCopy::fixNodes(SoMFNode& field, bool withConnections) {

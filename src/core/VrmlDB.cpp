@@ -122,6 +122,24 @@ std::string nameOf(const SoInput* in) {
   return name ? name : "";
 }
 
+// While it exists names in a text mean our classes. Of a header that the toolkit knows from us it tells when it meets
+// it, and not always when the file ends.
+class Reading {
+public:
+  Reading() {
+    ++depth;
+    VrmlDB::useVrmlTypeIds();
+  }
+  ~Reading() {
+    if (--depth == 0) VrmlDB::useToolkitTypeIds();
+  }
+  Reading(const Reading&) = delete;
+  Reading& operator=(const Reading&) = delete;
+
+private:
+  inline static int depth = 0;
+};
+
 // The text of an input, which is then at its end: a second call gives none.
 std::optional<tessel::SourceText> takeTextOnce(SoInput* in, std::string& complaint) {
   if (isMarked(in, takenMark)) return tessel::SourceText{};
@@ -170,7 +188,7 @@ std::unique_ptr<WorldReader> makeReader(std::optional<tessel::SourceText> text, 
 
 // Takes the text, whose reader holds the nodes that have names: it is gone before a node is given away.
 SoNode* readAll(OpenText text, ReadStatus& status) {
-  const tessel::ScopedValue<int> ours(VrmlDB::usingVrmlTypeIds, 1);
+  const Reading reading;
   const PrototypeStack::Use scope(*text.prototypes);
   SoRef<VrmlGroup> root(new VrmlGroup);
   for (;;) {
@@ -275,7 +293,7 @@ SoNode* VrmlDB::readNode(SoInput* in, int& error) {
     text = &attached().insert_or_assign(in, OpenText{std::move(reader)}).first->second;
     mark(in, attachedMark);
   }
-  const tessel::ScopedValue<int> ours(usingVrmlTypeIds, 1);
+  const Reading reading;
   bool failed = false;
   SoRef<VrmlNode> node;
   {

@@ -171,6 +171,8 @@ void VrmlNode::copyContents(const SoFieldContainer* from, SbBool copyConnections
     if (const SbName& name = original.getName(); name != SbName::empty()) setName(name);
     if (original.isOverride()) setOverride(TRUE);
   } else {
+    for (int i = 0; SoField* field = getFieldAt(i); ++i)  // the toolkit leaves that out
+      field->enableConnection(original.getFieldData()->getField(from, i)->isConnectionEnabled());
     inherited::copyContents(from, copyConnections);
   }
   if (const auto* name = original.getDef()) setDef(*name);

@@ -200,6 +200,8 @@ bool WorldReader::addExtent(const Extent& extent) {
   constexpr std::uint64_t most = std::uint64_t{1} << 62;
   sum.nodes = std::min(sum.nodes + extent.nodes, most);
   sum.levels = std::max(sum.levels, extent.levels);
+  lowestLevel = std::max(lowestLevel, depth() + extent.levels);
+  if (readOptions.levels) *readOptions.levels = lowestLevel;
   return sum.nodes <= readOptions.maxExpanded || body ||  // nobody traverses the body of a prototype
          error("The world shows more than %llu nodes, each USE counted anew",
                static_cast<unsigned long long>(readOptions.maxExpanded));
@@ -289,13 +291,12 @@ SoRef<VrmlNode> WorldReader::readDefinition(std::string_view defName, std::strin
 
 // A chain of USEs is as deep as one that is written out.
 bool WorldReader::isTooDeep(int levels) {
-  if (open.size() + static_cast<std::size_t>(levels) <= static_cast<std::size_t>(readOptions.maxNesting))
-    return false;
+  if (depth() + levels <= readOptions.maxNesting) return false;
   error("Nodes are nested more than %d levels deep", readOptions.maxNesting);
   return true;
 }
 
-int WorldReader::level() const { return static_cast<int>(open.size() - (body ? body->firstLevel : 0)); }
+int WorldReader::level() const { return body ? static_cast<int>(open.size() - body->firstLevel) : depth(); }
 
 bool WorldReader::readFields(VrmlNode& node) {
   for (;;) {

@@ -123,8 +123,8 @@ public:
   /// statement begins.
   SoRef<VrmlNode> readBodyNode(bool& error);
 
-  /// How many nodes are open, one inside the other.
-  int depth() const { return static_cast<int>(open.size()); }
+  /// The level of the node that is being read, 1 for the root of a world that stands in no other.
+  int depth() const { return static_cast<int>(open.size()) + readOptions.levelsAbove; }
 
   /// The node that a DEF of this text or prototype body has named, null if none.
   VrmlNode* findReference(std::string_view name) const;
@@ -133,7 +133,7 @@ public:
   /// Puts another set of references in place; gives the old one.
   References* setReferences(References* others) { return std::exchange(references, others); }
 
-  /// How many nodes the one that is being read stands in, up to the body of a prototype or the top of the world.
+  /// The same, counted from the body of a prototype if there is one around it.
   int level() const;
   /// Whether what has so many levels would be nested too deep here, which is then reported.
   bool isTooDeep(int levels = 1);
@@ -187,6 +187,7 @@ private:
   int errors = 0;
   std::vector<int>* stringLines = nullptr;
   BodyScope* body = nullptr;  // the innermost, if any
+  int lowestLevel = 0;
   std::uint64_t nodesMade = 0;
   std::size_t deepest = 0;  // of `open`
   std::shared_ptr<InstanceBudget> budget;

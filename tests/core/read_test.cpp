@@ -208,6 +208,7 @@ Ending readFrom(int source, const std::string& bytes) {
   const tessel::SoRef<SoNode> root(source == 3 ? VrmlDB::read(bytes, "memory", ending.status)
                                                : VrmlDB::read(&in, ending.status));
   if (open) std::fclose(open);
+  EXPECT_EQ(VrmlDB::usingVrmlTypeIds, 0);
   if (!messages.empty())
     std::sscanf(std::strstr(messages.all().front().c_str(), "at line"), "at line %d", &ending.line);
   return ending;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Routes at work: fan-in, loops, lists, observers.
+#include <tessel/core/VrmlGroup.h>
 #include <tessel/events/VrmlFanIn.h>
 #include <tessel/events/VrmlRoute.h>
 
@@ -245,6 +246,22 @@ TEST_F(Routes, ACopiedGraphHasAFanInOfItsOwn) {
   probe(2)->out = 8;
   EXPECT_EQ(probe(1)->in.getValue(), 8);
   EXPECT_EQ(b.in.getValue(), 0);
+}
+
+TEST_F(Routes, ARouteThatIsSwitchedOffIsSoInCopies) {
+  const SoRef<VrmlGroup> group(new VrmlGroup);
+  for (RouteProbe* probe : {&a, &b}) group->addChild(probe);
+  VrmlRoute::add(&a.out, &b.in);
+  b.in.enableConnection(FALSE);
+  a.out = 5;
+  for (const bool deep : {false, true}) {
+    const SoRef<SoNode> copy(deep ? VrmlNode::deepCopy(group.get(), TRUE) : group->copy(TRUE));
+    const auto* copied = static_cast<VrmlGroup*>(copy.get());
+    auto& in = static_cast<RouteProbe*>(copied->getChild(1))->in;
+    EXPECT_EQ(in.getValue(), 0);
+    in.enableConnection(TRUE);
+    EXPECT_EQ(in.getValue(), 5);
+  }
 }
 
 }  // namespace

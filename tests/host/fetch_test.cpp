@@ -170,6 +170,16 @@ TEST(LocalFiles, EndAtTheLimitsOfAWorld) {
   EXPECT_THAT(chain.err, HasSubstr("chain32.wrl: error: can't get file://"));
   EXPECT_THAT(chain.err, HasSubstr("chain33.wrl: more than 32 files that lead to one another"));
 
+  for (int i = 0; i < 5; ++i) {
+    std::string nested =
+        i < 4 ? inlined("deep" + std::to_string(i + 1) + ".wrl") : shiningBox("0 0 0", "2 2 2", "1 0 0");
+    for (int level = 0; level < 1500; ++level) nested = "Group { children " + nested + "}";
+    makeFile("deep" + std::to_string(i) + ".wrl", world(nested));
+  }
+  const Outcome deep = runTessel({"check", "--follow", "deep0.wrl"});
+  EXPECT_EQ(deep.status, 1);
+  EXPECT_THAT(deep.err, HasSubstr("deep2.wrl:2: error: Nodes are nested more than 4000 levels deep"));
+
   std::string ten;
   for (int i = 0; i < 20; ++i) {
     for (int n = 0; n < 10; ++n) ten += inlined("bomb" + std::to_string(i + 1) + ".wrl");

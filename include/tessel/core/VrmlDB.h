@@ -29,6 +29,10 @@ struct ReadOptions {
   bool checkScripts = false;
   int firstLine = 1;      ///< what messages call the first line of the text
   int maxNesting = 4000;  ///< levels of nodes inside nodes; deeper is an error
+  /// How many of those levels are above the text in the world that it is read for.
+  int levelsAbove = 0;
+  /// If given, takes how many levels there are in all, at most: those above, and in the text, also of its prototypes.
+  int* levels = nullptr;
   /// Nodes that a traversal may meet, each USE counted with all below it; more is an error.
   std::uint64_t maxExpanded = 100'000'000;
   /// Nodes that instances of prototypes make; an instance beyond stays empty, with a warning.
