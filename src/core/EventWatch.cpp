@@ -3,29 +3,16 @@
 
 #include <algorithm>
 
-#include <Inventor/fields/SoMFNode.h>
-#include <Inventor/fields/SoSFNode.h>
 #include <Inventor/misc/SoNotification.h>
 
 #include <tessel/core/VrmlNode.h>
 
+#include "core/HeldNodes.h"
 #include "core/PrototypeScope.h"
 
 namespace tessel {
 
 namespace {
-
-bool holdsNodes(const SoField& field) {
-  return field.isOfType(SoSFNode::getClassTypeId()) || field.isOfType(SoMFNode::getClassTypeId());
-}
-
-// Whether a notification that a node has handed to a field came along a connection. Otherwise the field holds
-// the node, in which something has changed.
-bool cameAlongConnection(const SoField& field, const SoBase& from) {
-  if (!from.isOfType(SoNode::getClassTypeId())) return true;  // an engine
-  SoField* master = nullptr;
-  return field.getConnectedField(master) && master->getContainer() == &from;
-}
 
 // The toolkit tells a node first and the destinations of the field then, so that events are told in the order in
 // which they are sent.
@@ -36,9 +23,7 @@ SoField* eventOf(const VrmlNode& node, const SoNotList& list) {
   if (!field || field->getContainer() != &node) return nullptr;
   // What a node does to itself while it is made or read is no event, nor what is done to the nodes of an instance.
   if (node.getRefCount() == 0 || !node.isNotifyEnabled() || PrototypeScope::openInstance) return nullptr;
-  const SoNotRec* before = record->getPrevious();
-  if (before && holdsNodes(*field) && !cameAlongConnection(*field, *before->getBase())) return nullptr;
-  return field;
+  return tellsOfHeldNode(list) ? nullptr : field;
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 
 #include <tessel/toolkit/Scoped.h>
 
+#include "core/HeldNodes.h"
 #include "core/Loops.h"
 #include "core/NodeClassImpl.h"
 #include "core/WorldReader.h"
@@ -78,33 +79,18 @@ void VrmlScript::execute() {
 
 bool VrmlScript::checkProgram() { return tessel::script::ScriptRunner(*this).parseProgram() != nullptr; }
 
-// Whether a notification came from a node that the field holds.
-static bool cameFromBelow(const SoField& field, const SoNotList& list) {
-  const SoNotRec* before = list.getLastRec()->getPrevious();
-  if (!before) return false;
-  switch (tessel::valueTypeOf(field)) {
-    case ValueType::sfNode:
-      return static_cast<const SoSFNode&>(field).getValue() == before->getBase();
-    case ValueType::mfNode: {
-      const auto& nodes = static_cast<const SoMFNode&>(field);
-      const SoNode* const* first = nodes.getValues(0);
-      return std::find(first, first + nodes.getNum(), before->getBase()) != first + nodes.getNum();
-    }
-    default:
-      return false;
-  }
-}
-
 static bool holdsNodes(const SoField& field) {
   const ValueType type = tessel::valueTypeOf(field);
   return type == ValueType::sfNode || type == ValueType::mfNode;
 }
 
 void VrmlScript::notify(SoNotList* list) {
+  // Such a node shows where it stands in the scene. What it is told from there must not be taken for heard.
+  if (tessel::tellsOfHeldNode(*list)) return;
   const SoNotRec* record = list->getLastRec();
   SoField* field = list->getLastField();
   if (isNotifyEnabled() && field && record && record->getType() == SoNotRec::CONTAINER &&
-      field->getContainer() == this && !cameFromBelow(*field, *list)) {
+      field->getContainer() == this) {
     if (holdsNodes(*field)) tessel::suspectLoop(*this);
     const auto kind = static_cast<FieldKind>(getFieldType(field));
     if (kind == FieldKind::eventIn) {

@@ -93,6 +93,30 @@ TEST(Binding, ARouteBindsAtOnce) {
   EXPECT_EQ(stage.bound<VrmlViewpoint>(), "A");
 }
 
+// Of a node that stands in the scene, and that a field holds too, the scene must hear what it says.
+TEST(Binding, NodesThatInstancesAndScriptsHoldAreHeard) {
+  const std::string kids = "[ DEF T Transform { children DEF B Viewpoint {} } ]";
+  const std::string group = "PROTO P [ field MFNode kids [] ] { Group { children IS kids } } ";
+  for (const std::string& text : std::initializer_list<std::string>{
+           group + "P { kids " + kids + " }",
+           group + "PROTO Q [ field MFNode k [] ] { P { kids IS k } } Q { k " + kids + " }",
+           "Script { field MFNode held " + kids + " } USE T",
+           "Group { children Script { field SFNode held DEF B Viewpoint {} } } DEF T Transform { children "
+           "USE B }"}) {
+    Stage stage(("DEF A Viewpoint {} " + text).c_str());
+    ASSERT_EQ(stage.world.status, ReadStatus::world) << stage.world.messages.text();
+    stage.takeCameraCalls();
+    stage.bind("B");
+    EXPECT_EQ(stage.bound<VrmlViewpoint>(), "B") << text;
+    stage.get<VrmlViewpoint>("B")->position.setValue(1, 2, 3);
+    stage.get<VrmlTransform>("T")->translation.setValue(4, 5, 6);
+    EXPECT_EQ(stage.takeCameraCalls().size(), 3U) << text;
+    stage.get<VrmlTransform>("T")->addChild(new VrmlViewpoint);
+    stage.bind("A");
+    EXPECT_EQ(stage.manager.getViewpointManager()->getNumViewpoints(), 4) << text;
+  }
+}
+
 TEST(Binding, ADeletedNodeLeavesItsStackAndSaysSo) {
   Stage stage("DEF G Group { children [ DEF A Background {} DEF B Background {} ] }");
   const SoRef<VrmlBackground> b(stage.get<VrmlBackground>("B"));
