@@ -10,12 +10,17 @@
 
 namespace tessel {
 
-/// Adds a point on a geometry, in the pick's object space, to the pick. Null if the pick does not want it
-/// or it is none.
+/// Adds a point in the pick's object space to the pick. Null if the pick does not want it, as what lies behind the
+/// eye, or it is none.
+inline SoPickedPoint* addIntersection(SoRayPickAction* action, const SbVec3f& point, bool front = true) {
+  if (!std::isfinite(point.sqrLength()) || !action->isBetweenPlanes(point)) return nullptr;
+  return action->addIntersection(point, front);
+}
+
+/// The same, with what is known of the point.
 inline SoPickedPoint* addHit(SoRayPickAction* action, const SbVec3f& point, const SbVec3f& normal,
                              const SbVec2f& texCoords) {
-  if (!std::isfinite(point.sqrLength()) || !action->isBetweenPlanes(point)) return nullptr;
-  SoPickedPoint* picked = action->addIntersection(point);
+  SoPickedPoint* picked = addIntersection(action, point);
   if (!picked) return nullptr;
   picked->setObjectNormal(normal);
   picked->setObjectTextureCoords(SbVec4f(texCoords[0], texCoords[1], 0, 1));

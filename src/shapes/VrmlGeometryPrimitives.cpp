@@ -16,6 +16,7 @@
 
 #include "actions/VrmlCallbackAction.h"
 #include "core/NodeClassImpl.h"
+#include "shapes/PickHit.h"
 #include "shapes/PrimitiveState.h"
 
 using tessel::PrimitiveState;
@@ -160,7 +161,7 @@ void VrmlGeometry::rayPickTriangle(SoRayPickAction* action, const SoPrimitiveVer
   SbVec3f hit, weight;
   SbBool front;
   if (!action->intersect(v1->getPoint(), v2->getPoint(), v3->getPoint(), hit, weight, front)) return;
-  SoPickedPoint* point = action->addIntersection(hit, front);
+  SoPickedPoint* point = tessel::addIntersection(action, hit, front);
   if (!point) return;
   SbVec3f normal = v1->getNormal() * weight[0] + v2->getNormal() * weight[1] + v3->getNormal() * weight[2];
   normal.normalize();
@@ -180,7 +181,7 @@ void VrmlGeometry::rayPickLineSegment(SoRayPickAction* action, const SoPrimitive
                                       const SoPrimitiveVertex* v2) {
   SbVec3f hit;
   if (!action->intersect(v1->getPoint(), v2->getPoint(), hit)) return;
-  SoPickedPoint* point = action->addIntersection(hit);
+  SoPickedPoint* point = tessel::addIntersection(action, hit);
   if (!point) return;
   const float length = (v2->getPoint() - v1->getPoint()).length();
   const float second = length > 0 ? (hit - v1->getPoint()).length() / length : 0;
@@ -195,7 +196,7 @@ void VrmlGeometry::rayPickLineSegment(SoRayPickAction* action, const SoPrimitive
 
 void VrmlGeometry::rayPickPoint(SoRayPickAction* action, const SoPrimitiveVertex* v) {
   if (!action->intersect(v->getPoint())) return;
-  SoPickedPoint* point = action->addIntersection(v->getPoint());
+  SoPickedPoint* point = tessel::addIntersection(action, v->getPoint());
   if (!point) return;
   point->setObjectNormal(v->getNormal());
   point->setObjectTextureCoords(v->getTextureCoords());

@@ -7,10 +7,12 @@
 #include <set>
 #include <tuple>
 
+#include <Inventor/SoPickedPoint.h>
+#include <Inventor/actions/SoRayPickAction.h>
+#include <Inventor/nodes/SoComplexity.h>
+
 #include <tessel/actions/VrmlCountAction.h>
 #include <tessel/shapes/VrmlSphere.h>
-
-#include <Inventor/nodes/SoComplexity.h>
 
 #include "shapes/Probe.h"
 #include "support/TestWorld.h"
@@ -207,6 +209,28 @@ TEST(PrimitivePick, BoxTellsTheFace) {
   EXPECT_NEAR(hits[0].texCoords[0], 0.5, 1e-5);
   EXPECT_NEAR(hits[0].texCoords[1], 0.75, 1e-5);
   EXPECT_EQ(hits[1].part, 2);
+}
+
+TEST(PrimitivePick, WhatLiesBehindTheEyeIsNotHit) {
+  for (const std::string geometry :
+       {"Box { size 20 20 20 }", "Sphere { radius 9 }", "Cylinder { radius 9 height 9 }",
+        "Extrusion { spine [ 0 2 -9, 0 2 9 ] }",
+        "IndexedFaceSet { solid FALSE coordIndex [ 0 1 2 -1 3 4 5 -1 ] "
+        "coord Coordinate { point [ -9 -9 -5, 9 -9 -5, 0 9 -5, -9 -9 9, 9 -9 9, 0 9 9 ] } }",
+        "ElevationGrid { solid FALSE xDimension 2 zDimension 3 xSpacing 1 zSpacing 9 height [ 4 4 0 0 4 4 ] "
+        "}",
+        "IndexedLineSet { coord Coordinate { point [ -1 2 -3, 1 2 -3, -1 2 9, 1 2 9 ] } coordIndex [ 0 1 -1 "
+        "2 3 ] }",
+        "PointSet { coord Coordinate { point [ .2 2 -3, .2 2 9 ] } }"}) {
+    const TestWorld world("Transform { translation 0 -2 0 children " + shape(geometry) + " }");
+    SoRayPickAction pick(SbViewportRegion(100, 100));
+    pick.setPickAll(TRUE);
+    pick.setRay({.2f, 0, 5}, {0, 0, -1}, 0, 100);
+    pick.apply(world.root());
+    ASSERT_GE(pick.getPickedPointList().getLength(), 1) << geometry;
+    for (int i = 0; i < pick.getPickedPointList().getLength(); ++i)
+      EXPECT_LT(pick.getPickedPointList()[i]->getPoint()[2], 5) << geometry;
+  }
 }
 
 TEST(PrimitivePick, CylinderThroughBothDiscsOnly) {
