@@ -42,9 +42,11 @@ public:
   SbVec3f normalAt(int i, int j) const;
   /// The given one, or from 0 to 1 across the grid.
   SbVec2f texCoordAt(int i, int j) const;
-  /// The place in the list of colors or normals for a point.
+  /// The place in the list of colors or normals for a point. Computed normals stand as the points do.
   int colorIndex(std::size_t point) const { return placeOf(point, colors.size(), colorPerPoint); }
-  int normalIndex(std::size_t point) const { return placeOf(point, normals.size(), normalPerPoint); }
+  int normalIndex(std::size_t point) const {
+    return hasNormals() ? placeOf(point, normals.size(), normalPerPoint) : static_cast<int>(point);
+  }
 
   /// Empty if there are no heights. Heights that are no numbers don't count.
   SbBox3f box() const;

@@ -146,7 +146,7 @@ SoDetail* VrmlBox::createTriangleDetail(SoRayPickAction*, const SoPrimitiveVerte
   return tessel::partDetail<SoCubeDetail>(static_cast<const SoCubeDetail*>(v1->getDetail())->getPart());
 }
 
-void VrmlBox::count(VrmlCountAction* action) { action->numTriangles += 12; }
+void VrmlBox::count(VrmlCountAction* action) { VrmlCountAction::add(action->numTriangles, 12); }
 
 void VrmlBox::computeBBox(SoAction*, SbBox3f& box, SbVec3f& center) {
   const SbVec3f half = getSize();

@@ -147,7 +147,7 @@ void VrmlCone::rayPick(SoRayPickAction* action) {
 }
 
 void VrmlCone::count(VrmlCountAction* action) {
-  action->numTriangles += (side.getValue() ? 16 : 0) + (bottom.getValue() ? 16 : 0);
+  VrmlCountAction::add(action->numTriangles, (side.getValue() ? 16 : 0) + (bottom.getValue() ? 16 : 0));
 }
 
 void VrmlCone::computeBBox(SoAction*, SbBox3f& box, SbVec3f& center) {

@@ -117,8 +117,8 @@ void VrmlCylinder::rayPick(SoRayPickAction* action) {
 }
 
 void VrmlCylinder::count(VrmlCountAction* action) {
-  action->numTriangles +=
-      (side.getValue() ? 32 : 0) + (top.getValue() ? 16 : 0) + (bottom.getValue() ? 16 : 0);
+  VrmlCountAction::add(action->numTriangles,
+                       (side.getValue() ? 32 : 0) + (top.getValue() ? 16 : 0) + (bottom.getValue() ? 16 : 0));
 }
 
 void VrmlCylinder::computeBBox(SoAction*, SbBox3f& box, SbVec3f& center) {

@@ -197,19 +197,20 @@ SoDetail* VrmlIndexedFaceSet::createTriangleDetail(SoRayPickAction*, const SoPri
 
 void VrmlIndexedFaceSet::count(VrmlCountAction* action) {
   const tessel::FaceRuns runs = tessel::countRuns(indices());
-  if (runs.faces == 0) {
-    action->numTriangles += runs.triangles + 2 * runs.quads;
-    return;
+  std::int64_t triangles = runs.triangles + 2 * runs.quads;
+  if (runs.faces > 0) {
+    triangles = 0;
+    int corners = 0;
+    const auto endFace = [&] { triangles += std::max(std::exchange(corners, 0) - 2, 0); };
+    for (const std::int32_t index : indices()) {
+      if (index == -1)
+        endFace();
+      else
+        ++corners;
+    }
+    endFace();
   }
-  int corners = 0;
-  const auto endFace = [&] { action->numTriangles += std::max(std::exchange(corners, 0) - 2, 0); };
-  for (const std::int32_t index : indices()) {
-    if (index == -1)
-      endFace();
-    else
-      ++corners;
-  }
-  endFace();
+  VrmlCountAction::add(action->numTriangles, triangles);
 }
 
 // Only positions matter here, and triangles go straight on.

@@ -386,7 +386,7 @@ void VrmlIndexedLineSet::collisionDetect(VrmlCollideAction*) {}
 
 void VrmlIndexedLineSet::count(VrmlCountAction* action) {
   countPolylinesAndSegments();
-  action->numLineSegments += std::max(numSegments, 0);
+  VrmlCountAction::add(action->numLineSegments, std::max(numSegments, 0));
 }
 
 template class tessel::NodeClass<VrmlIndexedLineSet, VrmlIndexedShape>;

@@ -174,7 +174,8 @@ void VrmlPointSet::computeBBox(SoAction* action, SbBox3f& box, SbVec3f& center) 
 void VrmlPointSet::collisionDetect(VrmlCollideAction*) {}
 
 void VrmlPointSet::count(VrmlCountAction* action) {
-  if (auto* points = tessel::realNode<VrmlCoordinate>(coord)) action->numPoints += points->point.getNum();
+  if (auto* points = tessel::realNode<VrmlCoordinate>(coord))
+    VrmlCountAction::add(action->numPoints, points->point.getNum());
 }
 
 template class tessel::NodeClass<VrmlPointSet, VrmlVertexShape>;

@@ -156,7 +156,7 @@ void VrmlSphere::collisionDetect(VrmlCollideAction* action) {
   if (action->isCollisionTestOn()) action->collideSphere(getSize());
 }
 
-void VrmlSphere::count(VrmlCountAction* action) { action->numTriangles += 200; }
+void VrmlSphere::count(VrmlCountAction* action) { VrmlCountAction::add(action->numTriangles, 200); }
 
 void VrmlSphere::computeBBox(SoAction*, SbBox3f& box, SbVec3f& center) {
   box = boxOf(getSize());

@@ -185,7 +185,9 @@ void VrmlText::computeBBox(SoAction* action, SbBox3f& box, SbVec3f& center) {
   box.extendBy(SbVec3f(high[0], high[1], 0));
 }
 
-void VrmlText::count(VrmlCountAction* action) { action->numTriangles += drawing->layout.outlinePoints(); }
+void VrmlText::count(VrmlCountAction* action) {
+  VrmlCountAction::add(action->numTriangles, drawing->layout.outlinePoints());
+}
 
 // Rendering
 

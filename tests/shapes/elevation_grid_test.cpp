@@ -135,7 +135,11 @@ TEST(ElevationGrid, IsPickedByQuad) {
     EXPECT_EQ(face.getPartIndex(), 3);
     ASSERT_EQ(face.getNumPoints(), 4);
     const int corners[] = {67, 87, 88, 68};
-    for (int i = 0; i < 4; ++i) EXPECT_EQ(face.getPoint(i)->getCoordinateIndex(), corners[i]);
+    for (int i = 0; i < 4; ++i) {
+      EXPECT_EQ(face.getPoint(i)->getCoordinateIndex(), corners[i]);
+      EXPECT_EQ(face.getPoint(i)->getNormalIndex(), corners[i]);
+      EXPECT_EQ(face.getPoint(i)->getMaterialIndex(), 0);
+    }
   }
   EXPECT_EQ(hitsOf(world.root(), {-5, 3.3f, 4.4f}, {1, 0, 0}).size(), 1U);
   EXPECT_EQ(hitsOf(world.root(), {3.5f, 3.5f, -9}, {0, 0, 1}).size(), 0U);
