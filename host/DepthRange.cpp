@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace tessel::host {
 namespace {
@@ -25,15 +26,17 @@ void divide(const DepthRange& range, std::vector<DepthRange>& slices) {
 
 std::vector<DepthRange> depthSlices(const DepthNeeds& needs) {
   if (needs.world.isEmpty()) return {{0.1f, 1000.0f}};
-  const float front = -needs.world.getMax()[2], back = -needs.world.getMin()[2];
+  const SbVec3f size = needs.world.getSize();
+  const float extent = std::max({size[0], size[1], size[2]});
+  // A box of things small and near and of things large and far has lost what is small beside it.
+  const float lost = 8 * std::numeric_limits<float>::epsilon() * extent;
+  const float front = -needs.world.getMax()[2] - lost, back = -needs.world.getMin()[2];
 
   float farthest = back * (1 + margin);
   if (needs.visibilityLimit > 0) farthest = std::min(farthest, needs.visibilityLimit);
   // All of the world lies behind the eye, or is no larger than a point: any sound volume will do.
   if (!(farthest > 0) || !std::isfinite(farthest)) return {{0.1f, 1000.0f}};
 
-  const SbVec3f size = needs.world.getSize();
-  const float extent = std::max({size[0], size[1], size[2]});
   // How near anything can stand: the avatar keeps its distance, except in a world that is small beside it.
   float nearest = std::min(needs.avatarRadius > 0 ? needs.avatarRadius / 2 : farthest, extent * detail);
   if (!(nearest > 0)) nearest = farthest * detail;

@@ -52,6 +52,11 @@ TEST(DepthRange, ComesAsCloseToAMoleculeAsItsOwnSizeAsks) {
   EXPECT_GE(slices.front().farthest, 1e-10f);
 }
 
+// Boxes of such worlds are found by the toolkit, which moves them by their centers.
+TEST(DepthRange, KeepsWhatRoundingHasTakenFromTheBox) {
+  EXPECT_LE(depthSlices({box(5e5f, -3e6f, -3)}).back().nearest, 2.8f);
+}
+
 TEST(DepthRange, DividesOnlyWhatOneDepthBufferCannotBear) {
   EXPECT_EQ(depthSlices({box(10, -10, 10)}).size(), 1u);
   EXPECT_EQ(depthSlices({box(1e4f, -1e4f, 1e4f)}).size(), 1u);
