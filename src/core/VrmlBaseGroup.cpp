@@ -35,6 +35,18 @@ struct HandledMark : SoHandleEventAction {
   }
 };
 
+const VrmlNode* asVrmlNode(const SoNode& node) {
+  return node.isOfType(VrmlNode::getClassTypeId()) ? static_cast<const VrmlNode*>(&node) : nullptr;
+}
+bool isSensor(const SoNode& child) {
+  const VrmlNode* node = asVrmlNode(child);
+  return node && node->isGeometricSensor();
+}
+bool actsOnSiblings(const SoNode& child) {
+  const VrmlNode* node = asVrmlNode(child);
+  return node && !node->isGeometricSensor() && node->shouldRenderBeforeOtherChildren();
+}
+
 }  // namespace
 
 // The two orders, as indices of the child list. They are found when somebody asks after a change.
@@ -172,13 +184,9 @@ const VrmlBaseGroup::Orders& VrmlBaseGroup::orders() const {
   auto found = std::make_unique<Orders>();
   std::vector<int> others, sensors;
   for (int i = 0; i < childList->getLength(); ++i) {
-    const SoNode* child = (*childList)[i];
-    const bool isSensor = child->isOfType(VrmlNode::getClassTypeId()) &&
-                          static_cast<const VrmlNode*>(child)->isGeometricSensor();
-    const bool actsOnSiblings = !isSensor && child->isOfType(VrmlNode::getClassTypeId()) &&
-                                static_cast<const VrmlNode*>(child)->shouldRenderBeforeOtherChildren();
-    (actsOnSiblings ? found->render : others).push_back(i);
-    (isSensor ? sensors : found->event).push_back(i);
+    const SoNode& child = *(*childList)[i];
+    (actsOnSiblings(child) ? found->render : others).push_back(i);
+    (isSensor(child) ? sensors : found->event).push_back(i);
   }
   found->numRenderFirst = found->render.size();
   found->render.insert(found->render.end(), others.begin(), others.end());
@@ -186,6 +194,13 @@ const VrmlBaseGroup::Orders& VrmlBaseGroup::orders() const {
   found->event.insert(found->event.end(), sensors.begin(), sensors.end());
   computedOrders = std::move(found);
   return *computedOrders;
+}
+
+// Whether a child has come to act on its siblings since the orders were found: an instance whose body has come.
+bool VrmlBaseGroup::isMisplaced(const SoBase* child) const {
+  if (!actsOnSiblings(*static_cast<const SoNode*>(child))) return false;
+  const std::span<const int> first = getRenderOrder(true);
+  return std::ranges::none_of(first, [&](int i) { return (*childList)[i] == child; });
 }
 
 const std::vector<int>& VrmlBaseGroup::getRenderOrder() const { return orders().render; }
@@ -501,6 +516,8 @@ void VrmlBaseGroup::notify(SoNotList* list) {
     if (structural && record->getType() == SoNotRec::CONTAINER) {
       recalcTraverseOrder();
       if (!grabs.empty() && isNotifyEnabled()) dropLostGrabs();
+    } else if (structural && computedOrders && isMisplaced(record->getBase())) {
+      recalcTraverseOrder();
     }
   }
   VrmlNode::notify(list);

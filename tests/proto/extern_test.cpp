@@ -120,6 +120,17 @@ TEST_F(ExternTest, OneAnswerCompletesAllInstances) {
   EXPECT_TRUE(world.messages.empty()) << world.messages.text();
 }
 
+TEST_F(ExternTest, ALightThatComesLateIsDrawnAheadOfItsSiblings) {
+  files["http://here/lamp.wrl"] = "PROTO Lamp [ ] { DirectionalLight { } }";
+  const TestWorld world(
+      "EXTERNPROTO Lamp [ ] \"lamp.wrl\" PROTO Bracket [ ] { Lamp { } } "
+      "DEF G Group { children [ Shape { } Lamp { } Shape { } Bracket { } ] }");
+  const auto* group = world.get<VrmlGroup>("G");
+  EXPECT_EQ(group->getRenderOrder(), (std::vector<int>{0, 1, 2, 3}));
+  answerAll();
+  EXPECT_EQ(group->getRenderOrder(), (std::vector<int>{1, 3, 0, 2}));
+}
+
 // What was sent to an instance counts even if nobody has read it before the definition came; a mere route does not.
 TEST_F(ExternTest, WhatWasSentBeforeTheAnswerIsThereAfterIt) {
   const TestWorld world(R"(

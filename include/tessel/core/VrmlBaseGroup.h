@@ -103,6 +103,7 @@ protected:
 private:
   struct Orders;
   const Orders& orders() const;
+  bool isMisplaced(const SoBase* child) const;
   template <class Change> void changeChildren(Change change);
   void sinkTo(int newLevel);
   void dispatchToChildren(SoHandleEventAction* action);
