@@ -344,6 +344,9 @@ TEST(Billboard, TurnsToTheViewer) {
   const Turned turned = turnedFor(static_cast<VrmlNode*>(facing.root()), toViewer);
   toViewer.normalize();
   expectNear(turned.z, toViewer, 1e-3F);
+  SbVec3f up = SbVec3f(0, 1, 0) - toViewer * toViewer[1];
+  up.normalize();
+  expectNear(turned.y, up, 1e-3F);
 
   const TestWorld fixed("Billboard { axisOfRotation 0 0 1 children WorldInfo { } }");
   expectNear(turnedFor(static_cast<VrmlNode*>(fixed.root()), SbVec3f(5, 5, 5)).y, SbVec3f(0, 1, 0));

@@ -24,7 +24,8 @@ public:
 
   static void initClass();
 
-  /// How many display lists a group may keep, 2; groups made from now on take a new number.
+  /// How many display lists a group may keep, 2; groups that are drawn or measured for the first time from now on take
+  /// a new number.
   static void setNumRenderCaches(int number);
   static int getNumRenderCaches();
   /// While 0 the events `addChildren` and `removeChildren` are swallowed; 1 at the start.

@@ -26,7 +26,7 @@ public:
 
   /// Multiplies the node's matrix into the model matrix of the action's state.
   void doTransform(SoAction* action);
-  /// All fields to their defaults, then at `from`, with 0 0 -1 turned into the direction of `to`.
+  /// All fields to their defaults, `children` too, then at `from`, with 0 0 -1 turned into the direction of `to`.
   void pointAt(const SbVec3f& from, const SbVec3f& to);
   /// Matrix of the scale stage and its inverse.
   void getScaleSpaceMatrix(SbMatrix& mat, SbMatrix& inv) const;
