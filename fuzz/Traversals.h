@@ -40,10 +40,24 @@ inline void start() {
   setScriptStepLimit(2000);
 }
 
-inline void ignoreTriangle(void*, SoCallbackAction*, const SoPrimitiveVertex*, const SoPrimitiveVertex*,
-                           const SoPrimitiveVertex*) {}
-inline void ignoreSegment(void*, SoCallbackAction*, const SoPrimitiveVertex*, const SoPrimitiveVertex*) {}
-inline void ignorePoint(void*, SoCallbackAction*, const SoPrimitiveVertex*) {}
+/// Asks for what a host would ask of a vertex.
+inline void look(SoCallbackAction& action, const SoPrimitiveVertex& vertex) {
+  SbColor ambient, diffuse, specular, emission;
+  float shininess = 0, transparency = 0;
+  action.getMaterial(ambient, diffuse, specular, emission, shininess, transparency,
+                     vertex.getMaterialIndex());
+}
+inline void lookAtTriangle(void*, SoCallbackAction* action, const SoPrimitiveVertex* a,
+                           const SoPrimitiveVertex* b, const SoPrimitiveVertex* c) {
+  for (const SoPrimitiveVertex* vertex : {a, b, c}) look(*action, *vertex);
+}
+inline void lookAtSegment(void*, SoCallbackAction* action, const SoPrimitiveVertex* a,
+                          const SoPrimitiveVertex* b) {
+  for (const SoPrimitiveVertex* vertex : {a, b}) look(*action, *vertex);
+}
+inline void lookAtPoint(void*, SoCallbackAction* action, const SoPrimitiveVertex* vertex) {
+  look(*action, *vertex);
+}
 
 /// Sends a world through every traversal that needs no GL.
 inline void traverse(SoNode* root) {
@@ -58,9 +72,9 @@ inline void traverse(SoNode* root) {
   count.apply(root);
 
   SoCallbackAction callback(region);
-  callback.addTriangleCallback(SoNode::getClassTypeId(), ignoreTriangle, nullptr);
-  callback.addLineSegmentCallback(SoNode::getClassTypeId(), ignoreSegment, nullptr);
-  callback.addPointCallback(SoNode::getClassTypeId(), ignorePoint, nullptr);
+  callback.addTriangleCallback(SoNode::getClassTypeId(), lookAtTriangle, nullptr);
+  callback.addLineSegmentCallback(SoNode::getClassTypeId(), lookAtSegment, nullptr);
+  callback.addPointCallback(SoNode::getClassTypeId(), lookAtPoint, nullptr);
   callback.apply(root);
 
   SoRayPickAction pick(region);
