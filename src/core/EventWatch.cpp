@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include <Inventor/fields/SoMFNode.h>
+#include <Inventor/fields/SoSFNode.h>
 #include <Inventor/misc/SoNotification.h>
 
 #include <tessel/core/VrmlNode.h>
@@ -14,6 +16,10 @@ namespace tessel {
 
 namespace {
 
+bool holdsNodes(const SoField& field) {
+  return field.isOfType(SoSFNode::getClassTypeId()) || field.isOfType(SoMFNode::getClassTypeId());
+}
+
 // The toolkit tells a node first and the destinations of the field then, so that events are told in the order in
 // which they are sent.
 SoField* eventOf(const VrmlNode& node, const SoNotList& list) {
@@ -23,7 +29,7 @@ SoField* eventOf(const VrmlNode& node, const SoNotList& list) {
   if (!field || field->getContainer() != &node) return nullptr;
   // What a node does to itself while it is made or read is no event, nor what is done to the nodes of an instance.
   if (node.getRefCount() == 0 || !node.isNotifyEnabled() || PrototypeScope::openInstance) return nullptr;
-  return tellsOfHeldNode(list) ? nullptr : field;
+  return holdsNodes(*field) && isFromHeldNode(*field, record->getPrevious()) ? nullptr : field;
 }
 
 }  // namespace

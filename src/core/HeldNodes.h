@@ -1,26 +1,21 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
-#include <Inventor/fields/SoMFNode.h>
-#include <Inventor/fields/SoSFNode.h>
-#include <Inventor/misc/SoNotification.h>
-#include <Inventor/nodes/SoNode.h>
+#include <Inventor/fields/SoField.h>
+
+class SoNotList;
+class SoNotRec;
 
 namespace tessel {
 
-/// Whether a notification that a field has handed to its node tells of a change inside a node that the field holds,
-/// and not of another value.
-inline bool tellsOfHeldNode(const SoNotList& list) {
-  const SoNotRec* record = list.getLastRec();
-  const SoField* field = list.getLastField();
-  if (!record || record->getType() != SoNotRec::CONTAINER || !record->getPrevious()) return false;
-  if (!field || field->getContainer() != record->getBase()) return false;
-  if (!field->isOfType(SoSFNode::getClassTypeId()) && !field->isOfType(SoMFNode::getClassTypeId()))
-    return false;
-  const SoBase* from = record->getPrevious()->getBase();
-  if (!from->isOfType(SoNode::getClassTypeId())) return false;  // an engine
-  SoField* master = nullptr;
-  return !field->getConnectedField(master) || master->getContainer() != from;
-}
+/// Whether a field that may hold nodes was notified by one of them, in which something has changed, and got no value
+/// of its own.
+/// @param before  the record before that of the field; null if the notification began with the field
+bool isFromHeldNode(const SoField& field, const SoNotRec* before);
+
+/// Whether such a notification ends at the field, since its node does not heed it. Where nodes stand in the scene too
+/// it comes up from there, as what it is: it passes each node but once, and each instance that it came up to by both
+/// ways would double it.
+bool endsAtField(const SoField& field, const SoNotList& list);
 
 }  // namespace tessel

@@ -4,6 +4,7 @@
 #include <tessel/toolkit/Scoped.h>
 
 #include "core/DeepCopy.h"
+#include "core/HeldNodes.h"
 
 void VrmlMFNode::copyFrom(const SoField& source) {
   const int count = static_cast<const SoMFNode&>(source).getNum();
@@ -12,6 +13,10 @@ void VrmlMFNode::copyFrom(const SoField& source) {
     setNum(count);
   }
   SoMFNode::copyFrom(source);
+}
+
+void VrmlMFNode::notify(SoNotList* list) {
+  if (!tessel::endsAtField(*this, *list)) SoMFNode::notify(list);
 }
 
 void VrmlMFNode::fixCopy(SbBool copyConnections) { tessel::DeepCopy::fixNodes(*this, copyConnections); }

@@ -6,6 +6,7 @@
 #include <Inventor/nodes/SoNode.h>
 
 #include "core/DeepCopy.h"
+#include "core/HeldNodes.h"
 
 SoType VrmlSFNode::classTypeId;
 int VrmlSFNode::doFixCopy = 0;
@@ -39,6 +40,10 @@ SbBool VrmlSFNode::isSame(const SoField& other) const {
 SoNode* VrmlSFNode::getRealValue() const {
   SoNode* node = getValue();
   return node && actualNodeOf ? actualNodeOf(node) : node;
+}
+
+void VrmlSFNode::notify(SoNotList* list) {
+  if (!tessel::endsAtField(*this, *list)) SoSFNode::notify(list);
 }
 
 void VrmlSFNode::fixCopy(SbBool copyConnections) {

@@ -16,7 +16,6 @@
 
 #include "core/DeepCopy.h"
 #include "core/EventWatch.h"
-#include "core/HeldNodes.h"
 #include "core/NodeClassImpl.h"
 #include "core/WorldReader.h"
 #include "proto/BodyMap.h"
@@ -421,12 +420,6 @@ void VrmlProtoUse::pushField(int index) {
     }
     return true;
   });
-}
-
-// A node that a field holds stands in the body too, or shows nowhere. From there its change goes up as what it is: a
-// notification passes the nodes above but once, and one from here would not tell what has changed.
-void VrmlProtoUse::notify(SoNotList* list) {
-  if (!tessel::tellsOfHeldNode(*list)) NodeClass::notify(list);
 }
 
 void VrmlProtoUse::notifyContainerOnly(const SoField* field) {

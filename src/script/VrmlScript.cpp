@@ -8,7 +8,6 @@
 
 #include <tessel/toolkit/Scoped.h>
 
-#include "core/HeldNodes.h"
 #include "core/Loops.h"
 #include "core/NodeClassImpl.h"
 #include "core/WorldReader.h"
@@ -85,8 +84,6 @@ static bool holdsNodes(const SoField& field) {
 }
 
 void VrmlScript::notify(SoNotList* list) {
-  // Such a node shows where it stands in the scene. What it is told from there must not be taken for heard.
-  if (tessel::tellsOfHeldNode(*list)) return;
   const SoNotRec* record = list->getLastRec();
   SoField* field = list->getLastField();
   if (isNotifyEnabled() && field && record && record->getType() == SoNotRec::CONTAINER &&

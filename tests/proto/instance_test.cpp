@@ -12,6 +12,7 @@
 #include <Inventor/engines/SoComposeVec3f.h>
 #include <Inventor/fields/SoFields.h>
 #include <Inventor/nodes/SoCube.h>
+#include <Inventor/sensors/SoNodeSensor.h>
 
 #include <tessel/core/VrmlGroup.h>
 #include <tessel/core/VrmlTransform.h>
@@ -97,6 +98,25 @@ TEST(ProtoUse, TellsWhatTheBodyChangedBeforeAnybodyAsked) {
   EXPECT_EQ(static_cast<VrmlTransform*>(instance->getActualNode())->translation.getValue(), SbVec3f(4, 5, 6));
   static_cast<VrmlTransform*>(instance->getActualNode())->translation.setValue(0, 1, 0);
   EXPECT_EQ(vecOf(instance, "a"), SbVec3f(0, 1, 0));
+}
+
+// A humanoid is joints within joints. If each told twice of what happens below it, this would never end.
+TEST(ProtoUse, AChangeBelowManyInstancesIsToldOnceByEach) {
+  constexpr int depth = 40;
+  std::string text = "PROTO Joint [ exposedField MFNode children [ ] ] { Group { children IS children } } ";
+  for (int i = 0; i < depth; ++i) text += "DEF J" + std::to_string(i) + " Joint { children ";
+  text += "DEF T Transform { }" + std::string(depth, '}');
+  const TestWorld world(text);
+  for (int i = 0; i < depth; ++i)
+    EXPECT_TRUE(use(world, ("J" + std::to_string(i)).c_str())->getField("children"));
+  int heard = 0;
+  SoNodeSensor sensor([](void* count, SoSensor*) { ++*static_cast<int*>(count); }, &heard);
+  sensor.setPriority(0);
+  sensor.attach(world.root());
+  world.get<VrmlTransform>("T")->translation.setValue(1, 2, 3);
+  EXPECT_EQ(heard, 1);
+  world.get<VrmlTransform>("T")->addChild(new VrmlGroup);
+  EXPECT_EQ(heard, 2);
 }
 
 TEST(ProtoUse, LinksInsideAreNoRoutes) {

@@ -15,6 +15,7 @@ public:
     return *this;
   }
   void copyFrom(const SoField& source) override;
+  void notify(SoNotList* list) override;
   /// Puts copies in the place of nodes that are copied too.
   void fixCopy(SbBool copyConnections) override;
 };

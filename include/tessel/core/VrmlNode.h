@@ -97,6 +97,9 @@ public:
   /// Whether nodes in the node's fields do not hang from it in a traversal, so that they may be nodes above
   /// it (a Script).
   virtual bool holdsNodesWeakly() const;
+  /// Whether a change inside a node that a field of this one holds is a change of this one. It is not where the node
+  /// stands in the scene as well, or shows nowhere: in a prototype instance, whose body has it, and in a Script.
+  virtual bool heedsHeldNodes() const { return true; }
   /// Called when nobody will hold the node any more but a loop that it closes, while all in the loop is still whole.
   virtual void leaveLoop() {}
 

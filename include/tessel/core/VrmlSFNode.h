@@ -21,6 +21,7 @@ public:
   }
   /// The value, or for a prototype instance the node that does its work; null if there is none.
   SoNode* getRealValue() const;
+  void notify(SoNotList* list) override;
   void fixCopy(SbBool copyConnections) override;
   /// Whether fixCopy replaces values by their copies, on during a deep copy only; gives the old setting.
   static int setFixCopy(int on);

@@ -65,7 +65,7 @@ public:
   int shouldRenderBeforeOtherChildren() const override;
   int isSpatial() const override;
   bool holdsNodesWeakly() const override;
-  void notify(SoNotList* list) override;
+  bool heedsHeldNodes() const override { return false; }
   void notifyContainerOnly(const SoField* field) override;
   bool readBody(tessel::WorldReader& reader) override;
 

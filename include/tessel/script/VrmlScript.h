@@ -67,6 +67,7 @@ public:
   int isSpatial() const override { return 0; }
   /// A script may know nodes above it.
   bool holdsNodesWeakly() const override { return true; }
+  bool heedsHeldNodes() const override { return false; }
   /// Calls the program's `shutdown`. The program is gone then.
   void leaveLoop() override;
   /// Reads declarations too.
