@@ -7,8 +7,9 @@
 
 #include "commands/Command.h"
 
-int main(int argc, char** argv) {
-  using namespace tessel::host;
+using namespace tessel::host;
+
+static ExitStatus execute(int argc, char** argv) {
   CLI::App program("Reads, runs and shows VRML 2.0 worlds.", "tessel");
   program.set_version_flag("--version", std::string("tessel ") + tessel::version());
   program.require_subcommand(1);
@@ -26,9 +27,17 @@ int main(int argc, char** argv) {
       if (command->chosen()) status = command->run();
   } catch (const CLI::ParseError& error) {
     status = program.exit(error) == 0 ? ExitStatus::done : ExitStatus::wrongUsage;
+  }
+  return status;
+}
+
+int main(int argc, char** argv) {
+  try {
+    return static_cast<int>(execute(argc, argv));
   } catch (const std::exception& error) {  // out of memory, above all
     std::fprintf(stderr, "tessel: %s\n", error.what());
-    status = ExitStatus::surroundings;
+  } catch (...) {
+    std::fputs("tessel: an unknown exception\n", stderr);
   }
-  return static_cast<int>(status);
+  return static_cast<int>(ExitStatus::surroundings);
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <algorithm>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -34,8 +35,8 @@ inline double countOccurrences(SoNode* root, double times, Occurrences& inlines)
   }
   met[root] = times;
   double all = 0;
-  for (auto at = order.rbegin(); at != order.rend(); ++at) {
-    SoNode* const node = *at;
+  std::ranges::reverse(order);
+  for (SoNode* const node : order) {
     const double count = met[node];
     all += count;
     if (node->isOfType(VrmlInline::getClassTypeId())) inlines[node] = count;

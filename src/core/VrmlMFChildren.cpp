@@ -50,6 +50,8 @@ SbBool VrmlMFChildren::isSame(const SoField& other) const {
   return other.getTypeId() == getTypeId() && *this == static_cast<const VrmlMFChildren&>(other);
 }
 
+// A list that takes over itself stays as it is.
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment)
 const VrmlMFChildren& VrmlMFChildren::operator=(const VrmlMFChildren& source) {
   copyFrom(source);
   return *this;

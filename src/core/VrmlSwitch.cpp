@@ -69,7 +69,7 @@ void VrmlSwitch::search(SoSearchAction* action) {
     VrmlBaseGroup::search(action);
     return;
   }
-  SoNode::search(action);
+  SoNode::search(action);  // NOLINT(bugprone-parent-virtual-call): the group would search all children
   if (!action->isFound()) doAction(action);
 }
 
