@@ -166,6 +166,7 @@ bool VrmlElevationGrid::prepare(SoGLRenderAction* action) {
   if (isLarge && !surface.hasNormals())
     format.normalForm = std::min(tessel::MeshBuffers::smallestNormals(state), Form::shorts);
   std::vector<std::uint32_t> indices;
+  if (!d.madeFor.serve(needs)) d.buffers.invalidate();  // also in other contexts
   d.buffers.fill(state, surface.content(format, needs.alpha, indices), isLarge);
   d.madeFor = needs;
   d.status = GridDrawing::Status::ready;

@@ -191,6 +191,7 @@ bool VrmlIndexedFaceSet::prepare(SoGLRenderAction* action) {
                          (!generate || source.normal.by != By::corner || workshop->normals.hasSameCorners());
   if (!sameFaces || !workshop->mesh.refresh(source))
     workshop->mesh.build(source, flat ? FaceMesh::Layout::flat : FaceMesh::Layout::smooth);
+  if (!d.madeFor.serve(needs)) d.buffers.invalidate();  // also in other contexts
   d.buffers.fill(state, workshop->mesh.content(), isLarge(*this));
   d.isFlat = flat;
   d.facesChanged = false;

@@ -7,9 +7,11 @@
 #include <Inventor/SoPickedPoint.h>
 #include <Inventor/actions/SoRayPickAction.h>
 #include <Inventor/details/SoFaceDetail.h>
+#include <Inventor/elements/SoGLCacheContextElement.h>
 
 #include <tessel/actions/VrmlCountAction.h>
 #include <tessel/shapes/VrmlElevationGrid.h>
+#include <tessel/shapes/VrmlMaterial.h>
 
 #include "shapes/Probe.h"
 #include "support/TestWorld.h"
@@ -195,6 +197,39 @@ TEST(ElevationGridGL, ColorsAndTheWrongNumberOfHeights) {
   EXPECT_EQ(world.messages.count(message), 1) << world.messages.text();
   EXPECT_EQ(world.messages.count("need 6, have 5"), 1);
   EXPECT_TRUE(world.triangles().empty());
+}
+
+// A material does not tell the geometry beside it that it has changed.
+TEST(ElevationGridGL, ItsColorsTakeANewTransparencyInAllContexts) {
+  for (const std::string& geometry : {"ElevationGrid { " + slope(40) + " color Color { color 1 0 0 } }",
+                                      std::string("IndexedFaceSet { coord Coordinate { point [ 0 0 0, 40 0 "
+                                                  "0, 0 0 40 ] } color Color { color [ 1 0 0, 1 0 0, 1 "
+                                                  "0 0 ] } coordIndex [ ") +
+                                          [] {
+                                            std::string faces = "0 2 1 -1 ";
+                                            for (int i = 0; i < 300; ++i) faces += "1 1 1 -1 ";
+                                            return faces;
+                                          }() +
+                                          "] }"}) {
+    const TestWorld world(
+        "Transform { rotation 1 0 0 1.5708 translation -1 1 -1 scale .1 .1 .1 children Shape { appearance "
+        "Appearance { "
+        "material DEF M Material { emissiveColor 1 0 0 } } geometry " +
+        geometry + " } }");
+    Drawing first(world.root());
+    first.frame();
+    const Colour solid = first.at(0, 0);
+    world.get<VrmlMaterial>("M")->transparency = 0.75f;
+    {
+      const auto context = openContext(Drawing::size, Drawing::size);
+      VrmlRenderAction action(SbViewportRegion(Drawing::size, Drawing::size));
+      action.setCacheContext(SoGLCacheContextElement::getUniqueCacheContext());
+      action.setTransparencyType(SoGLRenderAction::SORTED_OBJECT_BLEND);
+      action.apply(first.root.get());
+    }
+    first.frame();
+    EXPECT_NEAR(first.at(0, 0).r, solid.r / 4, 2) << geometry.substr(0, 9);
+  }
 }
 
 TEST(ElevationGridGL, HostileSizesAreRefusedOrEmpty) {
