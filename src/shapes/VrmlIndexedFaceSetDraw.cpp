@@ -4,6 +4,7 @@
 
 #include <tessel/shapes/VrmlIndexedFaceSet.h>
 
+#include <algorithm>
 #include <memory>
 
 #include <Inventor/actions/SoGLRenderAction.h>
@@ -84,9 +85,11 @@ tessel::FaceSource faceSource(const VrmlIndexedFaceSet& set, const Cache& cache,
   source.numFaces = runs.total();
   source.color = {valuesOf(set.colorIndex), cache.numColors, !set.colorPerVertex.getValue(),
                   cache.materialBinding != Cache::overall};
-  source.normal = {valuesOf(set.normalIndex),
-                   cache.generateNormals ? set.coordIndex.getNum() : cache.numNormals,
-                   !set.normalPerVertex.getValue(), !cache.generateNormals};
+  source.normal = {valuesOf(set.normalIndex), cache.numNormals, !set.normalPerVertex.getValue(),
+                   !cache.generateNormals};
+  if (cache.generateNormals)  // one for each corner
+    source.normal.count =
+        static_cast<int>(std::ranges::count_if(source.coordIndex, [](int i) { return i >= 0; }));
   source.texCoord = {valuesOf(set.texCoordIndex), cache.numTexCoords, false, !cache.generateTexCoords};
   source.checkNormals = needs.normals;
   source.checkTexCoords = needs.texCoords || !cache.generateTexCoords;

@@ -526,7 +526,8 @@ TEST(IndexedFaceSetGL, BuffersGoWithTheNode) {
 TEST(IndexedFaceSetGL, AFaultIsReportedOnceAndNothingDrawnUntilAChange) {
   FaceStage stage;
   TestWorld world(
-      faces("coord Coordinate { point [ -1 -1 0, 1 -1 0, 0 1 0, 0 0 0 ] } coordIndex [ 0 1 2 -1 0 1 5 -1 ]"));
+      faces("coord Coordinate { point [ -1 -1 0, 1 -1 0, 0 1 0, 0 0 0 ] } coordIndex [ 0 1 2 -1 0 1 5 -1 ]",
+            "appearance Appearance { material Material { emissiveColor 1 0 0 } } "));
   EXPECT_EQ(countLit(stage.draw(world)), 0);
   stage.redraw();
   EXPECT_EQ(world.messages.count("VrmlIndexedFaceSet(): vertex index 5 is out of range 0 - 4"), 1);
@@ -539,6 +540,9 @@ TEST(IndexedFaceSetGL, AFaultIsReportedOnceAndNothingDrawnUntilAChange) {
   set->coordIndex.set1Value(6, 2);
   EXPECT_GT(countLit(stage.redraw()), 100);
   EXPECT_EQ(world.messages.all().size(), 2u);
+  set->normalIndex.setValue(6);
+  stage.redraw();
+  EXPECT_EQ(world.messages.count("normal index 6 is out of range 0 - 6"), 1) << "one is made for each corner";
 }
 
 TEST(IndexedFaceSetGL, WhatHasNoFacesIsSilent) {
