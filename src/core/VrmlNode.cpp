@@ -2,6 +2,7 @@
 #include <tessel/core/VrmlNode.h>
 
 #include <cstdlib>
+#include <unordered_map>
 
 #include <Inventor/actions/SoRayPickAction.h>
 #include <Inventor/errors/SoDebugError.h>
@@ -63,6 +64,29 @@ const SbName& VrmlNode::getDefName() const { return def ? def->name : SbName::em
 
 void VrmlNode::setDef(tessel::DefName name) { def = std::make_unique<tessel::DefName>(std::move(name)); }
 
+// How many living nodes have got each name. It outlives all nodes, those of static objects too.
+static std::unordered_map<const char*, int>& numNamed() {
+  static auto& numbers = *new std::unordered_map<const char*, int>;
+  return numbers;
+}
+
+void VrmlNode::nameInToolkit(const SbName& name) {
+  constexpr int most = 10000;
+  forgetName();
+  int& count = numNamed()[name.getString()];
+  if (count == most) return;
+  ++count;
+  isNamed = true;
+  setName(name);
+}
+
+void VrmlNode::forgetName() {
+  if (!isNamed) return;
+  isNamed = false;
+  const auto found = numNamed().find(getName().getString());  // a host may have given another
+  if (found != numNamed().end() && --found->second == 0) numNamed().erase(found);
+}
+
 void VrmlNode::collisionDetect(VrmlCollideAction*) {}
 void VrmlNode::count(VrmlCountAction*) {}
 void VrmlNode::doPreTraverse(VrmlPreTraverseAction*) {}
@@ -101,10 +125,12 @@ void VrmlNode::discountReference() {
 
 void VrmlNode::destroy() {
   for (; discounted > 0; --discounted) ref();
-  if (getRefCount() > 0)
+  if (getRefCount() > 0) {
     tessel::releaseLater(*this);
-  else
+  } else {
+    forgetName();
     inherited::destroy();
+  }
 }
 
 bool VrmlNode::readBody(tessel::WorldReader& reader) {
@@ -168,7 +194,7 @@ void VrmlNode::copyContents(const SoFieldContainer* from, SbBool copyConnections
   const auto& original = *static_cast<const VrmlNode*>(from);
   if (tessel::DeepCopy* copying = tessel::DeepCopy::current()) {
     copying->copyFields(original, *this);
-    if (const SbName& name = original.getName(); name != SbName::empty()) setName(name);
+    if (const SbName& name = original.getName(); name != SbName::empty()) nameInToolkit(name);
     if (original.isOverride()) setOverride(TRUE);
   } else {
     for (int i = 0; SoField* field = getFieldAt(i); ++i)  // the toolkit leaves that out

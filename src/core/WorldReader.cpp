@@ -368,7 +368,7 @@ WorldReader::Reference& WorldReader::addReference(std::string_view name, VrmlNod
   if (!isGenerated(name)) {
     const std::string_view plain = withoutInstanceSuffix(name);
     const SbName& def = node->getDefName();
-    node->setName(plain == def.getString() ? def : SbName(std::string(plain).c_str()));
+    node->nameInToolkit(plain == def.getString() ? def : SbName(std::string(plain).c_str()));
   }
   return entry;
 }

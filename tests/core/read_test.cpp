@@ -5,6 +5,7 @@
 #include <fstream>
 
 #include <Inventor/SoInput.h>
+#include <Inventor/lists/SoNodeList.h>
 #include <Inventor/nodes/SoCone.h>
 #include <Inventor/nodes/SoSeparator.h>
 
@@ -117,6 +118,23 @@ TEST(Read, DefNamesLoseTheirInstanceSuffix) {
   EXPECT_EQ(root->getChild(2)->getName(), "");
   EXPECT_EQ(static_cast<VrmlGroup*>(root->getChild(3))->getChild(0), root->getChild(0));
   EXPECT_EQ(static_cast<VrmlGroup*>(root->getChild(3))->getChild(1), root->getChild(2));
+}
+
+// The toolkit looks through all nodes of a name when one of them goes.
+TEST(Read, SoManyNodesOfOneNameHaveItInTheToolkit) {
+  const std::string many = [] {
+    std::string text = "Group { children [ ";
+    for (int i = 0; i < 12000; ++i) text += "DEF Many_" + std::to_string(i) + " Group { } ";
+    return text + "] }";
+  }();
+  for (int round = 0; round < 2; ++round) {  // those of the first world make room
+    const TestWorld world(many);
+    auto* root = static_cast<VrmlGroup*>(world.root());
+    ASSERT_EQ(root->getNumChildren(), 12000);
+    EXPECT_EQ(static_cast<VrmlNode*>(root->getChild(11999))->getDefName(), "Many_11999");
+    SoNodeList named;
+    EXPECT_EQ(SoNode::getByName("Many", named), 10000);
+  }
 }
 
 TEST(Read, InstanceNumbersOfThePlainToolkitAreRead) {

@@ -57,6 +57,9 @@ public:
   /// Name, file and line of the DEF, null if the node has none.
   const tessel::DefName* getDef() const { return def.get(); }
   void setDef(tessel::DefName name);
+  /// Names the node in the toolkit, unless 10,000 nodes have got that name from here: each time that a node of a name
+  /// goes, the toolkit looks through all that have it.
+  void nameInToolkit(const SbName& name);
 
   // The node's part in the library's traversals; nothing by default.
   virtual void collisionDetect(VrmlCollideAction* action);
@@ -165,7 +168,10 @@ protected:
 private:
   static const VrmlNode* copyTarget;
 
+  void forgetName();
+
   int discounted = 0;
+  bool isNamed = false;  // by nameInToolkit
   /// The toolkit's reader never reads our nodes: gives FALSE after a report.
   SbBool readInstance(SoInput* in, unsigned short flags) override;
 
