@@ -240,7 +240,7 @@ void Compiler::discard(Expr& expr, Jumps* ifNone) {
 void Compiler::ifNone(Expr& expr, Jumps& jumps) {
   if (!mayGiveNone(expr)) return;
   const int result = resultOf(last(expr));
-  const bool jumpsItself = out.code.back().op == Op::incrementVariable && out.code.back().dst == result;
+  const bool jumpsItself = isLast(Op::incrementVariable) && out.code.back().dst == result;
   jumps.push_back(jumpsItself ? here() - 1 : emit(Op::jumpIfNone, expr.line, -1, result));
 }
 
@@ -464,7 +464,7 @@ void Compiler::arrayVar(Expr& expr) {
   const int array = read(*expr.a);
   int before = index;
   // A variable that is looked at just before costs nothing here.
-  if (out.code.back().op == Op::checkVariable && out.lines.back() == expr.line) {
+  if (isLast(Op::checkVariable) && out.lines.back() == expr.line) {
     before = out.code.back().a;
     out.code.pop_back();
     out.lines.pop_back();

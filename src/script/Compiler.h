@@ -45,6 +45,7 @@ private:
   int read(Expr& expr);
   int operand(Expr& expr);
   bool checkBefore(Expr& expr, const Expr& next);
+  bool isLast(Op op) const { return !out.code.empty() && out.code.back().op == op; }
   void checkVariable(Expr& expr);
   void ifNone(Expr& expr, Jumps& jumps);
 

@@ -179,3 +179,10 @@ function test() { n = 0; for (i = 0; n < 4; i++) { n = n + 1; if (n == 2) i = "t
 //= SFTime 1
 //! Attempt to apply increment/decrement operator to a non-numeric value
 function test() { n = 0; for (i = "text"; n < 4; i++) n = n + 1; return n; }
+//= SFFloat 7
+// the first thing that a function does
+function first(m) { m[0]; return m[0]; }
+function test() { return first(new MFFloat(7)); }
+//= SFTime 1
+function count(n) { n++; return n; }
+function test() { return count(0); }
