@@ -13,6 +13,10 @@ public:
   static void add(std::size_t bytes) { pending += bytes; }
   /// Characters or entries that are looked at one by one: each costs as much as so many bytes that are copied.
   static void addEach(std::size_t count) { add(32 * count); }
+  /// A change of a toolkit field, of which everybody hears who listens.
+  static void addChange() { add(4 * bytesForStep); }
+  /// A look for what a name means.
+  static void addLookUp() { add(2 * bytesForStep); }
   static bool isOwed() { return pending >= bytesForStep; }
   /// The steps that are owed, which are settled by this.
   static std::int64_t settle() {

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "script/NodeEvents.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -10,6 +9,7 @@
 
 #include <tessel/core/VrmlNode.h>
 #include <tessel/proto/VrmlProtoUse.h>
+#include <tessel/script/VrmlScript.h>
 
 #include "core/FieldSpec.h"
 #include "script/Effort.h"
@@ -27,7 +27,7 @@ SoField* findBehindSet(VrmlNode& node, std::string_view name) {
   return findPlain(node, name.substr(prefix.size()), true);
 }
 
-// To name the fields of an instance would connect them all with its body.
+// To hand out the fields of an instance would connect them all with its body.
 SoField* findBeforeChanged(VrmlNode& node, std::string_view name) {
   constexpr std::string_view suffix = "_changed";
   if (!name.ends_with(suffix) || name.size() == suffix.size()) return nullptr;
@@ -36,10 +36,10 @@ SoField* findBeforeChanged(VrmlNode& node, std::string_view name) {
     if (SoField* field = findPlain(node, name, false)) return field;
   SoFieldList fields;
   node.getFields(fields);
+  Effort::addEach(static_cast<std::size_t>(fields.getLength()));
   for (int i = 0; i < fields.getLength(); ++i) {
     SbName own;
-    Effort::addEach(static_cast<std::size_t>(i));  // the toolkit finds each name from the first one on
-    if (node.getFieldName(fields[i], own) && std::string_view(own.getString()).starts_with(name))
+    if (node.findFieldName(fields[i], own) && std::string_view(own.getString()).starts_with(name))
       return fields[i];
   }
   return nullptr;
@@ -48,21 +48,22 @@ SoField* findBeforeChanged(VrmlNode& node, std::string_view name) {
 }  // namespace
 
 NodeEvent findNodeEvent(VrmlNode& node, const SbName& name, bool isEventIn) {
+  Effort::addLookUp();
   SoField* field = node.getRouteEnd(name, isEventIn);
   const std::string_view text = name.getString();
   if (!field) field = isEventIn ? findBehindSet(node, text) : findBeforeChanged(node, text);
   if (!field) return {};
-  Effort::addEach(static_cast<std::size_t>(std::max(node.getFieldIndex(field), 0)));
   return {field, static_cast<FieldKind>(node.getFieldType(field))};
 }
 
-// Fields in the table of a class are the same in all its nodes.
+// Fields in the table of a class are the same in all its nodes, unless these have others of their own.
 NodeEvent NodeEventCache::find(VrmlNode& node, const SbName& name, bool isEventIn) {
   if (node.getTypeId() == type) return {spec->in(node), spec->kind};
   const NodeEvent event = findNodeEvent(node, name, isEventIn);
+  const bool hasOwn =
+      node.isOfType(VrmlProtoUse::getClassTypeId()) || node.isOfType(VrmlScript::getClassTypeId());
   SbName own;
-  if (!event.field || node.isOfType(VrmlProtoUse::getClassTypeId()) || !node.getFieldName(event.field, own))
-    return event;
+  if (!event.field || hasOwn || !node.findFieldName(event.field, own)) return event;
   const FieldSpec* found = node.findField(own.getString());
   if (found && found->in(node) == event.field) {
     type = node.getTypeId();

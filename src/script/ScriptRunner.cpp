@@ -2,6 +2,7 @@
 #include "script/ScriptRunner.h"
 
 #include <algorithm>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -14,6 +15,7 @@
 #include <tessel/toolkit/SoRef.h>
 
 #include "core/ValueType.h"
+#include "script/Declarations.h"
 #include "script/VsField.h"
 
 namespace tessel::script {
@@ -23,8 +25,9 @@ static constexpr std::size_t maxWaiting = 10000;
 
 ScriptRunner::ScriptRunner(VrmlScript& node) : node(node), executeSensor(executeSensorCB, this) {
   executeSensor.setPriority(0);
-  for (const auto& one : node.declared)
-    if (one.kind == FieldKind::eventIn) eventIns.push_back({one.name, one.field.get(), nullptr, {}});
+  for (const auto& one : *node.declared)
+    if (one.kind == FieldKind::eventIn)
+      eventIns.push_back({one.name, one.index, one.field.get(), nullptr, {}});
 }
 
 ScriptRunner::~ScriptRunner() = default;
@@ -47,9 +50,9 @@ private:
 void ScriptRunner::executeSensorCB(void* self, SoSensor*) { static_cast<ScriptRunner*>(self)->execute(); }
 
 bool ScriptRunner::take(const SoField* field) {
-  const auto found = std::find_if(eventIns.begin(), eventIns.end(),
-                                  [field](const EventIn& one) { return one.field == field; });
-  if (found == eventIns.end()) return true;
+  const auto found =
+      std::ranges::lower_bound(eventIns, node.getFieldIndex(field), std::less<>(), &EventIn::index);
+  if (found == eventIns.end() || found->field != field) return true;
   if (found->isBusy) return false;
   // A program that can't be parsed may never handle anything, nor one that is switched off.
   const bool keepsAll = !isUnusable && pending.size() - next < maxWaiting;
@@ -84,11 +87,11 @@ void ScriptRunner::fieldChanged() {
 void ScriptRunner::execute() {
   if (!VrmlScript::allEnabled) return;
   const SoRef<VrmlScript> staying(&node);
+  const Running running(*this);
   if (!tree) parseBehavior();
   isUnusable = !tree;
   if (isUnusable) return;
 
-  const Running running(*this);
   tree->preExecute();
   bool goesOn = true;
   while (next < pending.size()) {
@@ -149,7 +152,6 @@ void ScriptRunner::parseBehavior() {
   tree = parseProgram();
   if (!tree) return;
   if (Function* initialize = tree->findFunction("initialize")) {
-    const Running running(*this);
     tree->preExecute();
     tree->call(*initialize, {});
     tree->postExecute();
@@ -162,7 +164,7 @@ bool ScriptRunner::addGlobals(VsParseTree& program) {
   for (const auto& [kind, access, plural] :
        {std::tuple(FieldKind::field, AccessType::FIELD, "Fields"),
         std::tuple(FieldKind::eventOut, AccessType::EVENTOUT, "EventOuts")})
-    for (const auto& one : node.declared)
+    for (const auto& one : *node.declared)
       if (one.kind == kind && !program.addGlobalVar(one.name.getString(), *one.field, access)) {
         complainOfType(plural, *one.field, one.name.getString());
         return false;

@@ -44,6 +44,7 @@ private:
   // An eventIn: the function of its name, the value that it is called with, and whether it runs.
   struct EventIn {
     SbName name;
+    int index;  // of the field
     SoField* field;
     Function* function = nullptr;
     Value value;

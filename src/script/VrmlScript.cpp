@@ -11,6 +11,7 @@
 #include "core/Loops.h"
 #include "core/NodeClassImpl.h"
 #include "core/WorldReader.h"
+#include "script/Declarations.h"
 #include "script/ScriptRunner.h"
 
 using tessel::FieldKind;
@@ -49,7 +50,7 @@ std::span<const FieldSpec> VrmlScript::fields() {
 
 VrmlScript::VrmlScript() {
   setUpFields();
-  allFields = std::make_unique<SoFieldData>(*NodeClass::getFieldDataPtr());
+  declared = std::make_unique<tessel::script::Declarations>(*this, **NodeClass::getFieldDataPtr());
 }
 
 VrmlScript::~VrmlScript() { tessel::forgetSuspect(*this); }
@@ -101,38 +102,18 @@ void VrmlScript::notify(SoNotList* list) {
   NodeClass::notify(list);
 }
 
-const SoFieldData* VrmlScript::getFieldData() const { return allFields.get(); }
+const SoFieldData* VrmlScript::getFieldData() const { return declared->table(); }
 
 SoField* VrmlScript::addField(FieldKind kind, SoType fieldClass, const SbName& name) {
   const ValueType type =
       fieldClass == SoMFNode::getClassTypeId() ? ValueType::mfNode : tessel::valueTypeOf(fieldClass);
   const bool isKind = kind == FieldKind::field || kind == FieldKind::eventIn || kind == FieldKind::eventOut;
   if (!isKind || type == ValueType::count || getField(name) || !forgetProgram()) return nullptr;
-  return declare(kind, type, name);
-}
-
-// Under a name that the node has already a field is nobody's business but the node's.
-SoField* VrmlScript::declare(FieldKind kind, ValueType type, const SbName& name) {
-  std::unique_ptr<SoField> field(tessel::newField(type));
-  field->setContainer(this);
-  const int before = allFields->getNumFields();
-  allFields->addField(this, name.getString(), field.get());
-  const bool isNew = allFields->getNumFields() > before;  // a name that is taken is not entered
-  declared.push_back({name, isNew ? kind : FieldKind::internal, std::move(field)});
-  return declared.back().field.get();
+  return declared->add(kind, type, name).field.get();
 }
 
 bool VrmlScript::removeField(const SbName& name) {
-  const auto isIt = [&](const Declared& one) { return one.name == name && one.kind != FieldKind::internal; };
-  const auto found = std::ranges::find_if(declared, isIt);
-  if (found == declared.end() || !forgetProgram()) return false;
-  const std::unique_ptr<SoField> removed = std::move(found->field);  // goes when the table is without it
-  declared.erase(found);
-  // The toolkit's tables only grow.
-  allFields = std::make_unique<SoFieldData>(*NodeClass::getFieldDataPtr());
-  for (const Declared& one : declared)
-    if (one.kind != FieldKind::internal) allFields->addField(this, one.name.getString(), one.field.get());
-  return true;
+  return declared->named(name) && forgetProgram() && declared->remove(name);
 }
 
 // A program knows the fields that it was parsed for.
@@ -142,10 +123,27 @@ bool VrmlScript::forgetProgram() {
   return true;
 }
 
+SoField* VrmlScript::getField(const SbName& name) const {
+  if (const auto* found = declared->named(name)) return found->field.get();
+  const FieldSpec* spec = findField(name.getString());
+  return spec ? spec->in(const_cast<VrmlScript&>(*this)) : nullptr;
+}
+
 int VrmlScript::getFieldType(const SoField* field) const {
-  for (const Declared& one : declared)
-    if (one.field.get() == field) return static_cast<int>(one.kind);
-  return NodeClass::getFieldType(field);
+  const auto* found = declared->of(field);
+  return found ? static_cast<int>(found->kind) : NodeClass::getFieldType(field);
+}
+
+int VrmlScript::getFieldIndex(const SoField* field) const {
+  const auto* found = declared->of(field);
+  return found ? found->index : NodeClass::getFieldIndex(field);
+}
+
+bool VrmlScript::findFieldName(const SoField* field, SbName& name) const {
+  const auto* found = declared->of(field);
+  if (!found) return NodeClass::findFieldName(field, name);
+  if (found->index >= 0) name = found->name;
+  return found->index >= 0;
 }
 
 bool VrmlScript::readBody(tessel::WorldReader& reader) {
@@ -187,10 +185,11 @@ bool VrmlScript::readDeclaration(tessel::WorldReader& reader, const Keyword& key
   const std::string name(reader.lexer().strictName());
   if (name.empty()) return reader.error("Expected name for %s", keyword.word);
 
-  if (declared.size() == maxDeclared)
+  if (declared->size() == maxDeclared)
     return reader.error("A Script declares more than %d fields and events", static_cast<int>(maxDeclared));
-  SoField* field = declare(keyword.kind, type, name.c_str());
-  if (declared.back().kind == FieldKind::internal)
+  const auto& declaration = declared->add(keyword.kind, type, name.c_str());
+  SoField* field = declaration.field.get();
+  if (declaration.kind == FieldKind::internal)
     reader.warning("VrmlScript::readDeclaration", "\"%s\" is declared twice; the first declaration counts",
                    name.c_str());
   if (keyword.kind == FieldKind::field) return reader.readFieldValue(*field, type, name);
@@ -209,10 +208,11 @@ void VrmlScript::copyContents(const SoFieldContainer* from, SbBool copyConnectio
   const auto* original = static_cast<const VrmlScript*>(from);
   urlFile = original->urlFile;
   urlLines = original->urlLines;
-  for (const Declared& one : original->declared) declare(one.kind, tessel::valueTypeOf(*one.field), one.name);
+  for (const auto& one : *original->declared)
+    declared->add(one.kind, tessel::valueTypeOf(*one.field), one.name);
   NodeClass::copyContents(from, copyConnections);
   // What the original knows above itself its copy knows too, as a copy.
-  for (const Declared& one : declared) {
+  for (const auto& one : *declared) {
     const SoField* field = from->getField(one.name);
     if (!field || one.kind == FieldKind::internal) continue;
     if (tessel::valueTypeOf(*one.field) == ValueType::sfNode)

@@ -17,8 +17,9 @@ namespace tessel {
 enum class FieldKind : int;
 enum class ValueType : std::uint8_t;
 namespace script {
+class Declarations;
 class ScriptRunner;
-}
+}  // namespace script
 }  // namespace tessel
 
 /// Script: a node whose events and fields are declared in the file, and the program behind them.
@@ -62,7 +63,10 @@ public:
   /// The line of that file on which value `i` of `url` begins, counted from 1; 0 if it is not known.
   int getUrlLine(int i) const;
 
+  SoField* getField(const SbName& name) const override;
   int getFieldType(const SoField* field) const override;
+  int getFieldIndex(const SoField* field) const override;
+  bool findFieldName(const SoField* field, SbName& name) const override;
   void notify(SoNotList* list) override;
   int isSpatial() const override { return 0; }
   /// A script may know nodes above it.
@@ -81,22 +85,14 @@ protected:
 
 private:
   friend class tessel::script::ScriptRunner;
-  struct Declared {
-    SbName name;
-    tessel::FieldKind kind;  // internal if the name was taken
-    std::unique_ptr<SoField> field;
-  };
-
   struct Keyword;
 
   static const Keyword* keywordNamed(std::string_view word);
-  SoField* declare(tessel::FieldKind kind, tessel::ValueType type, const SbName& name);
   bool forgetProgram();
   bool readDeclaration(tessel::WorldReader& reader, const Keyword& keyword);
   bool readUrl(tessel::WorldReader& reader);
 
-  std::unique_ptr<SoFieldData> allFields;  // those of the class, then the declared ones
-  std::vector<Declared> declared;          // in file order
+  std::unique_ptr<tessel::script::Declarations> declared;
   SbName urlFile;
   std::vector<int> urlLines;                             // of the values that were read
   std::unique_ptr<tessel::script::ScriptRunner> runner;  // made for the first event
