@@ -74,7 +74,7 @@ void VrmlMFChildren::setChildren(std::span<SoNode* const> nodes) {
   VrmlBaseGroup* const group = groupOf(*this);
   // What stays at the head and at the tail of the list is not touched, so that paths through it live on.
   const auto stays = [this](int index, SoNode* node) {
-    SoNode* child = (*value)[index];
+    auto* child = static_cast<SoNode*>(static_cast<SoBase*>(value->get(index)));
     return node ? node == child : child->isOfType(VrmlNULL::getClassTypeId());
   };
   int first = 0, end = value->getLength();

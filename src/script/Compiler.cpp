@@ -2,6 +2,7 @@
 #include "script/Compiler.h"
 
 #include <algorithm>
+#include <limits>
 
 #include <tessel/toolkit/Scoped.h>
 
@@ -13,6 +14,12 @@ Expr& last(Expr& expr) {
   Expr* e = &expr;
   while (e->kind == ExprKind::comma) e = e->b;
   return *e;
+}
+
+// What a run of so many instructions counts as.
+int stepsOf(int instructions) {
+  constexpr int inStep = 16;
+  return std::min(1 + instructions / inStep, int{std::numeric_limits<std::int16_t>::max()});
 }
 
 // Nothing happens when it is evaluated.
@@ -113,6 +120,7 @@ void Compiler::compile(const std::vector<Stmt*>& list) {
     land(topLevel);
   }
   emit(Op::end, out.lines.empty() ? 0 : out.lines.back());
+  out.steps = stepsOf(here());
   out.window.assign(static_cast<std::size_t>(places), Value());
   std::fill_n(out.window.begin(), out.numVariables, Value::undefined());
   std::copy(out.constants.begin(), out.constants.end(), out.window.begin() + out.numVariables);
@@ -201,7 +209,7 @@ void Compiler::loop(const Stmt& stmt) {
   }
   land(inner.proceed);
   if (stmt.step) discard(*stmt.step, &done);
-  emit(Op::jumpBack, stmt.line, -1, -1, top);
+  emit(Op::jumpBack, stmt.line, -1, -1, top, -1, stepsOf(here() - top));
   land(isFalse, Field::b);
   land(isNoNumber, Field::c);
   land(inner.leave);

@@ -33,6 +33,7 @@ struct Function {
   int index;  ///< in its tree
   int numArgs = 0;
   int numVariables = 0;  ///< parameters and locals
+  int steps = 1;         ///< that a run counts as
   std::unordered_map<std::string, int> places;
 
   std::vector<Instruction> code;

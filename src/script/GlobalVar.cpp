@@ -9,6 +9,7 @@
 #include <tessel/script/RuntimeErrors.h>
 
 #include "core/ValueType.h"
+#include "script/Effort.h"
 #include "script/VsError.h"
 #include "script/VsField.h"
 
@@ -74,6 +75,7 @@ void readScalar(const SoField& field, Type type, Value& result) {
 }
 
 void writeScalar(SoField& field, Type type, const Value& scalar) {
+  Effort::addChange();
   switch (type) {
     case Type::sfBool:
       return static_cast<SoSFBool&>(field).setValue(scalar.getBool());

@@ -65,7 +65,7 @@ enum class Op : std::uint8_t {
   loadGlobal,     ///< dst = global a
   storeGlobal,    ///< global dst = a; b as in assign
   jump,           ///< to target `b`
-  jumpBack,       ///< the same, one more step
+  jumpBack,       ///< the same, which counts as `aux` steps
   jumpUnless,     ///< to target `b` if `a` is false, to `c` if it is no number
   jumpIfNone,     ///< to target `b` if `a` is nothing
   passArgument,   ///< new variable dst = a; to target `b` if `a` is nothing

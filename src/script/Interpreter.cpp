@@ -25,7 +25,7 @@ bool Interpreter::run(Function& called, std::span<const Value> arguments, Value*
   if (!enter(called)) return true;
   const std::size_t count = std::min(arguments.size(), static_cast<std::size_t>(called.numArgs));
   for (std::size_t i = 0; i < count; ++i) window[i].setValue(arguments[i]);
-  if (takeStep(called.code.front()) && loop()) return true;
+  if (takeSteps(called.code.front(), called.steps) && loop()) return true;
   while (tree.stack.depth() > bottom) leave();
   return false;
 }
@@ -59,12 +59,13 @@ void Interpreter::leave() {
   at = caller.next;
 }
 
-bool Interpreter::takeStep(const Instruction& instruction) {
+bool Interpreter::takeSteps(const Instruction& instruction, int count) {
+  const std::int64_t before = tree.stepsLeft;
   if (Effort::isOwed()) [[unlikely]]
     tree.stepsLeft -= Effort::settle();
-  if (--tree.stepsLeft > 0) return true;
+  if ((tree.stepsLeft -= count) > 0) return true;
   at = &instruction;
-  VsError::postStopped("Script was stopped: it takes too many steps");
+  if (before > 0) VsError::postStopped("Script was stopped: it takes too many steps");
   return false;
 }
 
@@ -173,7 +174,7 @@ bool Interpreter::loop() {
 
   // Most loops test there whether a number is below another. False if the script is stopped.
   const auto goBack = [&]() __attribute__((always_inline)) {
-    if (!takeStep(*pc)) return false;
+    if (!takeSteps(*pc, pc->aux)) return false;
     pc = code + pc->b;
     if (pc->op == Op::lessUnless) compareUnless.template operator()<Op::less>();
     return true;
@@ -330,8 +331,8 @@ bool Interpreter::loop() {
         break;
       case Op::call: {
         at = pc;
-        if (!takeStep(i)) return false;
         Function& called = tree.function(i.a);
+        if (!takeSteps(i, called.steps)) return false;
         Value* passed = base + i.b;
         const int count = i.c;
         if (!enter(called)) {

@@ -28,7 +28,7 @@ private:
   bool enter(Function& called);
   void giveBack(const Value& value);
   void leave();
-  bool takeStep(const Instruction& instruction);
+  bool takeSteps(const Instruction& instruction, int count);
 
   // The ways of an operation that is not done in the loop. They know the instruction by
   // `at`, for its line.

@@ -19,10 +19,19 @@ const SoChildList* childrenOf(const SoField& field) {
   return static_cast<const VrmlMFChildren&>(field).getValue();
 }
 
+// The group holds them until they are replaced.
+std::vector<SoNode*> childPointers(const SoField& field) {
+  std::vector<SoNode*> list(static_cast<std::size_t>(NodeList::count(field)));
+  Effort::addEach(list.size());
+  const SbPList& children = *childrenOf(field);
+  for (std::size_t i = 0; i < list.size(); ++i)
+    list[i] = static_cast<SoNode*>(static_cast<SoBase*>(children.get(static_cast<int>(i))));
+  return list;
+}
+
 std::vector<SoNode*> pointers(std::span<const SoRef<SoNode>> nodes) {
-  std::vector<SoNode*> list;
-  list.reserve(nodes.size());
-  for (const auto& node : nodes) list.push_back(node.get());
+  std::vector<SoNode*> list(nodes.size());
+  std::ranges::transform(nodes, list.begin(), &SoRef<SoNode>::get);
   return list;
 }
 
@@ -43,7 +52,7 @@ SoNode* NodeList::at(const SoField& field, int i) {
 std::vector<SoRef<SoNode>> NodeList::values(const SoField& field) {
   std::vector<SoRef<SoNode>> list;
   const int n = count(field);
-  Effort::addEach(4 * static_cast<std::size_t>(n));  // most are put into a field again
+  Effort::addEach(static_cast<std::size_t>(n));
   list.reserve(static_cast<std::size_t>(n));
   for (int i = 0; i < n; ++i) list.emplace_back(at(field, i));
   return list;
@@ -51,10 +60,10 @@ std::vector<SoRef<SoNode>> NodeList::values(const SoField& field) {
 
 void NodeList::set(SoField& field, int first, std::span<const SoRef<SoNode>> nodes) {
   if (isChildren(field)) {
-    std::vector<SoRef<SoNode>> all = values(field);
+    std::vector<SoNode*> all = childPointers(field);
     all.resize(std::max(all.size(), static_cast<std::size_t>(first) + nodes.size()));
-    std::copy(nodes.begin(), nodes.end(), all.begin() + first);
-    return static_cast<VrmlMFChildren&>(field).setChildren(pointers(all));
+    std::ranges::transform(nodes, all.begin() + first, &SoRef<SoNode>::get);
+    return static_cast<VrmlMFChildren&>(field).setChildren(all);
   }
   std::vector<SoNode*> list = pointers(nodes);
   static_cast<SoMFNode&>(field).setValues(first, static_cast<int>(list.size()),
@@ -63,9 +72,9 @@ void NodeList::set(SoField& field, int first, std::span<const SoRef<SoNode>> nod
 
 void NodeList::truncate(SoField& field, int count) {
   if (!isChildren(field)) return static_cast<SoMFNode&>(field).setNum(count);
-  std::vector<SoRef<SoNode>> all = values(field);
+  std::vector<SoNode*> all = childPointers(field);
   all.resize(static_cast<std::size_t>(count));
-  static_cast<VrmlMFChildren&>(field).setChildren(pointers(all));
+  static_cast<VrmlMFChildren&>(field).setChildren(all);
 }
 
 }  // namespace tessel::script

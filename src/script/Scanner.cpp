@@ -5,8 +5,12 @@
 #include <array>
 #include <charconv>
 #include <cstdint>
+#include <cstdlib>
 #include <iterator>
 #include <limits>
+#include <string>
+
+#include "script/CLocale.h"
 
 namespace tessel::script {
 namespace {
@@ -159,11 +163,9 @@ double integerOf(std::string_view digits, int base) {
 double decimalOf(std::string_view text) {
   double value = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  // Out of range it is next to nothing, or else has a digit before the point and no negative exponent.
-  if (error == std::errc::result_out_of_range) {
-    const std::size_t digit = text.find_first_not_of('0');
-    const bool isSmall = text[digit] == '.' || text.find('-') != text.npos;
-    value = isSmall ? 0 : std::numeric_limits<double>::infinity();
+  if (error == std::errc::result_out_of_range) {  // nothing or without end: this one says which
+    const CLocale pointsInNumbers;
+    value = std::strtod(std::string(text).c_str(), nullptr);
   }
   return value;
 }

@@ -4,9 +4,8 @@
 #include <algorithm>
 #include <cstdio>
 
-#include <tessel/toolkit/PlainReport.h>
-
 #include "script/Effort.h"
+#include "script/VsError.h"
 #include "script/VsSFString.h"
 
 namespace tessel::script {
@@ -93,7 +92,7 @@ void appendSubstitute(std::string& text, std::string_view inner, char closing, c
       return;
     case 'p':
     case 'n':
-      return postPlain("Warning: %p and %n are currently ignored in SFString constructore\n");
+      return VsError::postRunningLine("Warning: %p and %n are currently ignored in SFString constructore");
     case '%':
       if (inner.empty()) text += '%';
       return;

@@ -7,6 +7,8 @@
 
 #include <tessel/toolkit/PlainReport.h>
 
+#include "script/Effort.h"
+
 namespace tessel {
 namespace {
 
@@ -23,8 +25,10 @@ struct Sink {
 std::int64_t stepLimit = 0;
 const script::Locator* innermost = nullptr;
 
+// A report takes as long as many passes of a loop.
 void post(ScriptReportKind kind, std::string_view message, const std::string& text,
           const script::Location& where) {
+  script::Effort::add(1 << 15);
   sink.handler({kind, message, text, where.script, where.file, where.line}, sink.data);
 }
 

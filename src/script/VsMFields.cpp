@@ -50,6 +50,7 @@ template <class Traits> bool VsMField<Traits>::write(int first, std::span<const 
     if (!room.has(size)) return false;
     room.take(size);
   }
+  Effort::addChange();
   Effort::add(values.size_bytes());
   return Traits::set(live(), first, values);
 }
@@ -60,6 +61,7 @@ template <class Traits> void VsMField<Traits>::cut(int n) {
     for (int i = n; i < count(); ++i) size -= std::min(size, Traits::lengthAt(live(), i));
     room.take(size);
   }
+  Effort::addChange();
   Traits::truncate(live(), n);
 }
 

@@ -90,6 +90,7 @@ int numberOf(Property property) {
 }  // namespace
 
 void VsSFImage::give(const Shape& shape, const Bytes& bytes) {
+  Effort::addChange();
   Effort::add(3 * bytes.size());  // made, filled, copied
   const SbVec2s size(static_cast<short>(shape.numbers[0]), static_cast<short>(shape.numbers[1]));
   image().setValue(size, shape.numbers[2], bytes.empty() ? nullptr : bytes.data());
@@ -101,6 +102,8 @@ void VsSFImage::postExecute(const Value& current) {
   SbVec2s size;
   int components = 0;
   const unsigned char* bytes = from.getValue(size, components);
+  Effort::addChange();
+  Effort::add(Shape(from).bytes());
   image().setValue(size, components, bytes);
 }
 

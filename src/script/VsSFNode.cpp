@@ -115,6 +115,7 @@ void VsSFNode::constructField(Arguments arguments) {
 }
 
 void VsSFNode::postExecute(const Value& current) {
+  Effort::addChange();
   static_cast<SoSFNode*>(liveField())->setValue(nodeOf(current));
 }
 

@@ -122,6 +122,7 @@ std::string VsSFString::getStringFromScalar(const Value& scalar) {
 void VsSFString::postExecute(const Value& current) {
   const std::string_view text = viewOf(current);
   if (!room.has(text.size())) return;
+  Effort::addChange();
   static_cast<SoSFString*>(liveField())->setValue(SbString(std::string(text).c_str()));
   room.take(text.size());
 }
@@ -188,8 +189,8 @@ void VsSFString::substring(Value& result, Arguments arguments) const {
 
 // Letters of English, whatever language the host speaks.
 void VsSFString::changeCase(Value& result, char first, char last, int distance) const {
-  if (!mayHave(view().size())) return;
   std::string text(view());
+  if (!mayHave(text.size())) return;
   Effort::addEach(text.size());
   for (char& c : text)
     if (c >= first && c <= last) c = static_cast<char>(c + distance);

@@ -6,6 +6,7 @@
 
 #include <tessel/script/RuntimeErrors.h>
 
+#include "script/Effort.h"
 #include "script/FieldErrors.h"
 #include "script/VsError.h"
 #include "script/VsField.h"
@@ -45,6 +46,7 @@ public:
   const Single& get() const { return liveField() ? static_cast<Field*>(liveField())->getValue() : own; }
   void set(const Single& value) {
     if (SoField* field = liveField()) {
+      Effort::addChange();
       static_cast<Field*>(field)->setValue(value);
     } else {
       own = value;

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <tessel/script/VrmlScript.h>
-#include <tessel/toolkit/PlainReport.h>
 
 #include <string>
 #include <vector>
@@ -142,13 +141,10 @@ TEST(ScriptValues, PictureSizesChangeWithinBoundsAndBytes) {
 }
 
 TEST(ScriptValues, FormatsThatWouldWriteToMemoryOnlyWarn) {
-  std::string heard;
-  setPlainReportHandler([](std::string_view text, void* out) { *static_cast<std::string*>(out) += text; },
-                        &heard);
+  const ScriptReports reports;
   EXPECT_EQ(resultOf("function test() { return new SFString('<%n%p%n>', 1, 's'); }"), "SFString <>");
-  setPlainReportHandler(nullptr, nullptr);
   const std::string warning = "Warning: %p and %n are currently ignored in SFString constructore\n";
-  EXPECT_EQ(heard, warning + warning);
+  EXPECT_EQ(reports.heard.at(0).text + reports.heard.at(1).text, warning + warning);
 }
 
 // Each expression keeps its result. What they take together is given back with the script.
