@@ -7,6 +7,7 @@
 #include <Inventor/sensors/SoOneShotSensor.h>
 
 #include <tessel/core/VrmlSFNode.h>
+#include <tessel/toolkit/SoRef.h>
 
 #include "shapes/RealNode.h"
 
@@ -70,6 +71,11 @@ void SyncedChildren::sync() {
   stale = syncing = false;
 }
 
-void SyncedChildren::syncSensorCB(void* self, SoSensor*) { static_cast<SyncedChildren*>(self)->sync(); }
+// A node that nobody holds but its own field goes when that gives way, though not before all is in line.
+void SyncedChildren::syncSensorCB(void* self, SoSensor*) {
+  auto* synced = static_cast<SyncedChildren*>(self);
+  const SoRef<SoNode> staying(synced->owner->getRefCount() > 0 ? synced->owner : nullptr);
+  synced->sync();
+}
 
 }  // namespace tessel
