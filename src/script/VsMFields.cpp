@@ -37,7 +37,7 @@ template <class Traits> bool VsMField<Traits>::resizeOwn(std::size_t n) {
   return true;
 }
 
-// Into the field. The characters of strings count as memory that the script has taken.
+// Into the field. What it holds then counts as memory that the script has taken, of strings the characters.
 template <class Traits> bool VsMField<Traits>::write(int first, std::span<const Stored> values) {
   if constexpr (requires { Traits::lengthAt(live(), first); }) {
     std::size_t size = room.size();
@@ -47,6 +47,12 @@ template <class Traits> bool VsMField<Traits>::write(int first, std::span<const 
     }
     const int end = std::min(count(), first + static_cast<int>(values.size()));
     for (int i = first; i < end; ++i) size -= std::min(size, Traits::lengthAt(live(), i));
+    if (!room.has(size)) return false;
+    room.take(size);
+  } else {
+    const std::size_t size =
+        std::max(static_cast<std::size_t>(count()), static_cast<std::size_t>(first) + values.size()) *
+        sizeof(Stored);
     if (!room.has(size)) return false;
     room.take(size);
   }
@@ -60,6 +66,8 @@ template <class Traits> void VsMField<Traits>::cut(int n) {
     std::size_t size = room.size();
     for (int i = n; i < count(); ++i) size -= std::min(size, Traits::lengthAt(live(), i));
     room.take(size);
+  } else {
+    room.take(static_cast<std::size_t>(n) * sizeof(Stored));
   }
   Effort::addChange();
   Traits::truncate(live(), n);
@@ -79,6 +87,7 @@ template <class Traits> bool VsMField<Traits>::put(std::int32_t i, const Stored&
   }
   const int n = count();
   if (i <= n) return write(i, {&value, 1});
+  if (!room.has((place + 1) * sizeof(Stored))) return false;
   std::vector<Stored> more(place - static_cast<std::size_t>(n) + 1, Traits::neutral());
   more.back() = value;
   return write(n, more);

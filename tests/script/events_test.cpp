@@ -13,6 +13,7 @@
 
 #include <Inventor/SoDB.h>
 #include <Inventor/fields/SoMFString.h>
+#include <Inventor/fields/SoMFVec3f.h>
 #include <Inventor/fields/SoSFBool.h>
 #include <Inventor/fields/SoSFFloat.h>
 #include <Inventor/fields/SoSFInt32.h>
@@ -210,6 +211,14 @@ TEST(ScriptEvents, NamesMeanSomethingElseOnEachScript) {
   EXPECT_THAT(world.reports.messages(), IsEmpty());
 }
 
+// What nobody else holds goes as soon as it gives itself up.
+TEST(ScriptEvents, ANodeMayBeGivenItself) {
+  const ScriptWorld world(R"(DEF S Script { eventIn SFInt32 go
+    url "vrmlscript: function go() { k = new SFNode('Shape { }'); k.geometry = k; }" })");
+  world.field<SoSFInt32>("S", "go").setValue(1);
+  EXPECT_THAT(world.reports.messages(), IsEmpty());
+}
+
 TEST(ScriptEvents, NothingRunsWhileScriptsAreDisabled) {
   const ScriptWorld world(R"(DEF S Script { eventIn SFInt32 go eventOut SFInt32 sum
     url "vrmlscript: function go(v) { sum = sum + v; }" })");
@@ -377,6 +386,16 @@ TEST(ScriptLimits, LongWorkOnFieldsIsStopped) {
   setScriptStepLimit(0);
   ASSERT_EQ(world.reports.heard.size(), 4U);
   EXPECT_EQ(world.reports.heard.back().kind, ScriptReportKind::stopped);
+}
+
+TEST(ScriptLimits, ListsInFieldsTakeSoMuchMemoryTogetherAndNoMore) {
+  const ScriptWorld world(R"(DEF S Script { eventIn SFInt32 go field MFVec3f a [ ] field MFVec3f b [ ]
+    url "vrmlscript: function go() { v = new SFVec3f(1, 2, 3); a[16000000] = v; b[16000000] = v; a.length = 1; b[9] = v; }" })");
+  world.field<SoSFInt32>("S", "go").setValue(1);
+  EXPECT_EQ(world.field<SoMFVec3f>("S", "a").getNum(), 1);
+  EXPECT_EQ(world.field<SoMFVec3f>("S", "b").getNum(), 10);
+  EXPECT_THAT(world.reports.messages(),
+              ElementsAre("Attempt to take more than 268435456 bytes for values of scripts"));
 }
 
 // Each of these must end in a report, whatever it takes.
