@@ -8,6 +8,7 @@
 #include <tessel/events/VrmlRoute.h>
 #include <tessel/script/RuntimeErrors.h>
 
+#include "script/Effort.h"
 #include "script/NodeEvents.h"
 #include "script/VsError.h"
 #include "script/VsMFields.h"
@@ -64,10 +65,14 @@ void createVrmlFromString(Value& result, Arguments arguments) {
   result.object()->append(node);
 }
 
+// No field has a longer name, and the toolkit writes over other memory when it is given one of 64 KiB.
+constexpr std::size_t longestName = 2048;
+
 // The field that events are sent to, or listened to; null after a report.
 SoField* lookupEvent(const Value& holder, const Value& nameValue, bool isEventIn, Method method) {
   const std::string name(VsSFString::viewOf(nameValue));
-  VrmlNode* node = asVrmlNode(VsSFNode::nodeOf(holder));
+  Effort::addEach(name.size());
+  VrmlNode* node = name.size() <= longestName ? asVrmlNode(VsSFNode::nodeOf(holder)) : nullptr;
   const NodeEvent event = node ? findNodeEvent(*node, name.c_str(), isEventIn) : NodeEvent();
   if (!event.field) {
     VsError::postRuntimeError("%s.%s %s %s %s", RTE_BROWSER_IN_BROWSER, nameOf(method),

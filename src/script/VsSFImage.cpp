@@ -94,7 +94,7 @@ void VsSFImage::give(const Shape& shape, const Bytes& bytes) {
   Effort::add(3 * bytes.size());  // made, filled, copied
   const SbVec2s size(static_cast<short>(shape.numbers[0]), static_cast<short>(shape.numbers[1]));
   image().setValue(size, shape.numbers[2], bytes.empty() ? nullptr : bytes.data());
-  if (own) room.take(bytes.size());
+  room.take(bytes.size());
 }
 
 void VsSFImage::postExecute(const Value& current) {
@@ -102,9 +102,12 @@ void VsSFImage::postExecute(const Value& current) {
   SbVec2s size;
   int components = 0;
   const unsigned char* bytes = from.getValue(size, components);
+  const std::size_t count = Shape(from).bytes();
+  if (!room.has(count)) return;
   Effort::addChange();
-  Effort::add(Shape(from).bytes());
+  Effort::add(count);
   image().setValue(size, components, bytes);
+  room.take(count);
 }
 
 void VsSFImage::memberEvaluate(Value& result, Property property, std::string_view name) {
@@ -156,7 +159,7 @@ void VsSFImage::resize(int number, std::int32_t value) {
   const Shape before(image());
   Shape shape = before;
   shape.numbers[number] = value;
-  if (!shape.isBounded() || !hasRoomFor(shape.bytes())) return;
+  if (!shape.isBounded() || !room.has(shape.bytes())) return;
   Bytes bytes(shape.bytes());
   if (const unsigned char* old = bytesOf(image()))
     std::copy_n(old, std::min(bytes.size(), before.bytes()), bytes.begin());
@@ -168,7 +171,7 @@ void VsSFImage::constructField(Arguments arguments) {
     if (!arguments[i]->isScalar()) return VsError::postRuntimeError("%s", RTE_FLD_SFIMAGE_ARG13);
   if (arguments[3]->type() != Type::mfInt32) return VsError::postRuntimeError("%s", RTE_FLD_SFIMAGE_ARG4);
   const Shape shape(arguments[0]->getInt(), arguments[1]->getInt(), arguments[2]->getInt());
-  if (shape.isBounded() && hasRoomFor(shape.bytes())) give(shape, bytesFrom(*arguments[3], shape));
+  if (shape.isBounded() && room.has(shape.bytes())) give(shape, bytesFrom(*arguments[3], shape));
 }
 
 }  // namespace tessel::script

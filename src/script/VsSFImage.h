@@ -32,7 +32,6 @@ private:
   SoSFImage& image() const { return own ? *own : *static_cast<SoSFImage*>(liveField()); }
   void resize(int number, std::int32_t value);
   void readPixels(Value& result) const;
-  bool hasRoomFor(std::size_t bytes) const { return !own || room.has(bytes); }
   void give(const PictureShape& shape, const std::vector<unsigned char>& bytes);
 
   std::unique_ptr<SoSFImage> own;

@@ -398,6 +398,17 @@ TEST(ScriptLimits, ListsInFieldsTakeSoMuchMemoryTogetherAndNoMore) {
               ElementsAre("Attempt to take more than 268435456 bytes for values of scripts"));
 }
 
+TEST(ScriptLimits, PicturesInFieldsToo) {
+  const ScriptWorld world(R"(DEF S Script { eventIn SFInt32 go field SFImage a 0 0 0 field SFImage b 0 0 0
+    field SFImage c 0 0 0 field SFImage d 0 0 0 field SFImage e 0 0 0 field SFInt32 size 0
+    url "vrmlscript: function go() { p = new SFImage(4096, 4096, 4, new MFInt32()); a = p; b = p;
+      c.x = 4096; c.y = 4096; c.comp = 4; d.x = 4096; d.y = 4096; d.comp = 4; e = p; size = d.comp; }" })");
+  world.field<SoSFInt32>("S", "go").setValue(1);
+  EXPECT_EQ(world.field<SoSFInt32>("S", "size").getValue(), 4);
+  const char* text = "Attempt to take more than 268435456 bytes for values of scripts";
+  EXPECT_THAT(world.reports.messages(), ElementsAre(text, text));
+}
+
 // Each of these must end in a report, whatever it takes.
 TEST(ScriptLimits, HostileTextsEndInAReport) {
   const auto many = [](const char* what, int times) {

@@ -315,6 +315,14 @@ TEST(ScriptBrowser, WrongArgumentsAreReported) {
                           "In Browser.addRoute - no eventOut named _changed exists"));
 }
 
+TEST(ScriptBrowser, ANameMayHaveAnyLength) {
+  const NodeWorld world("", "field SFNode s USE S",
+                        "x = 'abcdefgh'; for (i = 0; i < 20; i++) x = x + x; Browser.addRoute(s, x, s, x);");
+  world.go();
+  EXPECT_THAT(world.reports.messages(),
+              ElementsAre(testing::StartsWith("In Browser.addRoute - no eventOut named abcdefghabcdefgh")));
+}
+
 TEST(ScriptBrowser, RoutesAddedInACycleEnd) {
   const NodeWorld world(
       "DEF A Transform { } DEF B Transform { }", "field SFNode a USE A field SFNode b USE B",
