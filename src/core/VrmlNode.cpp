@@ -20,6 +20,7 @@
 #include <tessel/toolkit/SoRef.h>
 
 #include "core/DeepCopy.h"
+#include "core/Effort.h"
 #include "core/EventWatch.h"
 #include "core/FieldSpec.h"
 #include "core/Loops.h"
@@ -155,6 +156,7 @@ static void endChainOfRoutes(const VrmlNode& node, const SoNotList& list) {
 void VrmlNode::notify(SoNotList* list) {
   if (tessel::stackIsShort()) [[unlikely]]
     endChainOfRoutes(*this, *list);
+  tessel::Effort::addHearer();
   tessel::EventWatch::tellSent(*this, *list);
   static const bool optimized = std::getenv("TV_OPTIMIZE_NOTIFICATION") != nullptr;
   if (optimized && list->getTimeStamp() <= getNodeId()) return;

@@ -4,11 +4,13 @@
 // The evaluation that the kinds of interpolators share; each kind's source includes this.
 
 #include <algorithm>
+#include <cstddef>
 
 #include <tessel/events/OnDemand.h>
 #include <tessel/events/VrmlInterpolator.h>
 #include <tessel/toolkit/PlainReport.h>
 
+#include "core/Effort.h"
 #include "core/ValueType.h"
 
 template <class Field> struct tessel::ValueTypeOf<tessel::OnDemand<Field>> : tessel::ValueTypeOf<Field> {};
@@ -48,6 +50,7 @@ void VrmlInterpolator::evaluateLists(const SoMFVec3f& values, SoMFVec3f& output,
   if (output.getNum() != length) output.setNum(length);
   setupInterpolation();
   if (index < 0 || length == 0) return;
+  tessel::Effort::add(static_cast<std::size_t>(length) * sizeof(SbVec3f));
   const SbVec3f* const first = values.getValues(std::max(0, index - 1) * length);
   SbVec3f* const result = output.startEditing();
   if (index == 0 || index == numKeys)

@@ -8,6 +8,7 @@
 
 #include <tessel/toolkit/Scoped.h>
 
+#include "core/Effort.h"
 #include "core/EventWatch.h"
 #include "core/NodeClassImpl.h"
 
@@ -70,6 +71,7 @@ void VrmlInterpolator::sendOutput() {
 }
 
 void VrmlInterpolator::notify(SoNotList* list) {
+  tessel::Effort::addHearer();
   tessel::EventWatch::tellSent(*this, *list);
   if (!isNotifyEnabled()) return;
   const SoField* field = list->getLastField();

@@ -8,8 +8,8 @@
 
 #include <tessel/script/RuntimeErrors.h>
 
+#include "core/Effort.h"
 #include "core/ValueType.h"
-#include "script/Effort.h"
 #include "script/VsError.h"
 #include "script/VsField.h"
 

@@ -2,8 +2,8 @@
 // The loop of the interpreter: what is done on plain numbers, and where everything else goes.
 #include "script/Interpreter.h"
 
+#include "core/Effort.h"
 #include "script/Arithmetic.h"
-#include "script/Effort.h"
 #include "script/JsMath.h"
 #include "script/VsMFields.h"
 #include "script/VsParseTree.h"

@@ -8,8 +8,8 @@
 
 #include <tessel/script/RuntimeErrors.h>
 
+#include "core/Effort.h"
 #include "script/Arithmetic.h"
-#include "script/Effort.h"
 #include "script/Interpreter.h"
 #include "script/JsMath.h"
 #include "script/VsField.h"

@@ -11,8 +11,8 @@
 #include <tessel/proto/VrmlProtoUse.h>
 #include <tessel/script/VrmlScript.h>
 
+#include "core/Effort.h"
 #include "core/FieldSpec.h"
-#include "script/Effort.h"
 
 namespace tessel::script {
 namespace {

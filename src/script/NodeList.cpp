@@ -9,7 +9,7 @@
 #include <tessel/core/VrmlMFChildren.h>
 #include <tessel/core/VrmlNULL.h>
 
-#include "script/Effort.h"
+#include "core/Effort.h"
 
 namespace tessel::script {
 namespace {

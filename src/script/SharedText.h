@@ -7,7 +7,7 @@
 #include <string_view>
 #include <utility>
 
-#include "script/Effort.h"
+#include "core/Effort.h"
 #include "script/Room.h"
 
 namespace tessel::script {

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "script/Effort.h"
+#include "core/Effort.h"
 #include "script/VsError.h"
 #include "script/VsSFString.h"
 

@@ -5,10 +5,11 @@
 #include <string>
 
 #include <tessel/core/VrmlNode.h>
+#include <tessel/events/VrmlFanIn.h>
 #include <tessel/events/VrmlRoute.h>
 #include <tessel/script/RuntimeErrors.h>
 
-#include "script/Effort.h"
+#include "core/Effort.h"
 #include "script/NodeEvents.h"
 #include "script/VsError.h"
 #include "script/VsMFields.h"
@@ -91,6 +92,8 @@ void changeRoute(Method method, Arguments arguments) {
   SoField* from = lookupEvent(*arguments[0], *arguments[1], false, method);
   SoField* to = from ? lookupEvent(*arguments[2], *arguments[3], true, method) : nullptr;
   if (!to) return;
+  if (const VrmlFanIn* fanIn = VrmlFanIn::feeding(to))
+    Effort::addEach(static_cast<std::size_t>(fanIn->getNumInputs()));
   if (method == Method::deleteRoute) {
     if (VrmlRoute::routeExists(from, to)) VrmlRoute::remove(from, to);
   } else if (!VrmlRoute::canRouteBetweenTypeIds(from->getTypeId(), to->getTypeId())) {

@@ -7,7 +7,7 @@
 
 #include <tessel/toolkit/PlainReport.h>
 
-#include "script/Effort.h"
+#include "core/Effort.h"
 
 namespace tessel {
 namespace {
@@ -28,7 +28,7 @@ const script::Locator* innermost = nullptr;
 // A report takes as long as many passes of a loop.
 void post(ScriptReportKind kind, std::string_view message, const std::string& text,
           const script::Location& where) {
-  script::Effort::add(1 << 15);
+  Effort::add(1 << 15);
   sink.handler({kind, message, text, where.script, where.file, where.line}, sink.data);
 }
 

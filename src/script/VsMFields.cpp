@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "script/Effort.h"
+#include "core/Effort.h"
 #include "script/VsSFNode.h"
 #include "script/VsSFString.h"
 

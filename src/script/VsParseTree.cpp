@@ -6,8 +6,8 @@
 
 #include <tessel/core/VrmlDB.h>
 
+#include "core/Effort.h"
 #include "script/CLocale.h"
-#include "script/Effort.h"
 #include "script/Interpreter.h"
 #include "script/Parser.h"
 

@@ -10,7 +10,7 @@
 #include <tessel/core/VrmlNode.h>
 #include <tessel/script/RuntimeErrors.h>
 
-#include "script/Effort.h"
+#include "core/Effort.h"
 #include "script/GlobalVar.h"
 #include "script/NodeEvents.h"
 #include "script/VsError.h"

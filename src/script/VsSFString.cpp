@@ -9,7 +9,7 @@
 
 #include <tessel/script/RuntimeErrors.h>
 
-#include "script/Effort.h"
+#include "core/Effort.h"
 #include "script/FieldErrors.h"
 #include "script/StringFormat.h"
 #include "script/VsError.h"

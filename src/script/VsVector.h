@@ -6,7 +6,7 @@
 
 #include <tessel/script/RuntimeErrors.h>
 
-#include "script/Effort.h"
+#include "core/Effort.h"
 #include "script/FieldErrors.h"
 #include "script/VsError.h"
 #include "script/VsField.h"

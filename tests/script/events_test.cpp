@@ -388,6 +388,32 @@ TEST(ScriptLimits, LongWorkOnFieldsIsStopped) {
   EXPECT_EQ(world.reports.heard.back().kind, ScriptReportKind::stopped);
 }
 
+// So does what a change of one field sets off elsewhere.
+TEST(ScriptLimits, LongWorkOfOthersIsStopped) {
+  std::string nodes = "DEF FROM Transform { } DEF TO Transform { } ROUTE FROM.scale TO TO.scale";
+  for (int i = 0; i < 200; ++i) {
+    const std::string name = "T" + std::to_string(i);
+    nodes += " DEF " + name + " Transform { } ROUTE FROM.scale TO " + name + ".scale";
+  }
+  nodes += " DEF C CoordinateInterpolator { key [ 0 1 ] keyValue [";
+  for (int i = 0; i < 20000; ++i) nodes += " 0 1 2";
+  const ScriptWorld world(nodes + R"(] } DEF S Script { eventIn SFInt32 go field SFInt32 passes 0
+    field SFNode from USE FROM field SFNode to USE TO field SFNode c USE C
+    url "vrmlscript: function go(v) {
+      passes = 0;
+      k = 'translation'; s = 'scale'; one = new SFVec3f(1, 1, 1); list = c.value_changed;
+      while (v == 0) { passes++; from.scale = one; }
+      while (v == 1) { passes++; c.set_fraction = 0.5; list.length; }
+      while (v == 2) { passes++; Browser.addRoute(from, k, to, s); Browser.deleteRoute(from, k, to, s); } }" })");
+  setScriptStepLimit(100000);
+  for (int i = 0; i < 3; ++i) {
+    world.field<SoSFInt32>("S", "go").setValue(i);
+    EXPECT_LT(world.field<SoSFInt32>("S", "passes").getValue(), 2000) << i;
+  }
+  setScriptStepLimit(0);
+  EXPECT_THAT(world.reports.heard, testing::SizeIs(3));
+}
+
 TEST(ScriptLimits, ListsInFieldsTakeSoMuchMemoryTogetherAndNoMore) {
   const ScriptWorld world(R"(DEF S Script { eventIn SFInt32 go field MFVec3f a [ ] field MFVec3f b [ ]
     url "vrmlscript: function go() { v = new SFVec3f(1, 2, 3); a[16000000] = v; b[16000000] = v; a.length = 1; b[9] = v; }" })");
@@ -401,8 +427,8 @@ TEST(ScriptLimits, ListsInFieldsTakeSoMuchMemoryTogetherAndNoMore) {
 TEST(ScriptLimits, PicturesInFieldsToo) {
   const ScriptWorld world(R"(DEF S Script { eventIn SFInt32 go field SFImage a 0 0 0 field SFImage b 0 0 0
     field SFImage c 0 0 0 field SFImage d 0 0 0 field SFImage e 0 0 0 field SFInt32 size 0
-    url "vrmlscript: function go() { p = new SFImage(4096, 4096, 4, new MFInt32()); a = p; b = p;
-      c.x = 4096; c.y = 4096; c.comp = 4; d.x = 4096; d.y = 4096; d.comp = 4; e = p; size = d.comp; }" })");
+    url "vrmlscript: function go() { p = new SFImage(4096, 4000, 4, new MFInt32()); a = p; b = p;
+      c.x = 4096; c.y = 4000; c.comp = 4; d.x = 4096; d.y = 4000; d.comp = 4; e = p; size = d.comp; }" })");
   world.field<SoSFInt32>("S", "go").setValue(1);
   EXPECT_EQ(world.field<SoSFInt32>("S", "size").getValue(), 4);
   const char* text = "Attempt to take more than 268435456 bytes for values of scripts";

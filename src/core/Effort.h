@@ -4,10 +4,10 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace tessel::script {
+namespace tessel {
 
-/// What operations on long values cost beyond the step that they are part of. Whoever writes or searches bytes adds
-/// them; the interpreter turns them into steps.
+/// What operations cost scripts beyond the step that they are part of. Whoever writes or searches many bytes, or tells
+/// many nodes, adds it; the interpreter of scripts turns it into steps.
 class Effort {
 public:
   static void add(std::size_t bytes) { pending += bytes; }
@@ -15,6 +15,8 @@ public:
   static void addEach(std::size_t count) { add(32 * count); }
   /// A change of a toolkit field, of which everybody hears who listens.
   static void addChange() { add(4 * bytesForStep); }
+  /// A node that hears of a change, its own or that of another.
+  static void addHearer() { add(2 * bytesForStep); }
   /// A look for what a name means.
   static void addLookUp() { add(2 * bytesForStep); }
   static bool isOwed() { return pending >= bytesForStep; }
@@ -30,4 +32,4 @@ private:
   static inline std::size_t pending = 0;
 };
 
-}  // namespace tessel::script
+}  // namespace tessel
