@@ -121,14 +121,12 @@ bool Parser::function() {
   return ok;
 }
 
+// The list may begin with a comma.
 bool Parser::parameters() {
   if (at(Sign::closeParenthesis)) return true;
-  if (!at(Sign::comma) && !at(Sign::identifier)) return syntaxError();
+  accept(Sign::comma);
   do {
-    if (!at(Sign::identifier)) {
-      if (current->numArgs == 0 && at(Sign::comma)) continue;
-      return syntaxError();
-    }
+    if (!at(Sign::identifier)) return syntaxError();
     current->addVariable(std::string(take().text));
     ++current->numArgs;
   } while (accept(Sign::comma));
@@ -215,8 +213,9 @@ bool Parser::forStatement(Stmt& stmt) {
   if (!expect(Sign::openParenthesis)) return false;
   const bool beginsWithName = at(Sign::identifier);
   isTarget = false;
-  stmt.init = at(Sign::semicolon) ? nullptr : expressions();
-  if (!stmt.init && !at(Sign::semicolon)) return false;
+  bool ok = true;
+  stmt.init = optionalExpressions(Sign::semicolon, ok);
+  if (!ok) return false;
   if (at(Sign::inWord) && beginsWithName && isTarget &&
       (stmt.init->kind == ExprKind::local || stmt.init->kind == ExprKind::global)) {
     take();
@@ -224,7 +223,7 @@ bool Parser::forStatement(Stmt& stmt) {
     complain("<for..in> statement not implemented yet");
     return true;
   }
-  bool ok = expect(Sign::semicolon);
+  ok = expect(Sign::semicolon);
   if (ok) stmt.expr = optionalExpressions(Sign::semicolon, ok);
   ok = ok && expect(Sign::semicolon);
   if (ok) stmt.step = optionalExpressions(Sign::closeParenthesis, ok);

@@ -375,7 +375,7 @@ Expr* Parser::memberOrMethod(Expr* object, Owner owner, int line) {
     } else if (owner == Owner::ownMATH && expr->property == Property::other) {
       complain("Unknown Math object property %s accessed", name.c_str());
     }
-    isTarget = owner != Owner::ownBROWSER;
+    isTarget = true;
     return expr;
   }
   Expr* expr = make(ExprKind::method, line, object);

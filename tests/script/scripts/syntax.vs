@@ -136,3 +136,19 @@ function test() { return f(1, 2); }
 function test() { return 0.0001e400; }
 //= SFTime 10
 function test() { return 100000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000000e-349; }
+//= unparsed
+//! Browser object has no property name
+function test() { Browser.name = 1; }
+//= unparsed
+//! syntax error: line "  for (i = ;"
+//! syntax error: line "       i; i) b = 1;"
+function test() { a = 1;
+  for (i = ;
+       i; i) b = 1;
+}
+//= SFTime 3
+function f(, a) { return a; }
+function test() { return f(, 3); }
+//= unparsed
+//! syntax error
+function f(,, a) { }
