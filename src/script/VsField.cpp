@@ -8,6 +8,8 @@
 #include <Inventor/fields/SoField.h>
 #include <Inventor/fields/SoFieldContainer.h>
 
+#include "script/FieldRoom.h"
+
 namespace tessel::script {
 namespace {
 
@@ -53,6 +55,10 @@ VsField::VsField(SoField* field, bool keepsNode)
 
 VsField::~VsField() {
   if (node) node->unref();
+}
+
+Room& VsField::roomFor(Room& own, std::size_t bytes) const {
+  return node ? FieldRoom::of(*field, own, bytes) : own;
 }
 
 }  // namespace tessel::script

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "script/Names.h"
+#include "script/Room.h"
 #include "script/Value.h"
 
 class SoField;
@@ -96,6 +97,10 @@ protected:
   /// Over a field of a node, which is kept from going if `keepsNode` is set.
   VsField(SoField* field, bool keepsNode);
   virtual ~VsField();
+
+  /// What of the memory of a toolkit field counts as taken by scripts: the object's own, or, in a node that may go
+  /// on without it, the field's.
+  Room& roomFor(Room& own, std::size_t bytes) const;
 
 private:
   // Gives the toolkit field a value of the same type, which is not the field's own.

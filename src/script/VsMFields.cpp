@@ -40,21 +40,22 @@ template <class Traits> bool VsMField<Traits>::resizeOwn(std::size_t n) {
 // Into the field. What it holds then counts as memory that the script has taken, of strings the characters.
 template <class Traits> bool VsMField<Traits>::write(int first, std::span<const Stored> values) {
   if constexpr (requires { Traits::lengthAt(live(), first); }) {
-    std::size_t size = room.size();
-    for (const Stored& value : values) {
-      size += value.size();
-      Effort::add(value.size());
-    }
+    std::size_t size = 0;
+    for (const Stored& value : values) size += value.size();
+    Effort::add(size);
+    Room& taken = roomFor(room, room.size() + size);
+    size += taken.size();
     const int end = std::min(count(), first + static_cast<int>(values.size()));
     for (int i = first; i < end; ++i) size -= std::min(size, Traits::lengthAt(live(), i));
-    if (!room.has(size)) return false;
-    room.take(size);
+    if (!taken.has(size)) return false;
+    taken.take(size);
   } else {
     const std::size_t size =
         std::max(static_cast<std::size_t>(count()), static_cast<std::size_t>(first) + values.size()) *
         sizeof(Stored);
-    if (!room.has(size)) return false;
-    room.take(size);
+    Room& taken = roomFor(room, size);
+    if (!taken.has(size)) return false;
+    taken.take(size);
   }
   Effort::addChange();
   Effort::add(values.size_bytes());
@@ -63,11 +64,13 @@ template <class Traits> bool VsMField<Traits>::write(int first, std::span<const 
 
 template <class Traits> void VsMField<Traits>::cut(int n) {
   if constexpr (requires { Traits::lengthAt(live(), n); }) {
-    std::size_t size = room.size();
+    Room& taken = roomFor(room, 0);
+    std::size_t size = taken.size();
     for (int i = n; i < count(); ++i) size -= std::min(size, Traits::lengthAt(live(), i));
-    room.take(size);
+    taken.take(size);
   } else {
-    room.take(static_cast<std::size_t>(n) * sizeof(Stored));
+    const std::size_t size = static_cast<std::size_t>(n) * sizeof(Stored);
+    roomFor(room, size).take(size);
   }
   Effort::addChange();
   Traits::truncate(live(), n);
@@ -87,7 +90,8 @@ template <class Traits> bool VsMField<Traits>::put(std::int32_t i, const Stored&
   }
   const int n = count();
   if (i <= n) return write(i, {&value, 1});
-  if (!room.has((place + 1) * sizeof(Stored))) return false;
+  const std::size_t size = (place + 1) * sizeof(Stored);
+  if (!roomFor(room, size).has(size)) return false;
   std::vector<Stored> more(place - static_cast<std::size_t>(n) + 1, Traits::neutral());
   more.back() = value;
   return write(n, more);

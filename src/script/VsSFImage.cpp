@@ -92,9 +92,9 @@ int numberOf(Property property) {
 void VsSFImage::give(const Shape& shape, const Bytes& bytes) {
   Effort::addChange();
   Effort::add(3 * bytes.size());  // made, filled, copied
+  roomFor(room, bytes.size()).take(bytes.size());
   const SbVec2s size(static_cast<short>(shape.numbers[0]), static_cast<short>(shape.numbers[1]));
   image().setValue(size, shape.numbers[2], bytes.empty() ? nullptr : bytes.data());
-  room.take(bytes.size());
 }
 
 void VsSFImage::postExecute(const Value& current) {
@@ -103,11 +103,12 @@ void VsSFImage::postExecute(const Value& current) {
   int components = 0;
   const unsigned char* bytes = from.getValue(size, components);
   const std::size_t count = Shape(from).bytes();
-  if (!room.has(count)) return;
+  Room& taken = roomFor(room, count);
+  if (!taken.has(count)) return;
+  taken.take(count);
   Effort::addChange();
   Effort::add(count);
   image().setValue(size, components, bytes);
-  room.take(count);
 }
 
 void VsSFImage::memberEvaluate(Value& result, Property property, std::string_view name) {
@@ -159,7 +160,7 @@ void VsSFImage::resize(int number, std::int32_t value) {
   const Shape before(image());
   Shape shape = before;
   shape.numbers[number] = value;
-  if (!shape.isBounded() || !room.has(shape.bytes())) return;
+  if (!shape.isBounded() || !roomFor(room, shape.bytes()).has(shape.bytes())) return;
   Bytes bytes(shape.bytes());
   if (const unsigned char* old = bytesOf(image()))
     std::copy_n(old, std::min(bytes.size(), before.bytes()), bytes.begin());

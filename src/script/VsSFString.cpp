@@ -121,10 +121,11 @@ std::string VsSFString::getStringFromScalar(const Value& scalar) {
 
 void VsSFString::postExecute(const Value& current) {
   const std::string_view text = viewOf(current);
-  if (!room.has(text.size())) return;
+  Room& taken = roomFor(room, text.size());
+  if (!taken.has(text.size())) return;
+  taken.take(text.size());
   Effort::addChange();
   static_cast<SoSFString*>(liveField())->setValue(SbString(std::string(text).c_str()));
-  room.take(text.size());
 }
 
 bool VsSFString::acceptsCall(Method method, int count) {

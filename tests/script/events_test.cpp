@@ -435,6 +435,27 @@ TEST(ScriptLimits, PicturesInFieldsToo) {
   EXPECT_THAT(world.reports.messages(), ElementsAre(text, text));
 }
 
+// A node keeps what a script has put into its field; when it goes, that is given back.
+TEST(ScriptLimits, FieldsOfOtherNodesToo) {
+  const ScriptWorld world(R"(DEF S Script { eventIn SFInt32 go field SFInt32 full 0 field MFNode c [ ]
+    url "vrmlscript: function fill(node, v) {
+        if (v == 1) { p = node.point; p[8000000] = new SFVec3f(1, 1, 1); return p.length > 1; }
+        if (v == 2) { p = node.image; p.x = 4096; p.y = 4096; p.comp = 4; return p.comp == 4; }
+        s = 'abcdefgh'; for (i = 0; i < 20; i++) s = s + s;
+        p = node.string; for (i = 0; i < 8; i++) p[i] = s; return p.length == 8;
+      }
+      function go(v) {
+        kind = v == 1 ? 'Coordinate { }' : (v == 2 ? 'PixelTexture { }' : 'Text { }');
+        full = 0; c.length = 0;
+        for (k = 0; k < 8; k++) { c[k] = new SFNode(kind); if (fill(c[k], v)) full++; }
+      }" })");
+  const int fitting[] = {2, 3, 3};
+  for (int kind = 1; kind <= 3; ++kind) {
+    world.field<SoSFInt32>("S", "go").setValue(kind);
+    EXPECT_EQ(world.field<SoSFInt32>("S", "full").getValue(), fitting[kind - 1]) << kind;
+  }
+}
+
 // Each of these must end in a report, whatever it takes.
 TEST(ScriptLimits, HostileTextsEndInAReport) {
   const auto many = [](const char* what, int times) {
