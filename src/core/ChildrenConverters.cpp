@@ -5,10 +5,13 @@
 
 #include <Inventor/SoDB.h>
 #include <Inventor/misc/SoChildList.h>
+#include <Inventor/misc/SoNotification.h>
 #include <Inventor/nodes/SoNode.h>
 
 #include <tessel/core/VrmlNULL.h>
 #include <tessel/toolkit/SoRef.h>
+
+#include "core/HeldNodes.h"
 
 SO_ENGINE_SOURCE(ConvertMFNodeToMFChildren);
 SO_ENGINE_SOURCE(ConvertMFChildrenToMFNode);
@@ -29,8 +32,11 @@ ConvertMFNodeToMFChildren::ConvertMFNodeToMFChildren() {
 
 ConvertMFNodeToMFChildren::~ConvertMFNodeToMFChildren() = default;
 
-void ConvertMFNodeToMFChildren::notify(SoNotList*) {
-  if (isNotifyEnabled()) evaluateFromNotify();
+// The toolkit's field hears of changes inside the nodes too, which are no events.
+void ConvertMFNodeToMFChildren::notify(SoNotList* list) {
+  const SoNotRec* record = list->getLastRec();
+  const bool isEvent = !record || !tessel::isFromHeldNode(input, record->getPrevious());
+  if (isEvent && isNotifyEnabled()) evaluateFromNotify();
 }
 
 // The change that this makes may come back here round a loop of routes. While a connection is being made, the

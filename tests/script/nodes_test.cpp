@@ -225,6 +225,19 @@ TEST(ScriptNodes, AnInstanceHasThePropertiesOfItsInterface) {
   EXPECT_EQ(world.log(), "2 5");
 }
 
+TEST(ScriptNodes, AChangeInsideAChildThatAnInstanceWasGivenIsNoEvent) {
+  const NodeWorld world(
+      "PROTO P [ exposedField MFNode kids [ ] ] { Transform { children IS kids } } DEF B P { } DEF T "
+      "Transform { }"
+      " DEF W Script { eventIn MFNode kids eventOut SFInt32 count url \"vrmlscript: function kids() { "
+      "count++; }\" }"
+      " ROUTE B.kids TO W.kids",
+      "field SFNode b USE B field SFNode t USE T",
+      "if (v == 1) b.kids = new MFNode(t); else t.translation = new SFVec3f(v, 0, 0);");
+  for (int i = 1; i <= 3; ++i) world.go(i);
+  EXPECT_EQ(world.field<SoSFInt32>("W", "count").getValue(), 1);
+}
+
 TEST(ScriptNodes, AScriptMayDropItselfAndWhatItStandsOver) {
   const NodeWorld world(
       "DEF G Group { children DEF H Group { children [ DEF T Transform { }, DEF D Script { eventIn SFInt32 go"
