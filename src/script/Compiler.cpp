@@ -416,10 +416,8 @@ void Compiler::assign(Expr& expr, bool wantsResult) {
   Jumps failed;
   Jumps done;
   bool wasChecked = false;
-  if (!isSimpleTarget(target)) {
-    wasChecked = checkBefore(value, target);
-    ifNone(value, failed);
-  }
+  if (!isSimpleTarget(target)) wasChecked = checkBefore(value, target);
+  if (wantsResult || !isSimpleTarget(target)) ifNone(value, failed);
   assignTo(target, -1, wasChecked, failed, &value);
   if (wantsResult) {
     emit(Op::copyResult, expr.line, resultOf(expr), resultOf(target));
@@ -472,12 +470,13 @@ void Compiler::arrayVar(Expr& expr) {
   const int array = read(*expr.a);
   int before = index;
   // A variable that is looked at just before costs nothing here.
-  if (isLast(Op::checkVariable) && out.lines.back() == expr.line) {
+  const bool looksBefore = isLast(Op::checkVariable) && out.lines.back() == expr.line;
+  if (looksBefore) {
     before = out.code.back().a;
     out.code.pop_back();
     out.lines.pop_back();
   }
-  emit(Op::getElement, expr.line, resultOf(expr), array, index, before);
+  emit(Op::getElement, expr.line, resultOf(expr), array, index, before, looksBefore);
   land(failed);
 }
 

@@ -56,10 +56,10 @@ enum class Op : std::uint8_t {
   incrementVariable,  ///< variable a += aux; dst = the new value if c, else the old one; if there is none, goes
                       ///< on at target `b`, if that is not -1
   keepNumber,         ///< dst = the number a, if it is one
-  assign,      ///< variable dst = a; if b >= 0, place b becomes the variable's value, or nothing without one
-  copy,        ///< dst = a, as a handle
-  copyResult,  ///< dst.setValue(a)
-  setNone,     ///< dst = nothing
+  assign,         ///< variable dst = a; if b >= 0, place b becomes the variable's value; nothing without a
+  copy,           ///< dst = a, as a handle
+  copyResult,     ///< dst.setValue(a)
+  setNone,        ///< dst = nothing
   checkVariable,  ///< reports if variable `a` is undefined
   checkIndex,     ///< goes on at target `b` if `a` is no number, after a report
   loadGlobal,     ///< dst = global a
@@ -72,10 +72,10 @@ enum class Op : std::uint8_t {
   call,        ///< dst = function a, with c arguments from place b; then goes on behind the next instruction
   giveBack,    ///< ends the run with the value a
   end,         ///< ends the run without a value
-  getElement,  ///< dst = a[b]; reports before if variable `c` is undefined, which may be b
-  setElement,  ///< a[b] = c, dst = what was assigned, or nothing
+  getElement,  ///< dst = a[b]; `c` is b, or with aux a variable, reported before if undefined
+  setElement,  ///< a[b] = c, dst = what was assigned, or nothing if that can't be done
   getMember,   ///< dst = a.property; b: the member access; aux: the property
-  setMember,   ///< a.property = c, like getMember, but nothing without c; aux: also `isChecked`
+  setMember,   ///< a.property = c, like getMember; aux: also `isChecked`
   setMathMember,   ///< reports
   acceptsCall,     ///< goes on at target `b` unless object `a` takes method `aux` with `c` arguments
   callMethod,      ///< dst = a.method aux(c arguments from argument list b)

@@ -172,7 +172,9 @@ void Interpreter::assign(const Instruction& i) {
     window[i.b].setValue(now);
   } else {
     window[i.dst].setValue(value);
-    if (i.b >= 0) window[i.b].setValue(window[i.dst]);
+    if (i.b < 0) return;
+    if (window[i.b].isNone()) window[i.b] = Value::undefined();
+    window[i.b].setValue(window[i.dst]);
   }
 }
 
@@ -228,7 +230,7 @@ bool Interpreter::isIndex(const Instruction& i) {
 
 void Interpreter::getElement(const Instruction& i) {
   at = &i;
-  if (i.c != i.b) checkVariable(i.c);
+  if (i.aux) checkVariable(i.c);
   const Value& index = window[i.b];
   checkVariable(i.b);
   if (index.isNone()) return;
@@ -247,7 +249,7 @@ void Interpreter::setElement(const Instruction& i) {
   const Value& index = window[i.b];
   const Value& array = window[i.a];
   if (!i.aux) checkVariable(i.c);
-  if (value.isNone()) return result.clear();
+  if (value.isNone()) return;
   checkVariable(i.b);
   if (index.isNone()) return result.clear();
   if (!index.isScalar()) {
@@ -268,7 +270,6 @@ void Interpreter::setElement(const Instruction& i) {
 bool Interpreter::hasValue(const Instruction& i) {
   at = &i;
   if (i.aux < isChecked) checkVariable(i.c);
-  if (window[i.c].isNone()) window[i.dst].clear();
   return !window[i.c].isNone();
 }
 

@@ -106,3 +106,17 @@ function test() { a = 1; x = a[0]; s = "a"; s[0] = 1; x = a["b"]; }
 function test() { s = "ab"; s = s + s; s = s + s; return s; }
 //= SFString abX abY
 function test() { s = "ab"; t = s + "X"; u = s + "Y"; return t + " " + u; }
+//= none
+//! Attempt to access an uninitialized variable
+//! Attempt to access an uninitialized variable
+//! Array index must be a scalar value
+function test() { return b + m[b]; }
+//= none
+//! Attempt to access an uninitialized variable
+//! Attempt to apply arithmetic operator to values of the wrong type
+function test() { return (a = b) + 1; }
+//= none
+//! Attempt to apply invalid arithmetic operator to a string
+//! Attempt to get value of non-existent element of MF field array\n    (index 1 length 1)
+//! Attempt to apply invalid arithmetic operator to a string
+function test() { m = new MFString("p"); for (i = 0; i < 2; i++) m[i] -= "x"; }
