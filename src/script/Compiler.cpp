@@ -134,6 +134,7 @@ int Compiler::emit(Op op, int line, int dst, int a, int b, int c, int aux) {
 }
 
 void Compiler::land(const Jumps& jumps, Field field) {
+  if (!jumps.empty()) landing = here();
   for (const int jump : jumps) {
     Instruction& instruction = out.code[static_cast<std::size_t>(jump)];
     (field == Field::b ? instruction.b : instruction.c) = here();
@@ -200,7 +201,7 @@ void Compiler::loop(const Stmt& stmt) {
   Jumps isFalse;
   Jumps isNoNumber;
   if (stmt.init) discard(*stmt.init, &done);
-  const int top = here();
+  const int top = landing = here();
   if (stmt.expr) unless(*stmt.expr, isFalse, isNoNumber);
   Loop inner;
   {
@@ -470,7 +471,7 @@ void Compiler::arrayVar(Expr& expr) {
   const int array = read(*expr.a);
   int before = index;
   // A variable that is looked at just before costs nothing here.
-  const bool looksBefore = isLast(Op::checkVariable) && out.lines.back() == expr.line;
+  const bool looksBefore = isLast(Op::checkVariable) && out.lines.back() == expr.line && landing != here();
   if (looksBefore) {
     before = out.code.back().a;
     out.code.pop_back();

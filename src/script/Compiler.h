@@ -64,6 +64,7 @@ private:
 
   Function& out;
   int places;
+  int landing = -1;  // the last place that jumps lead to
   Loop* innermost = nullptr;
   Jumps topLevel;  // of break and continue outside a loop
 };

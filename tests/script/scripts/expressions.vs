@@ -120,3 +120,8 @@ function test() { return (a = b) + 1; }
 //! Attempt to get value of non-existent element of MF field array\n    (index 1 length 1)
 //! Attempt to apply invalid arithmetic operator to a string
 function test() { m = new MFString("p"); for (i = 0; i < 2; i++) m[i] -= "x"; }
+//= SFFloat 2
+function test() { c = 0; m = new MFFloat(1, 2); if (c) a; return m[1]; }
+//= SFTime 2
+//! Attempt to access an uninitialized variable
+function test() { i = 0; m = new MFFloat(1, 1, 0); for (a; m[i]; i++) { } return i; }
