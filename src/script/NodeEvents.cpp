@@ -27,20 +27,17 @@ SoField* findBehindSet(VrmlNode& node, std::string_view name) {
   return findPlain(node, name.substr(prefix.size()), true);
 }
 
-// To hand out the fields of an instance would connect them all with its body.
 SoField* findBeforeChanged(VrmlNode& node, std::string_view name) {
   constexpr std::string_view suffix = "_changed";
   if (!name.ends_with(suffix) || name.size() == suffix.size()) return nullptr;
   name.remove_suffix(suffix.size());
-  if (node.isOfType(VrmlProtoUse::getClassTypeId()))
-    if (SoField* field = findPlain(node, name, false)) return field;
   SoFieldList fields;
-  node.getFields(fields);
+  node.listFields(fields);
   Effort::addEach(static_cast<std::size_t>(fields.getLength()));
   for (int i = 0; i < fields.getLength(); ++i) {
     SbName own;
     if (node.findFieldName(fields[i], own) && std::string_view(own.getString()).starts_with(name))
-      return fields[i];
+      return node.getRouteEnd(own, false);
   }
   return nullptr;
 }

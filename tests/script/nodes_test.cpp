@@ -213,16 +213,17 @@ TEST(ScriptNodes, MistakesInATextAreWhereTheScriptHasIt) {
 
 TEST(ScriptNodes, AnInstanceHasThePropertiesOfItsInterface) {
   const NodeWorld world(
-      "PROTO P [ exposedField SFVec3f place 1 2 3 eventIn SFFloat see ]"
+      "PROTO P [ eventOut SFVec3f sizes exposedField SFVec3f place 1 2 3 eventIn SFFloat see"
+      " exposedField SFVec3f size 7 8 9 ]"
       " { Transform { translation IS place children Shape { appearance Appearance {"
       "   material Material { set_transparency IS see } } } } } DEF I P { }",
       "field SFNode i USE I",
       "log = i.place[1] + ' '; i.set_place = new SFVec3f(4, 5, 6); i.see = 0.5;"
-      " log = log + i.place_changed.y; i.translation; i.children;");
+      " log = log + i.place_changed.y + i.size_changed.y; i.translation; i.children;");
   world.go();
   EXPECT_THAT(world.reports.messages(), ElementsAre("SFNode does not have a property named translation",
                                                     "SFNode does not have a property named children"));
-  EXPECT_EQ(world.log(), "2 5");
+  EXPECT_EQ(world.log(), "2 50");  // the first one that begins so
 }
 
 TEST(ScriptNodes, AChangeInsideAChildThatAnInstanceWasGivenIsNoEvent) {
