@@ -48,24 +48,26 @@ bool Parser::expect(Sign sign) { return accept(sign) || syntaxError(); }
 // An error that follows on another one is not news.
 bool Parser::syntaxError() {
   peek();
-  if (sinceError >= 3 && !stopped) complain("syntax error");
+  if (sinceError >= 3) complain("syntax error");
   sinceError = 0;
   return false;
 }
 
 bool Parser::tooDeep() {
-  if (!stopped) complain("yacc stack overflow");
+  complain("yacc stack overflow");
   stopped = true;
   return false;
 }
 
 void Parser::complain(const char* format, ...) {
+  if (stopped) return;
   std::va_list arguments;
   va_start(arguments, format);
   char text[2 * Scanner::tokenLimit];
   std::vsnprintf(text, sizeof text, format, arguments);
   va_end(arguments);
   tree.yyerror(text, scanner.currentLine(), scanner.line());
+  stopped = tree.errors() >= reportLimit;
 }
 
 static bool beginsStatement(Sign sign) {

@@ -31,6 +31,7 @@ private:
 
   // Constructs within one another that the stack is asked to bear.
   static constexpr int depthLimit = 1000;
+  static constexpr int reportLimit = 1000;
 
   const Token& peek();
   bool at(Sign sign) { return peek().sign == sign; }

@@ -288,9 +288,9 @@ Token Scanner::sign() {
 
 std::string_view Scanner::currentLine() const {
   std::size_t begin = position;
-  while (begin > 0 && isPrintable(text[begin - 1])) --begin;
+  while (begin > 0 && begin + lineLimit > position && isPrintable(text[begin - 1])) --begin;
   std::size_t end = position;
-  while (isPrintable(at(end))) ++end;
+  while (end < position + lineLimit && isPrintable(at(end))) ++end;
   return text.substr(begin, end - begin);
 }
 

@@ -13,6 +13,8 @@ class Scanner {
 public:
   /// No word or number may be longer.
   static constexpr int tokenLimit = 2048;
+  /// So much of a line is shown on each side.
+  static constexpr std::size_t lineLimit = 2048;
 
   explicit Scanner(std::string_view text) : text(text) {}
 
@@ -22,7 +24,7 @@ public:
   bool sawLongToken() const { return tooLong; }
   /// Line ends read so far.
   int line() const { return lines; }
-  /// The printable characters around the end of the last token.
+  /// The printable characters around the end of the last token, `lineLimit` to each side at most.
   std::string_view currentLine() const;
 
 private:

@@ -473,6 +473,12 @@ TEST(ScriptLimits, HostileTextsEndInAReport) {
     EXPECT_EQ(resultOf("function test() { " + body + " }"), "unparsed") << body.substr(0, 40);
     EXPECT_GE(reports.heard.size(), 1U);
   }
+  for (const char* wrong : {"x = 1 + 2 y; ", "x.fly(); "}) {
+    const ScriptReports reports;
+    EXPECT_EQ(resultOf("function test() { x; " + many(wrong, deep) + "}"), "unparsed");
+    EXPECT_EQ(reports.heard.size(), 1000U);
+    EXPECT_LT(reports.heard.back().message.size(), 5000U);
+  }
   const ScriptReports reports;
   EXPECT_EQ(resultOf("function test() { return 0" + many(" + 1", deep) + "; }"), "SFTime 100000");
   EXPECT_EQ(resultOf("function test() { return (0" + many(", 1", deep) + "); }"), "SFTime 1");
