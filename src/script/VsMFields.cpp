@@ -37,16 +37,16 @@ template <class Traits> bool VsMField<Traits>::resizeOwn(std::size_t n) {
   return true;
 }
 
-// Into the field. What it holds then counts as memory that the script has taken, of strings the characters.
+// Into the field. What it holds then counts as memory that the script has taken.
 template <class Traits> bool VsMField<Traits>::write(int first, std::span<const Stored> values) {
-  if constexpr (requires { Traits::lengthAt(live(), first); }) {
+  if constexpr (requires { Traits::bytesAt(live(), first); }) {
     std::size_t size = 0;
-    for (const Stored& value : values) size += value.size();
+    for (const Stored& value : values) size += Traits::bytesOf(value);
     Effort::add(size);
     Room& taken = roomFor(room, room.size() + size);
     size += taken.size();
     const int end = std::min(count(), first + static_cast<int>(values.size()));
-    for (int i = first; i < end; ++i) size -= std::min(size, Traits::lengthAt(live(), i));
+    for (int i = first; i < end; ++i) size -= std::min(size, Traits::bytesAt(live(), i));
     if (!taken.has(size)) return false;
     taken.take(size);
   } else {
@@ -63,10 +63,10 @@ template <class Traits> bool VsMField<Traits>::write(int first, std::span<const 
 }
 
 template <class Traits> void VsMField<Traits>::cut(int n) {
-  if constexpr (requires { Traits::lengthAt(live(), n); }) {
+  if constexpr (requires { Traits::bytesAt(live(), n); }) {
     Room& taken = roomFor(room, 0);
     std::size_t size = taken.size();
-    for (int i = n; i < count(); ++i) size -= std::min(size, Traits::lengthAt(live(), i));
+    for (int i = n; i < count(); ++i) size -= std::min(size, Traits::bytesAt(live(), i));
     taken.take(size);
   } else {
     const std::size_t size = static_cast<std::size_t>(n) * sizeof(Stored);

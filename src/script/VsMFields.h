@@ -129,8 +129,10 @@ struct MFStringTraits {
   static void give(Value& result, Stored value);
   static int count(const Field& field) { return field.getNum(); }
   static Stored at(const Field& field, int i);
-  static std::size_t lengthAt(const Field& field, int i) {
-    return static_cast<std::size_t>(field[i].getLength());
+  /// What a string takes in the field.
+  static std::size_t bytesOf(const Stored& text) { return sizeof(SbString) + text.size(); }
+  static std::size_t bytesAt(const Field& field, int i) {
+    return sizeof(SbString) + static_cast<std::size_t>(field[i].getLength());
   }
   static std::vector<Stored> values(const Field& field);
   /// False, after a report, if there would be more characters than a field may have.
