@@ -52,7 +52,7 @@ template <class Traits> bool VsMField<Traits>::write(int first, std::span<const 
   } else {
     const std::size_t size =
         std::max(static_cast<std::size_t>(count()), static_cast<std::size_t>(first) + values.size()) *
-        sizeof(Stored);
+        Traits::bytesInField;
     Room& taken = roomFor(room, size);
     if (!taken.has(size)) return false;
     taken.take(size);
@@ -69,7 +69,7 @@ template <class Traits> void VsMField<Traits>::cut(int n) {
     for (int i = n; i < count(); ++i) size -= std::min(size, Traits::bytesAt(live(), i));
     taken.take(size);
   } else {
-    const std::size_t size = static_cast<std::size_t>(n) * sizeof(Stored);
+    const std::size_t size = static_cast<std::size_t>(n) * Traits::bytesInField;
     roomFor(room, size).take(size);
   }
   Effort::addChange();

@@ -29,6 +29,7 @@ template <class MultipleField, class StoredValue> struct PlainMultiple {
   using Field = MultipleField;
   using Stored = StoredValue;
   static constexpr int most = 1 << 24;
+  static constexpr std::size_t bytesInField = sizeof(StoredValue);
 
   static int count(const Field& field) { return field.getNum(); }
   static const Stored& at(const Field& field, int i) { return *field.getValues(i); }
@@ -145,6 +146,7 @@ struct MFNodeTraits {
   using Stored = SoRef<SoNode>;
   static constexpr Type type = Type::mfNode;
   static constexpr int most = 1 << 20;
+  static constexpr std::size_t bytesInField = 200;  // none at all is a node of its own among children
   static constexpr const char* name = "MFNode";
   static constexpr const char* kind = "SFNode's";
   static constexpr const char* badElement = RTE_EXPR_MFNODE_TYPE;

@@ -444,16 +444,17 @@ TEST(ScriptLimits, FieldsOfOtherNodesToo) {
     url "vrmlscript: function fill(node, v) {
         if (v == 1) { p = node.point; p[8000000] = new SFVec3f(1, 1, 1); return p.length > 1; }
         if (v == 2) { p = node.image; p.x = 4096; p.y = 4096; p.comp = 4; return p.comp == 4; }
+        if (v == 3) { p = node.children; p[500000] = node; return p.length > 1; }
         s = 'abcdefgh'; for (i = 0; i < 20; i++) s = s + s;
         p = node.string; for (i = 0; i < 8; i++) p[i] = s; return p.length == 8;
       }
       function go(v) {
-        kind = v == 1 ? 'Coordinate { }' : (v == 2 ? 'PixelTexture { }' : 'Text { }');
+        kind = v == 1 ? 'Coordinate { }' : (v == 2 ? 'PixelTexture { }' : (v == 3 ? 'Group { }' : 'Text { }'));
         full = 0; c.length = 0;
         for (k = 0; k < 8; k++) { c[k] = new SFNode(kind); if (fill(c[k], v)) full++; }
       }" })");
-  const int fitting[] = {2, 3, 3};
-  for (int kind = 1; kind <= 3; ++kind) {
+  const int fitting[] = {2, 3, 2, 3};
+  for (int kind = 1; kind <= 4; ++kind) {
     world.field<SoSFInt32>("S", "go").setValue(kind);
     EXPECT_EQ(world.field<SoSFInt32>("S", "full").getValue(), fitting[kind - 1]) << kind;
   }
