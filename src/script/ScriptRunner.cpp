@@ -85,14 +85,21 @@ void ScriptRunner::fieldChanged() {
 }
 
 void ScriptRunner::execute() {
-  if (!VrmlScript::allEnabled) return;
+  if (!VrmlScript::allEnabled) {
+    hadToWait = true;
+    return;
+  }
   const SoRef<VrmlScript> staying(&node);
   const Running running(*this);
   if (!tree) parseBehavior();
   isUnusable = !tree;
-  if (isUnusable) return;
+  if (isUnusable) {
+    hadToWait = true;
+    return;
+  }
 
-  tree->preExecute();
+  tree->preExecute(isLate());
+  hadToWait = false;
   bool goesOn = true;
   while (next < pending.size()) {
     const EventInMemo memo = pending[next];
@@ -110,6 +117,13 @@ void ScriptRunner::execute() {
   }
   if (goesOn && eventsProcessed) tree->call(*eventsProcessed, {});
   tree->postExecute();
+}
+
+// The first event was caused by a script at another time and has not waited for this one: the toolkit cuts what goes
+// round without end, until its next notification.
+bool ScriptRunner::isLate() const {
+  return !hadToWait && next < pending.size() && pending[next].isFromScript &&
+         pending[next].time != VrmlDB::getFrameTime();
 }
 
 // The function gets the value and the time, if it asks for them.

@@ -67,6 +67,7 @@ private:
   void complainOfType(const char* kind, const SoField& field, const char* name) const;
   void complain(const std::string& message) const;
   void addEventInMemo(std::size_t eventIn, const SbTime& time);
+  bool isLate() const;
   bool handle(EventIn& eventIn, const SbTime& time);
 
   VrmlScript& node;
@@ -76,6 +77,7 @@ private:
   std::unique_ptr<VsParseTree> tree;
   Function* eventsProcessed = nullptr;
   bool isUnusable = false;  // at the last try
+  bool hadToWait = false;   // there was no run since some event came
   int executing = 0;        // runs within one another
   static inline int executingScripts = 0;
   SoOneShotSensor executeSensor;

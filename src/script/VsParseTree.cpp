@@ -41,8 +41,9 @@ bool VsParseTree::call(Function& called, std::span<const Value> arguments, Value
   return Interpreter(*this).run(called, arguments, result);
 }
 
-void VsParseTree::preExecute() {
+void VsParseTree::preExecute(bool isLate) {
   if (stepsAllowed != scriptStepLimit() || stepsTime != VrmlDB::getFrameTime()) allowSteps();
+  if (isLate && stepsAllowed > 0) stepsLeft = 1;
 }
 
 void VsParseTree::allowSteps() {

@@ -50,8 +50,9 @@ public:
   void allowSteps();
 
   /// Before and after the calls for the events of one time. What was assigned to strings, nodes, images and multiple
-  /// values goes out in `postExecute`.
-  void preExecute();
+  /// values goes out in `postExecute`. What `isLate` has gone round among scripts since another time: it is
+  /// stopped if there is a limit.
+  void preExecute(bool isLate = false);
   void postExecute();
   /// Instead of `postExecute`: nothing goes out.
   void forgetAssigned();

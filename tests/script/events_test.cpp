@@ -326,6 +326,23 @@ TEST(ScriptLimits, ScriptsThatKeepEachOtherBusyAreStopped) {
   setScriptStepLimit(0);
 }
 
+// The toolkit cuts a long row of events. It goes on with the next notification, at whatever frame time.
+TEST(ScriptLimits, EventsThatGoRoundThroughFramesAreStopped) {
+  const ScriptWorld world(R"(Group { children [
+      DEF S Script { eventIn SFInt32 ball eventOut SFInt32 out url "vrmlscript: function ball(v) { out = v + 1; }" }
+      DEF T Script { eventIn SFInt32 ball eventOut SFInt32 out url "vrmlscript: function ball(v) { out = v + 1; }" } ]
+    ROUTE S.out TO T.ball ROUTE T.out TO S.ball })");
+  setScriptStepLimit(1000000);
+  world.field<SoSFInt32>("S", "ball").setValue(1);
+  for (int frame = 0; frame < 3; ++frame) {
+    VrmlDB::setClock(VrmlDB::getFrameTime() + SbTime(1.0));
+    VrmlDB::setFrameTime();
+  }
+  setScriptStepLimit(0);
+  ASSERT_EQ(world.reports.heard.size(), 1U);
+  EXPECT_EQ(world.reports.heard[0].kind, ScriptReportKind::stopped);
+}
+
 // What takes long or much counts as many steps, or is not done.
 TEST(ScriptLimits, LongWorkIsStoppedAndMemoryIsBounded) {
   const std::string text = "s = 'x'; for (k = 0; k < 23; k++) s = s + s;";
