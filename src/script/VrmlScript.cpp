@@ -148,16 +148,19 @@ bool VrmlScript::findFieldName(const SoField* field, SbName& name) const {
 
 bool VrmlScript::readBody(tessel::WorldReader& reader) {
   const tessel::NotifyOff silence(static_cast<SoNode&>(*this));
+  bool hasUrl = false;
   for (;;) {
     const std::string_view word = reader.lexer().strictName();
     if (word.empty()) break;
     const Keyword* keyword = keywordNamed(word);
+    hasUrl = hasUrl || word == "url";
     if (!(keyword         ? readDeclaration(reader, *keyword)
           : word == "url" ? readUrl(reader)
                           : reader.readField(*this, word)))
       return false;
   }
-  if (reader.options().checkScripts) checkProgram();
+  // The program of a url that was mapped, and has no value, is that of the instances.
+  if (reader.options().checkScripts && !(hasUrl && url.isDefault())) checkProgram();
   return true;
 }
 

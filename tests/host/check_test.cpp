@@ -103,7 +103,8 @@ TEST(Check, ParsesScriptsWithoutRunningThem) {
   EXPECT_EQ(runTessel({"check", "--no-scripts", "bad.wrl"}).status, 0);
 
   makeFile("good.wrl",
-           world("Script { eventIn SFBool go url \"vrmlscript: function initialize() { x = y; }\" }"));
+           world("Script { eventIn SFBool go url \"vrmlscript: function initialize() { x = y; }\" }\n"
+                 "PROTO P [ exposedField MFString program [ ] ] { Script { url IS program } }"));
   EXPECT_THAT(runTessel({"check", "good.wrl"}).err, IsEmpty());
   makeFile("java.wrl", world("DEF J Script { eventIn SFBool go url \"javascript: function go() { }\" }"));
   const Outcome java = runTessel({"check", "java.wrl"});
