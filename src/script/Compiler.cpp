@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <limits>
+#include <span>
+#include <utility>
 
 #include <tessel/toolkit/Scoped.h>
 
@@ -270,9 +272,21 @@ int Compiler::read(Expr& expr) {
     case ExprKind::global:
       emit(Op::loadGlobal, e.line, resultOf(e), e.index);
       return e.result;
+    case ExprKind::member:
+      if (e.node >= 0) emit(Op::readAgain, e.line, e.result, e.node, e.index);
+      return resultOf(e);
     default:
       return resultOf(e);
   }
+}
+
+// A number that is read from a node is its field: what is evaluated between may change it.
+void Compiler::stayLive(Expr& expr, const Expr& next) {
+  Expr& e = last(expr);
+  if (e.kind != ExprKind::member || e.owner == Owner::ownMATH || !next.mayAssign) return;
+  const Expr& object = last(*e.a);
+  e.node = newPlace();
+  emit(Op::keep, e.line, e.node, object.kind == ExprKind::local ? object.index : object.result);
 }
 
 // A variable without a value is reported before the next operand is evaluated, if that may report too.
@@ -335,6 +349,7 @@ void Compiler::arith(Expr& expr, int variable) {
   for (; !chain.empty(); chain.pop_back()) {
     Expr& e = *chain.back();
     const bool wasChecked = checkBefore(*e.a, *e.b);
+    stayLive(*e.a, *e.b);
     evaluate(*e.b);
     const int left = read(*e.a);
     const int right = read(*e.b);
@@ -351,6 +366,7 @@ void Compiler::logic(Expr& expr) {
   if (isAnd || expr.sign == Sign::logicalOr) {
     const int left = operand(*expr.a);
     decided.push_back(emit(isAnd ? Op::andLeft : Op::orLeft, expr.line, resultOf(expr), left));
+    stayLive(*expr.a, *expr.b);
     evaluate(*expr.b);
     const int again = read(*expr.a);
     const int right = read(*expr.b);
@@ -359,6 +375,7 @@ void Compiler::logic(Expr& expr) {
     evaluate(*expr.a);
     const bool wasChecked = checkBefore(*expr.a, *expr.b);
     if (!isSimple(*expr.b)) ifNone(*expr.a, decided);
+    stayLive(*expr.a, *expr.b);
     evaluate(*expr.b);
     const int left = read(*expr.a);
     const int right = read(*expr.b);
@@ -394,7 +411,7 @@ void Compiler::incDec(Expr& expr) {
   const int before = operand(*expr.a);
   failed.push_back(emit(Op::increment, expr.line, result, before, -1, -1, step));
   const int kept = expr.isPrefix ? -1 : newPlace();
-  if (!expr.isPrefix) emit(Op::keepNumber, expr.line, kept, before);
+  if (!expr.isPrefix) emit(Op::keep, expr.line, kept, before);
   assignTo(target, result, true, failed);
   if (!expr.isPrefix) emit(Op::copy, expr.line, result, kept);
   land(failed);
@@ -419,6 +436,7 @@ void Compiler::assign(Expr& expr, bool wantsResult) {
   bool wasChecked = false;
   if (!isSimpleTarget(target)) wasChecked = checkBefore(value, target);
   if (wantsResult || !isSimpleTarget(target)) ifNone(value, failed);
+  stayLive(value, target);
   assignTo(target, -1, wasChecked, failed, &value);
   if (wantsResult) {
     emit(Op::copyResult, expr.line, resultOf(expr), resultOf(target));
@@ -440,8 +458,7 @@ void Compiler::assignTo(Expr& target, int place, bool wasChecked, Jumps& failed,
       emit(Op::storeGlobal, target.line, target.index, from());
       return;
     case ExprKind::arrayVar: {
-      indexAndArray(target, failed);
-      const int index = read(*target.b);
+      const int index = indexAndArray(target, failed);
       const int array = read(*target.a);
       emit(Op::setElement, target.line, resultOf(target), array, index, from(), wasChecked);
       return;
@@ -457,17 +474,23 @@ void Compiler::assignTo(Expr& target, int place, bool wasChecked, Jumps& failed,
   }
 }
 
-// The index first; it must be a number for the array to be evaluated.
-void Compiler::indexAndArray(Expr& expr, Jumps& failed) {
+// The index first, which is what it was then; it must be a number for the array to be evaluated.
+int Compiler::indexAndArray(Expr& expr, Jumps& failed) {
   evaluate(*expr.b);
-  if (!isSimple(*expr.a)) failed.push_back(emit(Op::checkIndex, expr.line, -1, read(*expr.b)));
+  if (isSimple(*expr.a)) return read(*expr.b);
+  int index = read(*expr.b);
+  failed.push_back(emit(Op::checkIndex, expr.line, -1, index));
+  if (last(*expr.b).kind == ExprKind::local && expr.a->mayAssign) {
+    const int variable = std::exchange(index, newPlace());
+    emit(Op::keep, expr.line, index, variable);
+  }
   evaluate(*expr.a);
+  return index;
 }
 
 void Compiler::arrayVar(Expr& expr) {
   Jumps failed;
-  indexAndArray(expr, failed);
-  const int index = read(*expr.b);
+  const int index = indexAndArray(expr, failed);
   const int array = read(*expr.a);
   int before = index;
   // A variable that is looked at just before costs nothing here.
@@ -483,10 +506,14 @@ void Compiler::arrayVar(Expr& expr) {
 
 // Evaluates the arguments in order, then lists their places. One without a value ends it.
 int Compiler::argumentList(Expr& expr, Jumps& failed) {
-  for (Expr* argument : expr.list) {
-    evaluate(*argument);
-    checkVariable(*argument);
-    ifNone(*argument, failed);
+  for (std::size_t i = 0; i < expr.list.size(); ++i) {
+    Expr& argument = *expr.list[i];
+    evaluate(argument);
+    checkVariable(argument);
+    ifNone(argument, failed);
+    const auto rest = std::span(expr.list).subspan(i + 1);
+    if (const auto assigns = std::ranges::find_if(rest, &Expr::mayAssign); assigns != rest.end())
+      stayLive(argument, **assigns);
   }
   std::vector<std::int32_t> list;
   for (Expr* argument : expr.list) list.push_back(read(*argument));

@@ -44,6 +44,7 @@ private:
   void evaluate(Expr& expr);
   int read(Expr& expr);
   int operand(Expr& expr);
+  void stayLive(Expr& expr, const Expr& next);
   bool checkBefore(Expr& expr, const Expr& next);
   bool isLast(Op op) const { return !out.code.empty() && out.code.back().op == op; }
   void checkVariable(Expr& expr);
@@ -55,7 +56,7 @@ private:
   void incDec(Expr& expr);
   void assign(Expr& expr, bool wantsResult);
   void assignTo(Expr& target, int place, bool wasChecked, Jumps& failed, Expr* value = nullptr);
-  void indexAndArray(Expr& expr, Jumps& failed);
+  int indexAndArray(Expr& expr, Jumps& failed);
   void arrayVar(Expr& expr);
   void method(Expr& expr);
   void call(Expr& expr);

@@ -55,7 +55,7 @@ enum class Op : std::uint8_t {
   increment,          ///< dst = a + aux; goes on at target `b` if `a` is no number
   incrementVariable,  ///< variable a += aux; dst = the new value if c, else the old one; if there is none, goes
                       ///< on at target `b`, if that is not -1
-  keepNumber,         ///< dst = the number a, if it is one
+  keep,               ///< dst = a, as it is now
   assign,         ///< variable dst = a; if b >= 0, place b becomes the variable's value; nothing without a
   copy,           ///< dst = a, as a handle
   copyResult,     ///< dst.setValue(a)
@@ -75,6 +75,7 @@ enum class Op : std::uint8_t {
   getElement,  ///< dst = a[b]; `c` is b, or with aux a variable, reported before if undefined
   setElement,  ///< a[b] = c, dst = what was assigned, or nothing if that can't be done
   getMember,   ///< dst = a.property; b: the member access; aux: the property
+  readAgain,   ///< dst = the number that is now in the field of node a, if dst is a number; b: the member access
   setMember,   ///< a.property = c, like getMember; aux: also `isChecked`
   setMathMember,   ///< reports
   acceptsCall,     ///< goes on at target `b` unless object `a` takes method `aux` with `c` arguments

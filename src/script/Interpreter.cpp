@@ -253,7 +253,7 @@ bool Interpreter::loop() {
       case Op::increment:
         pc = incrementOther(i) ? pc + 1 : code + i.b;
         break;
-      case Op::keepNumber:
+      case Op::keep:
         base[i.dst] = base[i.a];
         ++pc;
         break;
@@ -412,6 +412,7 @@ bool Interpreter::loop() {
       case Op::appendElement:
         pc = onObject(i) ? pc + 1 : code + i.b;
         break;
+      case Op::readAgain:
       case Op::setMathMember:
       case Op::callMethod:
       case Op::callBrowser:

@@ -53,6 +53,12 @@ bool Interpreter::onObject(const Instruction& i) {
         object->memberEvaluate(window[i.dst], static_cast<Property>(i.aux), access.name());
       return true;
     }
+    case Op::readAgain: {
+      const Value& holder = window[i.a];
+      if (holder.type() == Type::sfNode && window[i.dst].isScalar())
+        static_cast<VsSFNode*>(holder.object())->readNumber(window[i.dst], tree.memberAccess(i.b));
+      return true;
+    }
     case Op::setMember: {
       checkVariable(i.a);
       const Value holder = window[i.a];

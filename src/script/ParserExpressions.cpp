@@ -91,7 +91,8 @@ Expr* Parser::make(ExprKind kind, int line, Expr* a, Expr* b, Expr* c) {
   expr.b = b;
   expr.c = c;
   // A chain such as a + b + c leans to the left and is worked off in a loop.
-  expr.mayAssign = kind == ExprKind::assign || kind == ExprKind::call;
+  expr.mayAssign = kind == ExprKind::assign || kind == ExprKind::incDec || kind == ExprKind::call ||
+                   kind == ExprKind::method;
   for (const Expr* below : {a, b, c}) expr.mayAssign = expr.mayAssign || (below && below->mayAssign);
   const bool isChain = kind == ExprKind::arith && a->kind == ExprKind::arith;
   for (const Expr* below : {isChain ? nullptr : a, b, c})

@@ -42,10 +42,11 @@ struct Expr {
   Property property = Property::other;
   bool isPrefix = false;
   int line = 0;
-  bool mayAssign = false;  ///< variables: something below does, or a function that it calls
+  bool mayAssign = false;  ///< to variables or fields: something below does, or what it calls
   int height = 1;          ///< of the tree below, this one included
   int index = -1;          ///< of a local, global, constant or member access
   int result = -1;         ///< where the compiler keeps its result
+  int node = -1;           ///< and, of a member access that is read again, its node
   Expr* a = nullptr;
   Expr* b = nullptr;
   Expr* c = nullptr;

@@ -135,6 +135,12 @@ void VsSFNode::readProperty(Value& result, VsMemberAccess& access) const {
     result = fieldObjectOver(*event.field, true);
 }
 
+void VsSFNode::readNumber(Value& result, VsMemberAccess& access) const {
+  VrmlNode* owner = asVrmlNode(node());
+  const SoField* field = owner ? access.eventOut(*owner).field : nullptr;
+  if (field && isScalar(typeOf(*field))) readScalar(*field, typeOf(*field), result);
+}
+
 void VsSFNode::writeProperty(Value& holder, VsMemberAccess& access, const Value& newValue) const {
   VrmlNode* owner = ownerOf(node(), "assign to", access);
   if (!owner) return;

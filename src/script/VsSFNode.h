@@ -43,6 +43,8 @@ public:
 
   // The properties, at one place in a script. What is no number and no vector is sent when the run is over.
   void readProperty(Value& result, VsMemberAccess& access) const;
+  /// The number that the field holds now, if it holds one.
+  void readNumber(Value& result, VsMemberAccess& access) const;
   void writeProperty(Value& holder, VsMemberAccess& access, const Value& newValue) const;
 
 private:
