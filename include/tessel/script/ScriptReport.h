@@ -32,9 +32,10 @@ using ScriptReportHandler = void(const ScriptReport& report, void* data);
 /// `postPlain`, and ends the process with status 1 after a long token. The handler must not run or delete Scripts.
 TESSEL_API void setScriptReportHandler(ScriptReportHandler* handler, void* data);
 
-/// A limit for the steps (passes of loops, calls of functions, KiB that are written or searched) that a Script may
-/// take for an event, with all events that it and other Scripts cause by it at that frame time; 0, the default, for
-/// none. What a Script still had to do for the event when it was stopped is not done.
+/// A limit for the steps that a Script may take for an event, with all events that it and other Scripts cause by it at
+/// that frame time; 0, the default, for none. Steps are passes of loops and calls of functions, longer ones more, KiB
+/// that are written or searched, and the reports, changes of fields and nodes that hear of these. What a Script still
+/// had to do for the event when it was stopped is not done.
 TESSEL_API void setScriptStepLimit(std::int64_t steps);
 
 }  // namespace tessel
