@@ -2,8 +2,8 @@
 #include "script/Compiler.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
-#include <span>
 #include <utility>
 
 #include <tessel/toolkit/Scoped.h>
@@ -506,14 +506,15 @@ void Compiler::arrayVar(Expr& expr) {
 
 // Evaluates the arguments in order, then lists their places. One without a value ends it.
 int Compiler::argumentList(Expr& expr, Jumps& failed) {
-  for (std::size_t i = 0; i < expr.list.size(); ++i) {
-    Expr& argument = *expr.list[i];
-    evaluate(argument);
-    checkVariable(argument);
-    ifNone(argument, failed);
-    const auto rest = std::span(expr.list).subspan(i + 1);
-    if (const auto assigns = std::ranges::find_if(rest, &Expr::mayAssign); assigns != rest.end())
-      stayLive(argument, **assigns);
+  // Those before the last one that assigns stay live.
+  auto assigning = expr.list.rbegin();
+  while (assigning != expr.list.rend() && !(*assigning)->mayAssign) ++assigning;
+  auto numLive = std::distance(assigning, expr.list.rend()) - 1;
+  for (Expr* argument : expr.list) {
+    evaluate(*argument);
+    checkVariable(*argument);
+    ifNone(*argument, failed);
+    if (numLive-- > 0) stayLive(*argument, **assigning);
   }
   std::vector<std::int32_t> list;
   for (Expr* argument : expr.list) list.push_back(read(*argument));

@@ -137,8 +137,9 @@ void VsSFNode::readProperty(Value& result, VsMemberAccess& access) const {
 
 void VsSFNode::readNumber(Value& result, VsMemberAccess& access) const {
   VrmlNode* owner = asVrmlNode(node());
-  const SoField* field = owner ? access.eventOut(*owner).field : nullptr;
-  if (field && isScalar(typeOf(*field))) readScalar(*field, typeOf(*field), result);
+  const NodeEvent event = owner ? access.eventOut(*owner) : NodeEvent();
+  if (event.isEventOut() && isScalar(typeOf(*event.field)))
+    readScalar(*event.field, typeOf(*event.field), result);
 }
 
 void VsSFNode::writeProperty(Value& holder, VsMemberAccess& access, const Value& newValue) const {
