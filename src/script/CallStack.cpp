@@ -9,6 +9,27 @@ namespace tessel::script {
 
 static constexpr std::size_t chunkSize = 4096;
 
+// For a run within a run of the same function.
+Value* CallStack::windowWithin(const Function& function) {
+  const std::size_t size = function.window.size();
+  if (static_cast<std::size_t>(end - free) < size) growFor(size);
+  Value* window = free;
+  free += size;
+  values += size;
+  for (int i = 0; i < function.numVariables; ++i) window[i].clear(Type::undefined);
+  Value* constant = window + function.numVariables;
+  for (const Value& one : function.constants) (constant++)->setValue(one);
+  return window;
+}
+
+void CallStack::giveUpWithin(const Function& function, Value* window) {
+  const std::size_t size = function.window.size();
+  for (std::size_t i = 0; i < size; ++i) window[i].clear();
+  free = window;
+  values -= size;
+  if (free == begin && chunk > 0) shrink();
+}
+
 // Goes on to a chunk with that much room; those that are there are tried first.
 void CallStack::growFor(std::size_t size) {
   if (begin) chunks[chunk++].left = free;

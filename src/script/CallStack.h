@@ -25,44 +25,34 @@ public:
     std::int32_t dst;
   };
 
+  /// The runs that have a caller in the script.
   std::size_t depth() const { return callers.size(); }
   bool isFull(const Function& next) const {
-    return callers.size() >= depthLimit || (next.isRunning && values + next.window.size() > valueLimit);
+    return callers.size() + outermost >= depthLimit ||
+           (next.isRunning && values + next.window.size() > valueLimit);
   }
 
   const Caller& innermost() const { return callers.back(); }
 
-  /// A window for a run, with variables undefined.
+  /// A window for a run, with variables undefined. An outermost run has no caller.
+  Value* enter(Function& function) {
+    ++outermost;
+    return windowOf(function);
+  }
   Value* enter(Function& function, const Caller& caller) {
     callers.push_back(caller);
-    if (!function.isRunning) {
-      function.isRunning = true;
-      return function.window.data();
-    }
-    const std::size_t size = function.window.size();
-    if (static_cast<std::size_t>(end - free) < size) growFor(size);
-    Value* window = free;
-    free += size;
-    values += size;
-    for (int i = 0; i < function.numVariables; ++i) window[i].clear(Type::undefined);
-    Value* constant = window + function.numVariables;
-    for (const Value& one : function.constants) (constant++)->setValue(one);
-    return window;
+    return windowOf(function);
   }
 
   /// Ends the innermost run, which worked on that window.
+  void leaveOutermost(Function& function, Value* window) {
+    --outermost;
+    giveUp(function, window);
+  }
   Caller leave(Function& function, Value* window) {
     const Caller caller = callers.back();
     callers.pop_back();
-    if (window == function.window.data()) {
-      keep(function);
-    } else {
-      const std::size_t size = function.window.size();
-      for (std::size_t i = 0; i < size; ++i) window[i].clear();
-      free = window;
-      values -= size;
-      if (free == begin && chunk > 0) shrink();
-    }
+    giveUp(function, window);
     return caller;
   }
 
@@ -73,10 +63,24 @@ private:
     Value* left = nullptr;  // where it was free when the next one was taken
   };
 
+  Value* windowOf(Function& function) {
+    if (function.isRunning) return windowWithin(function);
+    function.isRunning = true;
+    return function.window.data();
+  }
+  void giveUp(Function& function, Value* window) {
+    if (window == function.window.data())
+      keep(function);
+    else
+      giveUpWithin(function, window);
+  }
+  Value* windowWithin(const Function& function);
+  void giveUpWithin(const Function& function, Value* window);
   void growFor(std::size_t size);
   void shrink();
   void keep(Function& function);
 
+  std::size_t outermost = 0;  // runs
   std::vector<Caller> callers;
   std::vector<Chunk> chunks;
   std::size_t chunk = 0;  // the one in use

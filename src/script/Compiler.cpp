@@ -412,7 +412,7 @@ void Compiler::incDec(Expr& expr) {
   failed.push_back(emit(Op::increment, expr.line, result, before, -1, -1, step));
   const int kept = expr.isPrefix ? -1 : newPlace();
   if (!expr.isPrefix) emit(Op::keep, expr.line, kept, before);
-  assignTo(target, result, true, failed);
+  assignTo(target, result, isChecked, failed);
   if (!expr.isPrefix) emit(Op::copy, expr.line, result, kept);
   land(failed);
 }
@@ -437,7 +437,7 @@ void Compiler::assign(Expr& expr, bool wantsResult) {
   if (!isSimpleTarget(target)) wasChecked = checkBefore(value, target);
   if (wantsResult || !isSimpleTarget(target)) ifNone(value, failed);
   stayLive(value, target);
-  assignTo(target, -1, wasChecked, failed, &value);
+  assignTo(target, -1, (wasChecked ? isChecked : 0) | (wantsResult ? 0 : isUnused), failed, &value);
   if (wantsResult) {
     emit(Op::copyResult, expr.line, resultOf(expr), resultOf(target));
     done.push_back(emit(Op::jump, expr.line));
@@ -448,7 +448,7 @@ void Compiler::assign(Expr& expr, bool wantsResult) {
 }
 
 // Gives what lies at a place, or else what `value` reads as, to an element, a property or a variable.
-void Compiler::assignTo(Expr& target, int place, bool wasChecked, Jumps& failed, Expr* value) {
+void Compiler::assignTo(Expr& target, int place, int flags, Jumps& failed, Expr* value) {
   const auto from = [&] { return value ? read(*value) : place; };
   switch (target.kind) {
     case ExprKind::local:
@@ -460,7 +460,7 @@ void Compiler::assignTo(Expr& target, int place, bool wasChecked, Jumps& failed,
     case ExprKind::arrayVar: {
       const int index = indexAndArray(target, failed);
       const int array = read(*target.a);
-      emit(Op::setElement, target.line, resultOf(target), array, index, from(), wasChecked);
+      emit(Op::setElement, target.line, resultOf(target), array, index, from(), flags & isChecked);
       return;
     }
     default:
@@ -470,7 +470,7 @@ void Compiler::assignTo(Expr& target, int place, bool wasChecked, Jumps& failed,
       }
       const int object = operand(*target.a);
       emit(Op::setMember, target.line, resultOf(target), object, target.index, from(),
-           static_cast<int>(target.property) + (wasChecked ? isChecked : 0));
+           static_cast<int>(target.property) | flags);
   }
 }
 

@@ -55,7 +55,7 @@ private:
   void condExpr(Expr& expr);
   void incDec(Expr& expr);
   void assign(Expr& expr, bool wantsResult);
-  void assignTo(Expr& target, int place, bool wasChecked, Jumps& failed, Expr* value = nullptr);
+  void assignTo(Expr& target, int place, int flags, Jumps& failed, Expr* value = nullptr);
   int indexAndArray(Expr& expr, Jumps& failed);
   void arrayVar(Expr& expr);
   void method(Expr& expr);

@@ -1,23 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "script/Declarations.h"
 
-#include <algorithm>
-#include <functional>
+#include <cstddef>
 
 namespace tessel::script {
-
-static bool isBefore(const std::pair<const void*, int>& one, const void* address) {
-  return std::less<>()(one.first, address);
-}
-
-void Declarations::Numbers::add(const void* address, int number) {
-  sorted.insert(std::lower_bound(sorted.begin(), sorted.end(), address, isBefore), {address, number});
-}
-
-int Declarations::Numbers::find(const void* address) const {
-  const auto found = std::lower_bound(sorted.begin(), sorted.end(), address, isBefore);
-  return found == sorted.end() || found->first != address ? -1 : found->second;
-}
 
 Declarations::Declarations(SoFieldContainer& node, const SoFieldData& ofClass)
     : node(node), ofClass(ofClass), all(std::make_unique<SoFieldData>(ofClass)) {}
@@ -36,14 +22,15 @@ const Declarations::Declared& Declarations::enter(Declared declared) {
   if (!isNew) declared.kind = FieldKind::internal;
   const int number = static_cast<int>(list.size());
   if (isNew) byName.add(declared.name.getString(), number);
-  byAddress.add(declared.field.get(), number);
+  byAddress.add(declared.field.get(), {declared.kind, valueTypeOf(*declared.field), declared.index, number});
   return list.emplace_back(std::move(declared));
 }
 
 // The toolkit's tables only grow, so all others are entered anew.
 bool Declarations::remove(const SbName& name) {
-  const int number = byName.find(name.getString());
-  if (number < 0) return false;
+  const auto* found = byName.find(name.getString());
+  if (!found) return false;
+  const int number = found->second;
   std::vector<Declared> others = std::exchange(list, {});
   const Declared removed =
       std::move(others[static_cast<std::size_t>(number)]);  // goes when the table is without it

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -40,35 +42,58 @@ public:
   /// False if there is none of that name.
   bool remove(const SbName& name);
 
-  const Declared* named(const SbName& name) const { return at(byName.find(name.getString())); }
-  const Declared* of(const SoField* field) const { return at(byAddress.find(field)); }
+  const Declared* named(const SbName& name) const {
+    const auto* found = byName.find(name.getString());
+    return found ? &(*this)[found->second] : nullptr;
+  }
 
+  /// What an event needs to know of its field.
+  struct Known {
+    FieldKind kind;
+    ValueType type;
+    int index;   ///< among all fields of the node; -1 if the name was taken
+    int number;  ///< in file order
+  };
+  /// Null for a field that is not declared.
+  const Known* of(const SoField* field) const {
+    const auto* found = byAddress.find(field);
+    return found ? &found->second : nullptr;
+  }
+
+  const Declared& operator[](int number) const { return list[static_cast<std::size_t>(number)]; }
   std::size_t size() const { return list.size(); }
   auto begin() const { return list.begin(); }
   auto end() const { return list.end(); }
 
 private:
-  // Finds numbers by addresses. The toolkit keeps each name once, so that a name has an address too.
-  class Numbers {
+  // Finds things by addresses. The toolkit keeps each name once, so that a name has an address too.
+  template <class Thing> class ByAddress {
   public:
-    void add(const void* address, int number);
-    int find(const void* address) const;
+    using Entry = std::pair<const void*, Thing>;
+    void add(const void* address, const Thing& thing) {
+      sorted.insert(std::lower_bound(sorted.begin(), sorted.end(), address, isBefore), {address, thing});
+    }
+    const Entry* find(const void* address) const {
+      const auto found = std::lower_bound(sorted.begin(), sorted.end(), address, isBefore);
+      return found == sorted.end() || found->first != address ? nullptr : &*found;
+    }
     void clear() { sorted.clear(); }
 
   private:
-    std::vector<std::pair<const void*, int>> sorted;
+    static bool isBefore(const Entry& one, const void* address) {
+      return std::less<>()(one.first, address);
+    }
+    std::vector<Entry> sorted;
   };
 
-  const Declared* at(int number) const {
-    return number < 0 ? nullptr : &list[static_cast<std::size_t>(number)];
-  }
   const Declared& enter(Declared declared);
 
+  ByAddress<Known> byAddress;
+  ByAddress<int> byName;
+  std::vector<Declared> list;
   SoFieldContainer& node;
   const SoFieldData& ofClass;
   std::unique_ptr<SoFieldData> all;
-  std::vector<Declared> list;
-  Numbers byName, byAddress;
 };
 
 }  // namespace tessel::script

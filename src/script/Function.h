@@ -29,20 +29,20 @@ struct Function {
     return numVariables++;
   }
 
-  std::string name;
-  int index;  ///< in its tree
-  int numArgs = 0;
-  int numVariables = 0;  ///< parameters and locals
-  int steps = 1;         ///< that a run counts as
-  std::unordered_map<std::string, int> places;
-
+  // First what every run needs.
   std::vector<Instruction> code;
-  std::vector<int> lines;               ///< of each instruction; line ends before it in the text
+  std::vector<Value> window;  ///< of the outermost run
+  int numArgs = 0;
+  int numVariables = 0;       ///< parameters and locals
+  int steps = 1;              ///< that a run counts as
+  bool isRunning = false;
+  bool mayHoldNodes = false;            ///< places other than variables may
   std::vector<std::int32_t> arguments;  ///< the places that methods take their arguments from
   std::vector<Value> constants;
-  std::vector<Value> window;  ///< of the outermost run
-  bool isRunning = false;
-  bool mayHoldNodes = false;  ///< places other than variables may
+  std::vector<int> lines;  ///< of each instruction; line ends before it in the text
+  std::string name;
+  int index;  ///< in its tree
+  std::unordered_map<std::string, int> places;
 };
 
 }  // namespace tessel::script

@@ -76,7 +76,7 @@ enum class Op : std::uint8_t {
   setElement,  ///< a[b] = c, dst = what was assigned, or nothing if that can't be done
   getMember,   ///< dst = a.property; b: the member access; aux: the property
   readAgain,   ///< dst = the number that is now in the field of node a, if dst is a number; b: the member access
-  setMember,   ///< a.property = c, like getMember; aux: also `isChecked`
+  setMember,   ///< a.property = c, like getMember; aux: also `isChecked`, `isUnused`
   setMathMember,   ///< reports
   acceptsCall,     ///< goes on at target `b` unless object `a` takes method `aux` with `c` arguments
   callMethod,      ///< dst = a.method aux(c arguments from argument list b)
@@ -90,8 +90,9 @@ enum class Op : std::uint8_t {
   parseFloat,      ///< dst = parseFloat(...)
 };
 
-/// Stands above the property that is set, which has one byte: that the variable given to it has a value was looked at before.
-constexpr int isChecked = 256;
+// These stand above the property that is set, which has one byte.
+constexpr int isChecked = 1 << 8;  ///< that the variable given to it has a value was looked at before
+constexpr int isUnused = 1 << 9;   ///< nobody asks for what was assigned
 
 struct Instruction {
   Op op = Op::end;

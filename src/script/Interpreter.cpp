@@ -25,9 +25,10 @@ bool Interpreter::run(Function& called, std::span<const Value> arguments, Value*
   if (!enter(called)) return true;
   const std::size_t count = std::min(arguments.size(), static_cast<std::size_t>(called.numArgs));
   for (std::size_t i = 0; i < count; ++i) window[i].setValue(arguments[i]);
-  if (takeSteps(called.code.front(), called.steps) && loop()) return true;
+  const bool isWhole = takeSteps(called.code.front(), called.steps) && loop();
   while (tree.stack.depth() > bottom) leave();
-  return false;
+  tree.stack.leaveOutermost(*function, window);
+  return isWhole;
 }
 
 // Begins a run. What it returns to is where the interpreter stands.
@@ -36,16 +37,15 @@ bool Interpreter::enter(Function& called) {
     VsError::postRuntimeError("Functions are called more than %zu deep", CallStack::depthLimit);
     return false;
   }
-  const bool isFirst = !function;
-  window = tree.stack.enter(called, {function, window, isFirst ? nullptr : at + 2, isFirst ? -1 : at->dst});
+  window = function ? tree.stack.enter(called, {function, window, at + 2, at->dst}) : tree.stack.enter(called);
   function = &called;
   return true;
 }
 
 // A value that is given back is assigned where the call stands. A run without one leaves there what it finds.
 void Interpreter::giveBack(const Value& value) {
-  const CallStack::Caller& caller = tree.stack.innermost();
-  if (tree.stack.depth() > bottom + 1) {
+  if (tree.stack.depth() > bottom) {
+    const CallStack::Caller& caller = tree.stack.innermost();
     caller.window[caller.dst].setValue(value);
   } else if (outcome) {
     outcome->setValue(value);
@@ -353,8 +353,8 @@ bool Interpreter::loop() {
         giveBack(base[i.a]);
         [[fallthrough]];
       case Op::end:
-        leave();
         if (tree.stack.depth() == bottom) return true;
+        leave();
         base = window;
         code = function->code.data();
         pc = at;

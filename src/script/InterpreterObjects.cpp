@@ -62,12 +62,14 @@ bool Interpreter::onObject(const Instruction& i) {
     case Op::setMember: {
       checkVariable(i.a);
       const Value holder = window[i.a];
-      window[i.dst].clear();
+      Value& result = window[i.dst];
+      result.clear();
       VsMemberAccess& access = tree.memberAccess(i.b);
       if (holder.type() == Type::sfNode)
-        static_cast<VsSFNode*>(holder.object())->writeProperty(window[i.dst], access, window[i.c]);
+        static_cast<VsSFNode*>(holder.object())
+            ->writeProperty(i.aux & isUnused ? nullptr : &result, access, window[i.c]);
       else if (VsField* object = objectOf(holder))
-        object->memberAssign(window[i.dst], static_cast<Property>(i.aux), access.name(), window[i.c]);
+        object->memberAssign(result, static_cast<Property>(i.aux), access.name(), window[i.c]);
       return true;
     }
     case Op::setMathMember:

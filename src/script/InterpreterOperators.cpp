@@ -269,7 +269,7 @@ void Interpreter::setElement(const Instruction& i) {
 // What a property is to be set to.
 bool Interpreter::hasValue(const Instruction& i) {
   at = &i;
-  if (i.aux < isChecked) checkVariable(i.c);
+  if (!(i.aux & isChecked)) checkVariable(i.c);
   return !window[i.c].isNone();
 }
 

@@ -13,6 +13,7 @@
 
 #include "core/Effort.h"
 #include "core/FieldSpec.h"
+#include "script/GlobalVar.h"
 
 namespace tessel::script {
 namespace {
@@ -50,12 +51,12 @@ NodeEvent findNodeEvent(VrmlNode& node, const SbName& name, bool isEventIn) {
   const std::string_view text = name.getString();
   if (!field) field = isEventIn ? findBehindSet(node, text) : findBeforeChanged(node, text);
   if (!field) return {};
-  return {field, static_cast<FieldKind>(node.getFieldType(field))};
+  return {field, static_cast<FieldKind>(node.getFieldType(field)), typeOf(*field)};
 }
 
 // Fields in the table of a class are the same in all its nodes, unless these have others of their own.
 NodeEvent NodeEventCache::find(VrmlNode& node, const SbName& name, bool isEventIn) {
-  if (node.getTypeId() == type) return {spec->in(node), spec->kind};
+  if (node.getTypeId() == nodeType) return {spec->in(node), spec->kind, type};
   const NodeEvent event = findNodeEvent(node, name, isEventIn);
   const bool hasOwn =
       node.isOfType(VrmlProtoUse::getClassTypeId()) || node.isOfType(VrmlScript::getClassTypeId());
@@ -63,7 +64,8 @@ NodeEvent NodeEventCache::find(VrmlNode& node, const SbName& name, bool isEventI
   if (!event.field || hasOwn || !node.findFieldName(event.field, own)) return event;
   const FieldSpec* found = node.findField(own.getString());
   if (found && found->in(node) == event.field) {
-    type = node.getTypeId();
+    nodeType = node.getTypeId();
+    type = event.type;
     spec = found;
   }
   return event;

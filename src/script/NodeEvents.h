@@ -6,6 +6,8 @@
 
 #include <tessel/core/FieldKind.h>
 
+#include "script/Type.h"
+
 class SoField;
 class SoNode;
 class VrmlNode;
@@ -20,6 +22,7 @@ namespace tessel::script {
 struct NodeEvent {
   SoField* field = nullptr;
   FieldKind kind = FieldKind::internal;
+  Type type = Type::undefined;  ///< of its values
   /// Whether events may be sent to it, or listened to.
   bool isEventIn() const { return kind == FieldKind::eventIn || kind == FieldKind::exposedField; }
   bool isEventOut() const { return kind == FieldKind::eventOut || kind == FieldKind::exposedField; }
@@ -35,7 +38,8 @@ public:
   NodeEvent find(VrmlNode& node, const SbName& name, bool isEventIn);
 
 private:
-  SoType type = SoType::badType();
+  SoType nodeType = SoType::badType();
+  Type type = Type::undefined;
   const FieldSpec* spec = nullptr;
 };
 

@@ -25,9 +25,12 @@ static constexpr std::size_t maxWaiting = 10000;
 
 ScriptRunner::ScriptRunner(VrmlScript& node) : node(node), executeSensor(executeSensorCB, this) {
   executeSensor.setPriority(0);
-  for (const auto& one : *node.declared)
+  int number = 0;
+  for (const auto& one : *node.declared) {
     if (one.kind == FieldKind::eventIn)
-      eventIns.push_back({one.name, one.index, one.field.get(), nullptr, {}});
+      eventIns.emplace_back(one.name, one.field.get(), number);
+    ++number;
+  }
 }
 
 ScriptRunner::~ScriptRunner() = default;
@@ -49,10 +52,8 @@ private:
 
 void ScriptRunner::executeSensorCB(void* self, SoSensor*) { static_cast<ScriptRunner*>(self)->execute(); }
 
-bool ScriptRunner::take(const SoField* field) {
-  const auto found =
-      std::ranges::lower_bound(eventIns, node.getFieldIndex(field), std::less<>(), &EventIn::index);
-  if (found == eventIns.end() || found->field != field) return true;
+bool ScriptRunner::take(int declaration) {
+  const auto found = std::ranges::lower_bound(eventIns, declaration, std::less<>(), &EventIn::declaration);
   if (found->isBusy) return false;
   // A program that can't be parsed may never handle anything, nor one that is switched off.
   const bool keepsAll = !isUnusable && pending.size() - next < maxWaiting;
@@ -133,8 +134,8 @@ bool ScriptRunner::handle(EventIn& eventIn, const SbTime& time) {
   Value arguments[2];
   if (eventIn.function->numArgs == 0) {
     eventIn.field->evaluate();
-  } else if (const Type type = typeOf(*eventIn.field); isScalar(type)) {
-    readScalar(*eventIn.field, type, arguments[0]);
+  } else if (isScalar(eventIn.type)) {
+    readScalar(*eventIn.field, eventIn.type, arguments[0]);
   } else {
     arguments[0] = eventIn.value;
   }
@@ -190,12 +191,12 @@ bool ScriptRunner::findFunctions(VsParseTree& program) {
   for (EventIn& one : eventIns) {
     one.function = program.findFunction(one.name.getString());
     if (!one.function) continue;
-    const Type type = typeOf(*one.field);
-    if (type == Type::undefined) {
+    one.type = typeOf(*one.field);
+    if (one.type == Type::undefined) {
       complainOfType("EventIns", *one.field, one.name.getString());
       return false;
     }
-    if (!isScalar(type)) one.value = fieldObjectOver(*one.field, false);
+    if (!isScalar(one.type)) one.value = fieldObjectOver(*one.field, false);
   }
   return true;
 }

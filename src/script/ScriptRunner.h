@@ -26,9 +26,9 @@ public:
   ScriptRunner(const ScriptRunner&) = delete;
   ScriptRunner& operator=(const ScriptRunner&) = delete;
 
-  /// An event came: it waits for the end of the notification. False if the function of that eventIn is running, so
-  /// that the event is lost: this ends loops.
-  bool take(const SoField* eventIn);
+  /// An event came, for the declaration of that number: it waits for the end of the notification. False if the function
+  /// of that eventIn is running, so that the event is lost: this ends loops.
+  bool take(int declaration);
   /// A field was changed from outside: the program is to start anew.
   void fieldChanged();
   /// Handles what waits.
@@ -43,13 +43,16 @@ public:
 private:
   // An eventIn: the function of its name, the value that it is called with, and whether it runs.
   struct EventIn {
-    SbName name;
-    int index;  // of the field
+    EventIn(const SbName& name, SoField* field, int declaration)
+        : field(field), declaration(declaration), name(name) {}
     SoField* field;
+    int declaration;  // its number
+    int waiting = 0;
     Function* function = nullptr;
     Value value;
+    SbName name;
+    Type type = Type::undefined;
     bool isBusy = false;
-    int waiting = 0;
   };
   // An event that waits. Its value is looked up when it is handled.
   struct EventInMemo {

@@ -79,9 +79,18 @@ void VrmlScript::execute() {
 
 bool VrmlScript::checkProgram() { return tessel::script::ScriptRunner(*this).parseProgram() != nullptr; }
 
-static bool holdsNodes(const SoField& field) {
-  const ValueType type = tessel::valueTypeOf(field);
-  return type == ValueType::sfNode || type == ValueType::mfNode;
+static bool holdsNodes(ValueType type) { return type == ValueType::sfNode || type == ValueType::mfNode; }
+
+// False if the event is lost.
+bool VrmlScript::hear(SoField* field) {
+  const auto* known = declared->of(field);
+  if (known && holdsNodes(known->type)) tessel::suspectLoop(*this);
+  if (known && known->kind == FieldKind::eventIn) {
+    if (!runner) runner = std::make_unique<tessel::script::ScriptRunner>(*this);
+    return runner->take(known->number);
+  }
+  if (runner && getFieldType(field) == static_cast<int>(FieldKind::field)) runner->fieldChanged();
+  return true;
 }
 
 void VrmlScript::notify(SoNotList* list) {
@@ -89,15 +98,7 @@ void VrmlScript::notify(SoNotList* list) {
   SoField* field = list->getLastField();
   if (isNotifyEnabled() && field && record && record->getType() == SoNotRec::CONTAINER &&
       field->getContainer() == this) {
-    if (holdsNodes(*field)) tessel::suspectLoop(*this);
-    const auto kind = static_cast<FieldKind>(getFieldType(field));
-    if (kind == FieldKind::eventIn) {
-      if (!runner) runner = std::make_unique<tessel::script::ScriptRunner>(*this);
-      if (!runner->take(field)) return;
-    } else if (kind == FieldKind::field && runner) {
-      runner->fieldChanged();
-    }
-    if (optimizedNotify) return;
+    if (!hear(field) || optimizedNotify) return;
   }
   NodeClass::notify(list);
 }
@@ -142,7 +143,7 @@ int VrmlScript::getFieldIndex(const SoField* field) const {
 bool VrmlScript::findFieldName(const SoField* field, SbName& name) const {
   const auto* found = declared->of(field);
   if (!found) return NodeClass::findFieldName(field, name);
-  if (found->index >= 0) name = found->name;
+  if (found->index >= 0) name = (*declared)[found->number].name;
   return found->index >= 0;
 }
 

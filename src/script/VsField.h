@@ -58,6 +58,8 @@ public:
   }
   /// Vectors over a toolkit field: gives it a vector or element now.
   virtual void setVecValue(const Value& /*newValue*/) {}
+  /// Vectors: gives theirs to a toolkit field of the type.
+  virtual void sendTo(SoField& /*to*/) const {}
 
   /// Whether a call of the method may go on to its arguments: it exists, with that many. Reports what is wrong.
   virtual bool acceptsCall(Method /*method*/, int /*count*/) { return false; }

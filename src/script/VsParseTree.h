@@ -70,20 +70,25 @@ public:
   Location locationOf(int lineEnds) const;
 
   std::int64_t stepsLeft = 0;  ///< until the script is stopped
+
+private:
+  // First what every event needs.
+  std::int64_t stepsAllowed = -1;  // the limit at `stepsTime`, -1 before the first
+  SbTime stepsTime;
+  std::vector<GlobalVar> globals;
+  std::vector<VsMemberAccess> memberAccesses;
+
+public:
   CallStack stack;
 
 private:
   std::deque<Function> functions;
   std::unordered_map<std::string, int> functionPlaces;  // of the first one of each name
-  std::vector<GlobalVar> globals;
   std::unordered_map<std::string, int> globalPlaces;
-  std::vector<VsMemberAccess> memberAccesses;
   std::string nodeName;
   std::string file;
   int firstLine = 0;
   int errorCount = 0;
-  std::int64_t stepsAllowed = -1;  // the limit at `stepsTime`, -1 before the first
-  SbTime stepsTime;
 };
 
 }  // namespace tessel::script

@@ -127,41 +127,36 @@ void VsSFNode::readProperty(Value& result, VsMemberAccess& access) const {
   if (!event.field) return report(RTE_FLD_SFNODE_NO_PROP, access.name());
   if (!event.isEventOut())
     return report(RTE_FLD_SFNODE_NO_ACCESS, access.name(), RTE_FLD_SFNODE_NOT_EVENTOUT);
-  const Type type = typeOf(*event.field);
-  if (isScalar(type)) return readScalar(*event.field, type, result);
-  if (type == Type::undefined)
+  if (isScalar(event.type)) return readScalar(*event.field, event.type, result);
+  if (event.type == Type::undefined)
     return VsError::postRunningLine("createField shouldn't be called for this type");
-  if (result.type() != type || result.object()->liveField() != event.field)
+  if (result.type() != event.type || result.object()->liveField() != event.field)
     result = fieldObjectOver(*event.field, true);
 }
 
 void VsSFNode::readNumber(Value& result, VsMemberAccess& access) const {
   VrmlNode* owner = asVrmlNode(node());
   const NodeEvent event = owner ? access.eventOut(*owner) : NodeEvent();
-  if (event.isEventOut() && isScalar(typeOf(*event.field)))
-    readScalar(*event.field, typeOf(*event.field), result);
+  if (event.isEventOut() && isScalar(event.type)) readScalar(*event.field, event.type, result);
 }
 
-void VsSFNode::writeProperty(Value& holder, VsMemberAccess& access, const Value& newValue) const {
+void VsSFNode::writeProperty(Value* holder, VsMemberAccess& access, const Value& newValue) const {
   VrmlNode* owner = ownerOf(node(), "assign to", access);
   if (!owner) return;
   const SoRef<VrmlNode> staying(owner);
   const NodeEvent event = access.eventIn(*owner);
   if (!event.field) return report(RTE_FLD_SFNODE_NO_PROP, access.name());
   if (!event.isEventIn()) return report(RTE_FLD_SFNODE_NO_ASSIGN, access.name(), RTE_FLD_SFNODE_NOT_EVENTIN);
-  const Type type = typeOf(*event.field);
-  if (!fits(type, newValue, access)) return;
-  if (isScalar(type)) {
-    writeScalar(*event.field, type, newValue);
-    return readScalar(*event.field, type, holder);
-  }
-  Value over = fieldObjectOver(*event.field, true);
-  if (isVector(type)) {
-    over.object()->setVecValue(newValue);
-    holder = std::move(over);
+  if (!fits(event.type, newValue, access)) return;
+  if (isScalar(event.type)) {
+    writeScalar(*event.field, event.type, newValue);
+    if (holder) readScalar(*event.field, event.type, *holder);
+  } else if (isVector(event.type)) {
+    newValue.object()->sendTo(*event.field);
+    if (holder) *holder = fieldObjectOver(*event.field, true);
   } else {
-    access.assign(std::move(over), newValue);
-    holder.setValue(newValue);
+    access.assign(fieldObjectOver(*event.field, true), newValue);
+    if (holder) holder->setValue(newValue);
   }
 }
 

@@ -45,7 +45,7 @@ public:
   void readProperty(Value& result, VsMemberAccess& access) const;
   /// The number that the field holds now, if it holds one.
   void readNumber(Value& result, VsMemberAccess& access) const;
-  void writeProperty(Value& holder, VsMemberAccess& access, const Value& newValue) const;
+  void writeProperty(Value* holder, VsMemberAccess& access, const Value& newValue) const;
 
 private:
   void postExecute(const Value& current) override;

@@ -45,12 +45,10 @@ public:
 
   const Single& get() const { return liveField() ? static_cast<Field*>(liveField())->getValue() : own; }
   void set(const Single& value) {
-    if (SoField* field = liveField()) {
-      Effort::addChange();
-      static_cast<Field*>(field)->setValue(value);
-    } else {
+    if (SoField* field = liveField())
+      send(value, *field);
+    else
       own = value;
-    }
   }
 
   /// Where a component is kept, by its number or property; null if it is not there, or not to be reached so.
@@ -82,6 +80,7 @@ public:
     Value vector;
     if (newValue.object()->copyVector(vector, newValue.element())) set(valueOf(vector));
   }
+  void sendTo(SoField& to) const override { send(get(), to); }
   bool copyVector(Value& target, std::int32_t /*element*/) const override {
     setResult(target, get());
     return true;
@@ -125,6 +124,10 @@ public:
   void constructField(Arguments arguments) override { constructFromNumbers(arguments); }
 
 private:
+  static void send(const Single& value, SoField& to) {
+    Effort::addChange();
+    static_cast<Field&>(to).setValue(value);
+  }
   // `count` for a property that it has not.
   static int componentOf(Property property) {
     return static_cast<int>(std::ranges::find(Traits::properties, property) - Traits::properties);

@@ -88,12 +88,13 @@ private:
   struct Keyword;
 
   static const Keyword* keywordNamed(std::string_view word);
+  bool hear(SoField* field);
   bool forgetProgram();
   bool readDeclaration(tessel::WorldReader& reader, const Keyword& keyword);
   bool readUrl(tessel::WorldReader& reader);
 
   std::unique_ptr<tessel::script::Declarations> declared;
-  SbName urlFile;
-  std::vector<int> urlLines;                             // of the values that were read
   std::unique_ptr<tessel::script::ScriptRunner> runner;  // made for the first event
+  SbName urlFile;
+  std::vector<int> urlLines;  // of the values that were read
 };
