@@ -10,6 +10,8 @@
 #include <tessel/core/VrmlSFNode.h>
 #include <tessel/toolkit/Scoped.h>
 
+#include "core/AsVrmlNode.h"
+
 namespace tessel {
 
 DeepCopy::DeepCopy(bool withConnections)
@@ -83,7 +85,7 @@ void DeepCopy::useToolkitTable() {
 // What is copied.
 
 void DeepCopy::add(const SoNode& node) {
-  if (!node.isOfType(VrmlNode::getClassTypeId())) useToolkitTable();
+  if (!asVrmlNode(&node)) useToolkitTable();
   node.addToCopyDict();
 }
 
@@ -112,9 +114,7 @@ void DeepCopy::addFields(const SoNode& node) {
 
 void DeepCopy::watchConnection(const SoField& field) {
   SoField* master = nullptr;
-  const bool isOwn =
-      field.getConnectedField(master) && master->getContainer()->isOfType(VrmlNode::getClassTypeId());
-  if (!isOwn) useToolkitTable();
+  if (!field.getConnectedField(master) || !asVrmlNode(master->getContainer())) useToolkitTable();
 }
 
 // Nodes come last, with all that they hold: what they are connected with is there by then. Nothing of this is an event,

@@ -5,12 +5,14 @@
 
 #include <tessel/core/VrmlNode.h>
 
+#include "core/AsVrmlNode.h"
+
 namespace tessel {
 
 /// Appends the fields of a node or engine, for who only looks at what they hold and are connected with.
 inline void listFields(const SoFieldContainer& container, SoFieldList& fields) {
-  if (container.isOfType(VrmlNode::getClassTypeId()))
-    static_cast<const VrmlNode&>(container).listFields(fields);
+  if (const VrmlNode* node = asVrmlNode(&container))
+    node->listFields(fields);
   else
     container.getFields(fields);
 }

@@ -6,18 +6,21 @@
 
 #include <tessel/core/VrmlNode.h>
 
+#include "core/AsVrmlNode.h"
+
 namespace tessel {
 
 bool isFromHeldNode(const SoField& field, const SoNotRec* before) {
-  if (!before || !before->getBase()->isOfType(SoNode::getClassTypeId())) return false;  // an engine, at most
+  const SoBase* source = before ? before->getBase() : nullptr;
+  const bool isNode = source && (asVrmlNode(source) || source->isOfType(SoNode::getClassTypeId()));
+  if (!isNode) return false;  // an engine, at most
   SoField* master = nullptr;
-  return !field.getConnectedField(master) || master->getContainer() != before->getBase();
+  return !field.getConnectedField(master) || master->getContainer() != source;
 }
 
 bool endsAtField(const SoField& field, const SoNotList& list) {
-  const SoFieldContainer* owner = field.getContainer();
-  return owner && owner->isOfType(VrmlNode::getClassTypeId()) &&
-         !static_cast<const VrmlNode*>(owner)->heedsHeldNodes() && isFromHeldNode(field, list.getLastRec());
+  const VrmlNode* owner = asVrmlNode(field.getContainer());
+  return owner && !owner->heedsHeldNodes() && isFromHeldNode(field, list.getLastRec());
 }
 
 }  // namespace tessel

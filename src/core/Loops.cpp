@@ -16,6 +16,7 @@
 #include <tessel/toolkit/Scoped.h>
 #include <tessel/toolkit/SoRef.h>
 
+#include "core/AsVrmlNode.h"
 #include "core/FieldLists.h"
 
 namespace tessel {
@@ -74,9 +75,10 @@ template <class Visit> void visitHeld(const SoNode& node, Visit visit) {
     if (isSingle(*fields[i])) SingleField::visit(*fields[i], visit);
     if (isMultiple(*fields[i])) MultipleField::visit(*fields[i], visit);
   }
-  if (!node.isOfType(VrmlNode::getClassTypeId())) return;
+  const VrmlNode* ours = asVrmlNode(&node);
+  if (!ours) return;
   std::vector<SoNode*> held;
-  static_cast<const VrmlNode&>(node).listHeldNodes(held);
+  ours->listHeldNodes(held);
   for (SoNode* inside : held) visit(inside);
 }
 
@@ -97,10 +99,6 @@ Counts reachable(Counts start) {
     });
   }
   return held;
-}
-
-VrmlNode* asVrmlNode(SoNode* node) {
-  return node->isOfType(VrmlNode::getClassTypeId()) ? static_cast<VrmlNode*>(node) : nullptr;
 }
 
 int referencesOf(SoNode* node) {

@@ -17,6 +17,7 @@
 #include <tessel/core/VrmlMFChildren.h>
 #include <tessel/toolkit/Scoped.h>
 
+#include "core/AsVrmlNode.h"
 #include "core/DeepCopy.h"
 #include "core/NodeClassImpl.h"
 #include "core/WorldReader.h"
@@ -35,15 +36,12 @@ struct HandledMark : SoHandleEventAction {
   }
 };
 
-const VrmlNode* asVrmlNode(const SoNode& node) {
-  return node.isOfType(VrmlNode::getClassTypeId()) ? static_cast<const VrmlNode*>(&node) : nullptr;
-}
 bool isSensor(const SoNode& child) {
-  const VrmlNode* node = asVrmlNode(child);
+  const VrmlNode* node = tessel::asVrmlNode(&child);
   return node && node->isGeometricSensor();
 }
 bool actsOnSiblings(const SoNode& child) {
-  const VrmlNode* node = asVrmlNode(child);
+  const VrmlNode* node = tessel::asVrmlNode(&child);
   return node && !node->isGeometricSensor() && node->shouldRenderBeforeOtherChildren();
 }
 
@@ -222,9 +220,8 @@ std::uint32_t VrmlBaseGroup::getKidType() {
   if (kidType != tessel::KidType::notComputed) return kidType;
   kidType = 0;
   for (int i = 0; i < childList->getLength(); ++i) {
-    SoNode* child = (*childList)[i];
-    kidType |= child->isOfType(VrmlNode::getClassTypeId()) ? static_cast<VrmlNode*>(child)->getKidType()
-                                                           : tessel::KidType::foreign;
+    VrmlNode* child = tessel::asVrmlNode((*childList)[i]);
+    kidType |= child ? child->getKidType() : tessel::KidType::foreign;
   }
   return kidType;
 }
@@ -503,23 +500,30 @@ void VrmlBaseGroup::grabEventsCleanup() {
 
 // Notification.
 
-void VrmlBaseGroup::notify(SoNotList* list) {
-  const SoNotRec* record = list->getLastRec();
-  const SoField* field = list->getLastField();
-  if (record && (record->getType() == SoNotRec::CONTAINER || record->getType() == SoNotRec::PARENT)) {
-    const SoNode* source =
-        list->getFirstRecAtNode() ? static_cast<SoNode*>(list->getFirstRecAtNode()->getBase()) : nullptr;
-    const bool structural = field ? field->getTypeId() == VrmlMFChildren::getClassTypeId()
-                                  : source && source->isOfType(VrmlNode::getClassTypeId()) &&
-                                        static_cast<const VrmlNode*>(source)->holdsChildren();
-    if (structural) kidType = tessel::KidType::notComputed;
-    if (structural && record->getType() == SoNotRec::CONTAINER) {
-      recalcTraverseOrder();
-      if (!grabs.empty() && isNotifyEnabled()) dropLostGrabs();
-    } else if (structural && computedOrders && isMisplaced(record->getBase())) {
-      recalcTraverseOrder();
-    }
+// Of children that came or went, here or below.
+static bool isStructural(const SoNotList& list) {
+  if (const SoField* field = list.getLastField())
+    return field->getTypeId() == VrmlMFChildren::getClassTypeId();
+  const SoNotRec* first = list.getFirstRecAtNode();
+  const VrmlNode* source = first ? tessel::asVrmlNode(first->getBase()) : nullptr;
+  return source && source->holdsChildren();
+}
+
+void VrmlBaseGroup::structureChanged(const SoNotList& list) {
+  const SoNotRec* record = list.getLastRec();
+  const bool isHere = record && record->getType() == SoNotRec::CONTAINER;
+  if (!isHere && !(record && record->getType() == SoNotRec::PARENT)) return;
+  kidType = tessel::KidType::notComputed;
+  if (isHere) {
+    recalcTraverseOrder();
+    if (!grabs.empty() && isNotifyEnabled()) dropLostGrabs();
+  } else if (computedOrders && isMisplaced(record->getBase())) {
+    recalcTraverseOrder();
   }
+}
+
+void VrmlBaseGroup::notify(SoNotList* list) {
+  if (isStructural(*list)) structureChanged(*list);
   VrmlNode::notify(list);
 }
 

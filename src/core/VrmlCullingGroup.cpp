@@ -255,8 +255,8 @@ void VrmlCullingGroup::notify(SoNotList* list) {
     allCaches->runs.setStale();
   }
   const SoField* field = list->getLastField();
-  if (isNotifyEnabled() && list->getLastRec() && list->getLastRec()->getType() == SoNotRec::CONTAINER &&
-      (field == &addChildren || field == &removeChildren))
+  if ((field == &addChildren || field == &removeChildren) && isNotifyEnabled() && list->getLastRec() &&
+      list->getLastRec()->getType() == SoNotRec::CONTAINER)
     scheduleSensor(this);
   NodeClass::notify(list);
 }

@@ -5,13 +5,11 @@
 
 #include <tessel/core/VrmlNode.h>
 
+#include "core/AsVrmlNode.h"
+
 namespace tessel {
 
-VrmlNode* vrmlNodeOf(const SoField* field) {
-  SoFieldContainer* container = field->getContainer();
-  if (!container || !container->isOfType(VrmlNode::getClassTypeId())) return nullptr;
-  return static_cast<VrmlNode*>(container);
-}
+VrmlNode* vrmlNodeOf(const SoField* field) { return asVrmlNode(field->getContainer()); }
 
 FieldKind kindOf(const SoField* field) {
   const VrmlNode* node = vrmlNodeOf(field);
@@ -28,8 +26,8 @@ SbName fieldName(const SoField& field) {
 }
 
 std::string givenName(const SoBase& base) {
-  if (base.isOfType(VrmlNode::getClassTypeId())) {
-    const SbName& exact = static_cast<const VrmlNode&>(base).getDefName();
+  if (const VrmlNode* node = asVrmlNode(&base)) {
+    const SbName& exact = node->getDefName();
     if (exact.getLength() > 0) return exact.getString();
   }
   return base.getName().getString();

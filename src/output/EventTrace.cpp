@@ -11,6 +11,7 @@
 #include <tessel/events/VrmlFanIn.h>
 #include <tessel/output/NodeNames.h>
 
+#include "core/AsVrmlNode.h"
 #include "core/EventWatch.h"
 #include "core/ValueWriter.h"
 #include "output/NodeNamesState.h"
@@ -67,7 +68,7 @@ struct EventTrace::State : EventWatch {
   State(NodeNames& n, Sink s) : names(n), sink(std::move(s)) {
     style.oneLine = true;
     style.node = [this](std::string& out, const SoNode& node) {
-      if (!node.isOfType(VrmlNode::getClassTypeId())) {
+      if (!asVrmlNode(&node)) {
         out += node.getTypeId().getName().getString();
         return;
       }

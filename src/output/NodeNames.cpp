@@ -13,6 +13,7 @@
 #include <tessel/proto/VrmlProtoUse.h>
 #include <tessel/shapes/VrmlGeometry.h>
 
+#include "core/AsVrmlNode.h"
 #include "output/NodeNamesState.h"
 
 namespace tessel {
@@ -77,11 +78,9 @@ void NodeNames::State::lookThrough() {
 
 void NodeNames::State::visit(SoNode* node, NameScope& scope) {
   if (!node || !visited.insert(node).second) return;
-  if (!node->isOfType(VrmlNode::getClassTypeId())) {
-    visitChildren(*node, scope);
-    return;
-  }
-  VrmlNode& ours = static_cast<VrmlNode&>(*node);
+  VrmlNode* own = asVrmlNode(node);
+  if (!own) return visitChildren(*node, scope);
+  VrmlNode& ours = *own;
   if (ours.isOfType(VrmlNULL::getClassTypeId())) return;
   if (!isFileRoot(ours)) add(ours, scope);
   visitFields(ours, scope);

@@ -12,6 +12,8 @@
 #include <tessel/core/VrmlNULL.h>
 #include <tessel/core/VrmlNode.h>
 
+#include "core/AsVrmlNode.h"
+
 namespace tessel {
 
 void copyValue(const SoField& from, SoField& to) {
@@ -32,9 +34,8 @@ void copyValue(const SoField& from, SoField& to) {
 namespace {
 
 void discount(const SoNode* original, SoNode* now) {
-  if (!original || !now || !original->isOfType(VrmlNode::getClassTypeId())) return;
-  if (static_cast<const VrmlNode*>(original)->getDiscounted() > 0)
-    static_cast<VrmlNode*>(now)->discountReference();
+  const VrmlNode* ours = asVrmlNode(original);
+  if (ours && now && ours->getDiscounted() > 0) static_cast<VrmlNode*>(now)->discountReference();
 }
 
 }  // namespace

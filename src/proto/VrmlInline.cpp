@@ -19,6 +19,7 @@
 #include <tessel/toolkit/Scoped.h>
 #include <tessel/toolkit/SoRef.h>
 
+#include "core/AsVrmlNode.h"
 #include "core/NodeClassImpl.h"
 #include "core/UrlNodes.h"
 
@@ -311,10 +312,8 @@ void VrmlInline::notify(SoNotList* list) {
         dropWorld();
       }
     } else if (const SoNotRec* first = list->getFirstRecAtNode()) {
-      const auto* source = static_cast<const SoNode*>(first->getBase());
-      if (source->isOfType(VrmlNode::getClassTypeId()) &&
-          static_cast<const VrmlNode*>(source)->holdsChildren())
-        kidType = tessel::KidType::notComputed;
+      const VrmlNode* source = tessel::asVrmlNode(first->getBase());
+      if (source && source->holdsChildren()) kidType = tessel::KidType::notComputed;
     }
   }
   VrmlNode::notify(list);

@@ -16,7 +16,7 @@ namespace tessel::script {
 /// A run works on a window of values: parameters, locals, constants, then one place for the result of each
 /// expression. An expression that fails has the result of its last success, so the window outlives the run; only a
 /// run within a run of the same function has one of its own.
-struct Function {
+struct alignas(64) Function {
   Function(std::string name, int index) : name(std::move(name)), index(index) {}
 
   /// The place of a parameter or local; -1 for none of that name.
@@ -29,7 +29,7 @@ struct Function {
     return numVariables++;
   }
 
-  // First what every run needs.
+  // First what every run needs, in one line of the cache.
   std::vector<Instruction> code;
   std::vector<Value> window;  ///< of the outermost run
   int numArgs = 0;

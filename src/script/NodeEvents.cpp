@@ -71,8 +71,4 @@ NodeEvent NodeEventCache::find(VrmlNode& node, const SbName& name, bool isEventI
   return event;
 }
 
-VrmlNode* asVrmlNode(SoNode* node) {
-  return node && node->isOfType(VrmlNode::getClassTypeId()) ? static_cast<VrmlNode*>(node) : nullptr;
-}
-
 }  // namespace tessel::script

@@ -9,7 +9,6 @@
 #include "script/Type.h"
 
 class SoField;
-class SoNode;
 class VrmlNode;
 
 namespace tessel {
@@ -42,8 +41,5 @@ private:
   Type type = Type::undefined;
   const FieldSpec* spec = nullptr;
 };
-
-/// The node as one of ours; null for any other, and for none.
-VrmlNode* asVrmlNode(SoNode* node);
 
 }  // namespace tessel::script

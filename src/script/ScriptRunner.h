@@ -19,7 +19,7 @@ namespace tessel::script {
 
 /// What makes a Script node think: events that wait for their functions, and the program, which is parsed when the
 /// first one comes.
-class ScriptRunner {
+class alignas(64) ScriptRunner {
 public:
   explicit ScriptRunner(VrmlScript& node);
   ~ScriptRunner();
@@ -42,7 +42,7 @@ public:
 
 private:
   // An eventIn: the function of its name, the value that it is called with, and whether it runs.
-  struct EventIn {
+  struct alignas(64) EventIn {
     EventIn(const SbName& name, SoField* field, int declaration)
         : field(field), declaration(declaration), name(name) {}
     SoField* field;
@@ -73,17 +73,18 @@ private:
   bool isLate() const;
   bool handle(EventIn& eventIn, const SbTime& time);
 
-  VrmlScript& node;
+  // What every event needs, in two lines of the cache.
   std::vector<EventIn> eventIns;
   std::vector<EventInMemo> pending;  // those before `next` were handled
   std::size_t next = 0;
   std::unique_ptr<VsParseTree> tree;
+  VrmlScript& node;
   Function* eventsProcessed = nullptr;
+  int executing = 0;        // runs within one another
   bool isUnusable = false;  // at the last try
   bool hadToWait = false;   // there was no run since some event came
-  int executing = 0;        // runs within one another
-  static inline int executingScripts = 0;
   SoOneShotSensor executeSensor;
+  static inline int executingScripts = 0;
 };
 
 }  // namespace tessel::script

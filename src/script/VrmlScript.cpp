@@ -8,6 +8,7 @@
 
 #include <tessel/toolkit/Scoped.h>
 
+#include "core/AsVrmlNode.h"
 #include "core/Loops.h"
 #include "core/NodeClassImpl.h"
 #include "core/WorldReader.h"
@@ -203,8 +204,8 @@ bool VrmlScript::readDeclaration(tessel::WorldReader& reader, const Keyword& key
 }
 
 static void discountCopy(const SoNode* original, SoNode* copy) {
-  if (!original || !copy || copy == original || !original->isOfType(VrmlNode::getClassTypeId())) return;
-  if (static_cast<const VrmlNode*>(original)->getDiscounted() > 0)
+  const VrmlNode* ours = tessel::asVrmlNode(original);
+  if (ours && copy && copy != original && ours->getDiscounted() > 0)
     static_cast<VrmlNode*>(copy)->discountReference();
 }
 

@@ -9,6 +9,7 @@
 #include <tessel/events/VrmlRoute.h>
 #include <tessel/script/RuntimeErrors.h>
 
+#include "core/AsVrmlNode.h"
 #include "core/Effort.h"
 #include "script/NodeEvents.h"
 #include "script/VsError.h"

@@ -42,9 +42,9 @@ public:
 private:
   void send();
 
-  SbName property;
-  NodeEventCache read, written;
   Value target;  // over a field of a node
+  NodeEventCache written, read;
+  SbName property;
   Value assigned;
 };
 

@@ -10,6 +10,7 @@
 #include <tessel/core/VrmlNode.h>
 #include <tessel/script/RuntimeErrors.h>
 
+#include "core/AsVrmlNode.h"
 #include "core/Effort.h"
 #include "script/GlobalVar.h"
 #include "script/NodeEvents.h"

@@ -6,6 +6,8 @@
 
 #include <Inventor/nodes/SoNode.h>
 
+#include "core/AsVrmlNode.h"
+
 namespace tessel {
 
 /// The node of class T that a field holds, through prototype instances; null if it holds none.
@@ -18,7 +20,8 @@ template <class T> T* realNode(const VrmlSFNode& field) {
 inline bool takesItsNode(const VrmlSFNode& field, const SoType& type) {
   SoNode* node = field.getValue();
   if (!node || node->isOfType(type)) return true;
-  return node->isOfType(VrmlNode::getClassTypeId()) && static_cast<VrmlNode*>(node)->isProtoOfType(type, 0);
+  VrmlNode* ours = tessel::asVrmlNode(node);
+  return ours && ours->isProtoOfType(type, 0);
 }
 
 /// Lets the property of class T that a field holds act. An event may have put any other node there, even one that

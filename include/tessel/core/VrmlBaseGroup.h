@@ -104,6 +104,7 @@ private:
   struct Orders;
   const Orders& orders() const;
   bool isMisplaced(const SoBase* child) const;
+  void structureChanged(const SoNotList& list);
   template <class Change> void changeChildren(Change change);
   void sinkTo(int newLevel);
   void dispatchToChildren(SoHandleEventAction* action);
