@@ -75,8 +75,8 @@ enum class Op : std::uint8_t {
   getElement,  ///< dst = a[b]; `c` is b, or with aux a variable, reported before if undefined
   setElement,  ///< a[b] = c, dst = what was assigned, or nothing if that can't be done
   getMember,   ///< dst = a.property; b: the member access; aux: the property
-  readAgain,   ///< dst = the number that is now in the field of node a, if dst is a number; b: the member access
-  setMember,   ///< a.property = c, like getMember; aux: also `isChecked`, `isUnused`
+  readAgain,  ///< dst = the number that is now in the field of node a, if dst is a number; b: the member access
+  setMember,       ///< a.property = c, like getMember; aux: also `isChecked`, `isUnused`
   setMathMember,   ///< reports
   acceptsCall,     ///< goes on at target `b` unless object `a` takes method `aux` with `c` arguments
   callMethod,      ///< dst = a.method aux(c arguments from argument list b)
@@ -89,6 +89,15 @@ enum class Op : std::uint8_t {
   parseInt,        ///< dst = parseInt(c arguments from argument list b)
   parseFloat,      ///< dst = parseFloat(...)
 };
+
+/// The twin of an arithmetic operation that assigns too, and of a comparison that jumps too.
+constexpr Op assigningTwin(Op op) {
+  return static_cast<Op>(static_cast<int>(op) - static_cast<int>(Op::add) + static_cast<int>(Op::addAssign));
+}
+constexpr Op jumpingTwin(Op op) {
+  return static_cast<Op>(static_cast<int>(op) - static_cast<int>(Op::equal) +
+                         static_cast<int>(Op::equalUnless));
+}
 
 // These stand above the property that is set, which has one byte.
 constexpr int isChecked = 1 << 8;  ///< that the variable given to it has a value was looked at before

@@ -58,6 +58,17 @@ struct Expr {
     return kind == ExprKind::local || kind == ExprKind::global || kind == ExprKind::arrayVar ||
            kind == ExprKind::member;
   }
+  /// Nothing happens when it is evaluated.
+  bool isSimple() const {
+    return kind == ExprKind::number || kind == ExprKind::string || kind == ExprKind::local ||
+           kind == ExprKind::global;
+  }
+  /// Of expressions in commas the last one, whose value is theirs.
+  Expr& last() {
+    Expr* expr = this;
+    while (expr->kind == ExprKind::comma) expr = expr->b;
+    return *expr;
+  }
 };
 
 enum class StmtKind : std::uint8_t { expression, result, choice, loop, leave, proceed, invalid };
