@@ -67,7 +67,7 @@ bool Interpreter::onObject(const Instruction& i) {
       VsMemberAccess& access = tree.memberAccess(i.b);
       if (holder.type() == Type::sfNode)
         static_cast<VsSFNode*>(holder.object())
-            ->writeProperty(i.aux & isUnused ? nullptr : &result, access, window[i.c]);
+            ->writeProperty(result, access, window[i.c], !(i.aux & isUnused));
       else if (VsField* object = objectOf(holder))
         object->memberAssign(result, static_cast<Property>(i.aux), access.name(), window[i.c]);
       return true;

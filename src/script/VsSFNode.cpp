@@ -141,7 +141,8 @@ void VsSFNode::readNumber(Value& result, VsMemberAccess& access) const {
   if (event.isEventOut() && isScalar(event.type)) readScalar(*event.field, event.type, result);
 }
 
-void VsSFNode::writeProperty(Value* holder, VsMemberAccess& access, const Value& newValue) const {
+void VsSFNode::writeProperty(Value& holder, VsMemberAccess& access, const Value& newValue,
+                             bool wantsVector) const {
   VrmlNode* owner = ownerOf(node(), "assign to", access);
   if (!owner) return;
   const SoRef<VrmlNode> staying(owner);
@@ -151,13 +152,13 @@ void VsSFNode::writeProperty(Value* holder, VsMemberAccess& access, const Value&
   if (!fits(event.type, newValue, access)) return;
   if (isScalar(event.type)) {
     writeScalar(*event.field, event.type, newValue);
-    if (holder) readScalar(*event.field, event.type, *holder);
+    readScalar(*event.field, event.type, holder);
   } else if (isVector(event.type)) {
     newValue.object()->sendTo(*event.field);
-    if (holder) *holder = fieldObjectOver(*event.field, true);
+    if (wantsVector) holder = fieldObjectOver(*event.field, true);
   } else {
     access.assign(fieldObjectOver(*event.field, true), newValue);
-    if (holder) holder->setValue(newValue);
+    holder.setValue(newValue);
   }
 }
 

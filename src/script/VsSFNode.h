@@ -45,7 +45,8 @@ public:
   void readProperty(Value& result, VsMemberAccess& access) const;
   /// The number that the field holds now, if it holds one.
   void readNumber(Value& result, VsMemberAccess& access) const;
-  void writeProperty(Value* holder, VsMemberAccess& access, const Value& newValue) const;
+  /// `holder` gets what is there now; a vector, which takes an object, only if `wantsVector`.
+  void writeProperty(Value& holder, VsMemberAccess& access, const Value& newValue, bool wantsVector) const;
 
 private:
   void postExecute(const Value& current) override;
