@@ -80,9 +80,7 @@ private:
     void clear() { sorted.clear(); }
 
   private:
-    static bool isBefore(const Entry& one, const void* address) {
-      return std::less<>()(one.first, address);
-    }
+    static bool isBefore(const Entry& one, const void* address) { return std::less<>()(one.first, address); }
     std::vector<Entry> sorted;
   };
 

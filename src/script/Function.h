@@ -33,8 +33,8 @@ struct alignas(64) Function {
   std::vector<Instruction> code;
   std::vector<Value> window;  ///< of the outermost run
   int numArgs = 0;
-  int numVariables = 0;       ///< parameters and locals
-  int steps = 1;              ///< that a run counts as
+  int numVariables = 0;  ///< parameters and locals
+  int steps = 1;         ///< that a run counts as
   bool isRunning = false;
   bool mayHoldNodes = false;            ///< places other than variables may
   std::vector<std::int32_t> arguments;  ///< the places that methods take their arguments from

@@ -37,7 +37,8 @@ bool Interpreter::enter(Function& called) {
     VsError::postRuntimeError("Functions are called more than %zu deep", CallStack::depthLimit);
     return false;
   }
-  window = function ? tree.stack.enter(called, {function, window, at + 2, at->dst}) : tree.stack.enter(called);
+  window =
+      function ? tree.stack.enter(called, {function, window, at + 2, at->dst}) : tree.stack.enter(called);
   function = &called;
   return true;
 }

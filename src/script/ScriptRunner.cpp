@@ -27,8 +27,7 @@ ScriptRunner::ScriptRunner(VrmlScript& node) : node(node), executeSensor(execute
   executeSensor.setPriority(0);
   int number = 0;
   for (const auto& one : *node.declared) {
-    if (one.kind == FieldKind::eventIn)
-      eventIns.emplace_back(one.name, one.field.get(), number);
+    if (one.kind == FieldKind::eventIn) eventIns.emplace_back(one.name, one.field.get(), number);
     ++number;
   }
 }

@@ -79,14 +79,15 @@ TEST(ScriptNodes, PropertiesAreTheEventsOfANode) {
 
 // What changes the field before the operation is done changes the operand, whatever became of the variable.
 TEST(ScriptNodes, ANumberOfANodeIsThatOfItsField) {
-  const NodeWorld world("DEF M Material { transparency 1 } DEF N Material { shininess 2 }",
-                        "field SFNode m USE M field SFNode n USE N field MFFloat list [ 5, 6, 7 ]",
-                        "k = m; a = m.transparency + (m.transparency = 4);"
-                        " b = k.transparency + (k = n, m.transparency = 8);"
-                        " c = m.transparency < (m.transparency = 9) ? 'less' : 'not';"
-                        " v = new SFVec2f(m.transparency, m.transparency++); list[m.transparency = 1] = m.transparency;"
-                        " i = 0; e = (i = 2, list)[i];"
-                        " log = a + ' ' + b + ' ' + c + ' ' + v.x + ' ' + list[1] + ' ' + e;");
+  const NodeWorld world(
+      "DEF M Material { transparency 1 } DEF N Material { shininess 2 }",
+      "field SFNode m USE M field SFNode n USE N field MFFloat list [ 5, 6, 7 ]",
+      "k = m; a = m.transparency + (m.transparency = 4);"
+      " b = k.transparency + (k = n, m.transparency = 8);"
+      " c = m.transparency < (m.transparency = 9) ? 'less' : 'not';"
+      " v = new SFVec2f(m.transparency, m.transparency++); list[m.transparency = 1] = m.transparency;"
+      " i = 0; e = (i = 2, list)[i];"
+      " log = a + ' ' + b + ' ' + c + ' ' + v.x + ' ' + list[1] + ' ' + e;");
   world.go();
   EXPECT_EQ(world.log(), "8 16 not 10 1 5");
   EXPECT_THAT(world.reports.messages(), IsEmpty());
