@@ -130,6 +130,7 @@ void VrmlNode::destroy() {
     tessel::releaseLater(*this);
   } else {
     forgetName();
+    enableNotify(FALSE);  // what goes with it may send it a last event
     inherited::destroy();
   }
 }

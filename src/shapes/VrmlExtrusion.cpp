@@ -81,9 +81,7 @@ VrmlExtrusion::VrmlExtrusion() : sensor(fieldsChangedCB, this) {
   updateSurface();
 }
 
-VrmlExtrusion::~VrmlExtrusion() {
-  enableNotify(FALSE);  // the list tells its owner that it is emptied
-}
+VrmlExtrusion::~VrmlExtrusion() = default;
 
 SoChildList* VrmlExtrusion::getChildren() const { return children.get(); }
 

@@ -150,6 +150,22 @@ TEST(ScriptEvents, ShutdownRunsOnceInAScriptThatHoldsItself) {
                                               "Script was stopped: it takes too many steps"));
 }
 
+// The last event of a Script comes to one that is going itself, since it held that Script.
+TEST(ScriptEvents, AScriptThatGoesHearsNothingOfWhatGoesWithIt) {
+  const ScriptReports reports;
+  {
+    const TestWorld world(R"(DEF A Script {
+        field SFNode held DEF B Script { eventIn SFFloat go eventOut SFFloat last
+          url "vrmlscript: function go() { } function shutdown() { last = 3; ending; }" }
+        eventIn SFFloat heard eventOut SFFloat z
+        url "vrmlscript: function initialize() { z = 1; } function heard() { hearing; }" }
+      ROUTE B.last TO A.heard)");
+    world.get<VrmlScript>("A")->execute();
+    static_cast<SoSFFloat*>(world.get<VrmlScript>("B")->getField("go"))->setValue(1);
+  }
+  EXPECT_THAT(reports.messages(), ElementsAre("Attempt to access an uninitialized variable"));
+}
+
 TEST(ScriptEvents, AScriptThatNoLongerHoldsItselfGoesOn) {
   const ScriptWorld world(R"(Group { children [ DEF S Script {
     eventIn SFInt32 go field SFNode me USE S field SFNode other NULL field SFInt32 calls 0
