@@ -3,11 +3,10 @@
 
 #include <array>
 #include <new>
-#include <optional>
-#include <vector>
 
 #include <tessel/core/VrmlNode.h>
 
+#include "core/ByClass.h"
 #include "core/FieldSpec.h"
 
 namespace tessel {
@@ -117,21 +116,14 @@ ValueType valueTypeNamed(std::string_view name) {
 
 const char* nameOf(ValueType type) { return rowOf(type).word; }
 
-ValueType valueTypeOf(SoType fieldClass) {
+static ValueType typeInTable(SoType fieldClass) {
   for (std::size_t i = 0; i < rows.size(); ++i)
     if (fieldClass == rows[i].fieldClass()) return static_cast<ValueType>(i);
   return fieldClass == SoSFNode::getClassTypeId() ? ValueType::sfNode : ValueType::count;
 }
 
-// Remembered, since every event and every copy asks.
-ValueType valueTypeOf(const SoField& field) {
-  static std::vector<std::optional<ValueType>> known;
-  const SoType type = field.getTypeId();
-  const auto key = static_cast<std::size_t>(type.getKey());
-  if (key >= known.size()) known.resize(key + 1);
-  if (!known[key]) known[key] = valueTypeOf(type);
-  return *known[key];
-}
+ValueType valueTypeOf(SoType fieldClass) { return byClass<typeInTable>(fieldClass); }
+ValueType valueTypeOf(const SoField& field) { return valueTypeOf(field.getTypeId()); }
 
 SoField* newField(ValueType type) {
   SoField* field = rowOf(type).make();

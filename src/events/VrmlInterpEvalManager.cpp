@@ -25,7 +25,8 @@ VrmlInterpEvalManager::VrmlInterpEvalManager()
 // The table of outputs tells how far the output lies from the engine's beginning, and of which type it is.
 VrmlInterpEvalManager::VrmlInterpEvalManager(VrmlInterpolator* of, SoType type)
     : interpolator(of), fieldType(type) {
-  static std::map<SbName, std::unique_ptr<SoEngineOutputData>> tables;
+  // Never destroyed: engines may outlive static objects.
+  static auto& tables = *new std::map<SbName, std::unique_ptr<SoEngineOutputData>>;
   isBuiltIn = TRUE;
   output.setContainer(this);
   auto& table = tables[fieldType.getName()];

@@ -33,6 +33,7 @@
 #include <tessel/shapes/VrmlLight.h>
 #include <tessel/toolkit/Scoped.h>
 
+#include "core/ByClass.h"
 #include "frame/MatrixRotation.h"
 #include "frame/PathTail.h"
 
@@ -46,7 +47,7 @@ namespace {
 SoSFTime* realTime() { return static_cast<SoSFTime*>(SoDB::getGlobalField("realTime")); }
 
 // What a node is to the scene manager.
-enum class Role : std::uint8_t { unknown, none, camera, binding, transform, anchor, inlined, group };
+enum class Role : std::uint8_t { none, camera, binding, transform, anchor, inlined, group };
 
 Role findRole(SoType type) {
   const std::pair<SoType, Role> roles[] = {
@@ -60,15 +61,7 @@ Role findRole(SoType type) {
   return Role::none;
 }
 
-// Remembered, since every event asks, and the toolkit walks up a class's ancestors to tell.
-Role roleOf(const SoBase* object) {
-  static std::vector<Role> known;
-  const SoType type = object->getTypeId();
-  const auto key = static_cast<std::size_t>(type.getKey());
-  if (key >= known.size()) known.resize(key + 1, Role::unknown);
-  if (known[key] == Role::unknown) known[key] = findRole(type);
-  return known[key];
-}
+Role roleOf(const SoBase* object) { return tessel::byClass<findRole>(object->getTypeId()); }
 
 // When a Transform on a path was last notified, itself or from below; 0 without a Transform.
 SbUniqueId latestTransformChange(const SoPath* path) {

@@ -9,7 +9,8 @@ namespace tessel::script {
 
 Room& FieldRoom::of(SoField& field, Room& passing, std::size_t bytes) {
   constexpr std::size_t little = 4096;
-  static std::unordered_map<const SoField*, FieldRoom> rooms;
+  // Never destroyed: fields may outlive static objects.
+  static auto& rooms = *new std::unordered_map<const SoField*, FieldRoom>;
   const auto known = rooms.find(&field);
   if (known != rooms.end() && known->second.getAttachedField()) return known->second.room;
   if (bytes <= little) return passing;

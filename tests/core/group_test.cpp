@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <numbers>
 
 #include <Inventor/actions/SoCallbackAction.h>
@@ -30,6 +31,29 @@ using tessel::SoRef;
 using tessel::test::TestWorld;
 
 namespace {
+
+// A host's world in a static object goes when everything that was made after that object is gone.
+struct StaticHost {
+  SoRef<VrmlGroup> world;
+  ~StaticHost() {
+    world->addChild(new VrmlWorldInfo);
+    world->getKidType();
+    world->removeAllChildren();
+  }
+};
+[[noreturn]] void endWithAStaticHost() {
+  static StaticHost host;
+  tessel::test::startLibrary();
+  host.world.reset(new VrmlGroup);
+  host.world->addChild(new VrmlTransform);
+  std::exit(0);
+}
+
+TEST(Group, OfAStaticObjectOutlivesAllElse) {
+  testing::GTEST_FLAG(death_test_style) =
+      "threadsafe";  // a program of its own: nothing was asked there before
+  EXPECT_EXIT(endWithAStaticHost(), testing::ExitedWithCode(0), "");
+}
 
 SbBox3f boxOf(SoNode* node) {
   SoGetBoundingBoxAction action(SbViewportRegion(100, 100));
