@@ -18,6 +18,7 @@
 #include <tessel/toolkit/Scoped.h>
 
 #include "actions/DrawScopeElement.h"
+#include "core/AsVrmlNode.h"
 
 namespace tessel {
 
@@ -45,7 +46,7 @@ bool beginAlike(const SoFullPath& a, const SoFullPath& b, int length) {
 
 int indexOfWorld(const SoFullPath& path, int length) {
   int i = 0;
-  while (i < length - 1 && !path.getNode(i)->isOfType(VrmlNode::getClassTypeId())) ++i;
+  while (i < length - 1 && !asVrmlNode(path.getNode(i))) ++i;
   return i;
 }
 

@@ -12,6 +12,7 @@ namespace tessel {
 
 bool isFromHeldNode(const SoField& field, const SoNotRec* before) {
   const SoBase* source = before ? before->getBase() : nullptr;
+  // Nearly all are ours, which is found out sooner.
   const bool isNode = source && (asVrmlNode(source) || source->isOfType(SoNode::getClassTypeId()));
   if (!isNode) return false;  // an engine, at most
   SoField* master = nullptr;

@@ -78,9 +78,11 @@ void NodeNames::State::lookThrough() {
 
 void NodeNames::State::visit(SoNode* node, NameScope& scope) {
   if (!node || !visited.insert(node).second) return;
-  VrmlNode* own = asVrmlNode(node);
-  if (!own) return visitChildren(*node, scope);
-  VrmlNode& ours = *own;
+  if (!asVrmlNode(node)) {
+    visitChildren(*node, scope);
+    return;
+  }
+  VrmlNode& ours = static_cast<VrmlNode&>(*node);
   if (ours.isOfType(VrmlNULL::getClassTypeId())) return;
   if (!isFileRoot(ours)) add(ours, scope);
   visitFields(ours, scope);

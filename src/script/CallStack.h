@@ -28,15 +28,16 @@ public:
   /// The runs that have a caller in the script.
   std::size_t depth() const { return callers.size(); }
   bool isFull(const Function& next) const {
-    return callers.size() + outermost >= depthLimit ||
+    return callers.size() + fromOutside >= depthLimit ||
            (next.isRunning && values + next.window.size() > valueLimit);
   }
 
   const Caller& innermost() const { return callers.back(); }
 
-  /// A window for a run, with variables undefined. An outermost run has no caller.
-  Value* enter(Function& function) {
-    ++outermost;
+  /// A window for a run, with variables undefined: for one that is called from outside the script, and has no caller
+  /// in it, or by a run.
+  Value* enterFromOutside(Function& function) {
+    ++fromOutside;
     return windowOf(function);
   }
   Value* enter(Function& function, const Caller& caller) {
@@ -45,8 +46,8 @@ public:
   }
 
   /// Ends the innermost run, which worked on that window.
-  void leaveOutermost(Function& function, Value* window) {
-    --outermost;
+  void leaveForOutside(Function& function, Value* window) {
+    --fromOutside;
     giveUp(function, window);
   }
   Caller leave(Function& function, Value* window) {
@@ -80,7 +81,7 @@ private:
   void shrink();
   void keep(Function& function);
 
-  std::size_t outermost = 0;  // runs
+  std::size_t fromOutside = 0;  // runs that were called so
   std::vector<Caller> callers;
   std::vector<Chunk> chunks;
   std::size_t chunk = 0;  // the one in use

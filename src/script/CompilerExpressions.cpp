@@ -3,6 +3,7 @@
 #include "script/Compiler.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace tessel::script {

@@ -86,12 +86,12 @@ private:
 
   const Declared& enter(Declared declared);
 
-  ByAddress<Known> byAddress;
-  ByAddress<int> byName;
-  std::vector<Declared> list;
   SoFieldContainer& node;
   const SoFieldData& ofClass;
   std::unique_ptr<SoFieldData> all;
+  ByAddress<Known> byAddress;
+  ByAddress<int> byName;
+  std::vector<Declared> list;  // goes before the table does
 };
 
 }  // namespace tessel::script

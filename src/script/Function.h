@@ -6,6 +6,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "core/CacheLine.h"
 #include "script/Instruction.h"
 #include "script/Value.h"
 
@@ -16,7 +17,7 @@ namespace tessel::script {
 /// A run works on a window of values: parameters, locals, constants, then one place for the result of each
 /// expression. An expression that fails has the result of its last success, so the window outlives the run; only a
 /// run within a run of the same function has one of its own.
-struct alignas(64) Function {
+struct alignas(cacheLine) Function {
   Function(std::string name, int index) : name(std::move(name)), index(index) {}
 
   /// The place of a parameter or local; -1 for none of that name.
@@ -29,7 +30,7 @@ struct alignas(64) Function {
     return numVariables++;
   }
 
-  // First what every run needs, in one line of the cache.
+  // First what every run needs.
   std::vector<Instruction> code;
   std::vector<Value> window;  ///< of the outermost run
   int numArgs = 0;

@@ -73,7 +73,7 @@ enum class Op : std::uint8_t {
   giveBack,    ///< ends the run with the value a
   end,         ///< ends the run without a value
   getElement,  ///< dst = a[b]; `c` is b, or with aux a variable, reported before if undefined
-  setElement,  ///< a[b] = c, dst = what was assigned, or nothing if that can't be done
+  setElement,  ///< a[b] = c, dst = what was assigned, or nothing if that can't be done; aux: `isChecked`
   getMember,   ///< dst = a.property; b: the member access; aux: the property
   readAgain,  ///< dst = the number that is now in the field of node a, if dst is a number; b: the member access
   setMember,       ///< a.property = c, like getMember; aux: also `isChecked`, `isUnused`
@@ -99,9 +99,9 @@ constexpr Op jumpingTwin(Op op) {
                          static_cast<int>(Op::equalUnless));
 }
 
-// These stand above the property that is set, which has one byte.
+// What `aux` of setMember and setElement tells, above the property that is set, which has one byte.
 constexpr int isChecked = 1 << 8;  ///< that the variable given to it has a value was looked at before
-constexpr int isUnused = 1 << 9;   ///< nobody asks for what was assigned
+constexpr int isUnused = 1 << 9;   ///< dst may stay without the value: nobody asks, or asks again
 
 struct Instruction {
   Op op = Op::end;

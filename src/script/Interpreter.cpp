@@ -27,7 +27,7 @@ bool Interpreter::run(Function& called, std::span<const Value> arguments, Value*
   for (std::size_t i = 0; i < count; ++i) window[i].setValue(arguments[i]);
   const bool isWhole = takeSteps(called.code.front(), called.steps) && loop();
   while (tree.stack.depth() > bottom) leave();
-  tree.stack.leaveOutermost(*function, window);
+  tree.stack.leaveForOutside(*function, window);
   return isWhole;
 }
 
@@ -37,8 +37,8 @@ bool Interpreter::enter(Function& called) {
     VsError::postRuntimeError("Functions are called more than %zu deep", CallStack::depthLimit);
     return false;
   }
-  window =
-      function ? tree.stack.enter(called, {function, window, at + 2, at->dst}) : tree.stack.enter(called);
+  window = function ? tree.stack.enter(called, {function, window, at + 2, at->dst})
+                    : tree.stack.enterFromOutside(called);
   function = &called;
   return true;
 }

@@ -248,7 +248,7 @@ void Interpreter::setElement(const Instruction& i) {
   const Value& value = window[i.c];
   const Value& index = window[i.b];
   const Value& array = window[i.a];
-  if (!i.aux) checkVariable(i.c);
+  if (!(i.aux & isChecked)) checkVariable(i.c);
   if (value.isNone()) return;
   checkVariable(i.b);
   if (index.isNone()) return result.clear();

@@ -53,6 +53,7 @@ void ScriptRunner::executeSensorCB(void* self, SoSensor*) { static_cast<ScriptRu
 
 bool ScriptRunner::take(int declaration) {
   const auto found = std::ranges::lower_bound(eventIns, declaration, std::less<>(), &EventIn::declaration);
+  if (found == eventIns.end() || found->declaration != declaration) return true;  // declared since
   if (found->isBusy) return false;
   // A program that can't be parsed may never handle anything, nor one that is switched off.
   const bool keepsAll = !isUnusable && pending.size() - next < maxWaiting;

@@ -11,6 +11,7 @@
 #include <Inventor/SbTime.h>
 #include <Inventor/sensors/SoOneShotSensor.h>
 
+#include "core/CacheLine.h"
 #include "script/VsParseTree.h"
 
 class VrmlScript;
@@ -19,7 +20,7 @@ namespace tessel::script {
 
 /// What makes a Script node think: events that wait for their functions, and the program, which is parsed when the
 /// first one comes.
-class alignas(64) ScriptRunner {
+class alignas(cacheLine) ScriptRunner {
 public:
   explicit ScriptRunner(VrmlScript& node);
   ~ScriptRunner();
@@ -42,7 +43,7 @@ public:
 
 private:
   // An eventIn: the function of its name, the value that it is called with, and whether it runs.
-  struct alignas(64) EventIn {
+  struct alignas(cacheLine) EventIn {
     EventIn(const SbName& name, SoField* field, int declaration)
         : field(field), declaration(declaration), name(name) {}
     SoField* field;
@@ -54,6 +55,7 @@ private:
     Type type = Type::undefined;
     bool isBusy = false;
   };
+  static_assert(sizeof(EventIn) == cacheLine);
   // An event that waits. Its value is looked up when it is handled.
   struct EventInMemo {
     std::size_t eventIn;
@@ -73,7 +75,7 @@ private:
   bool isLate() const;
   bool handle(EventIn& eventIn, const SbTime& time);
 
-  // What every event needs, in two lines of the cache.
+  // Every event needs nearly all of this.
   std::vector<EventIn> eventIns;
   std::vector<EventInMemo> pending;  // those before `next` were handled
   std::size_t next = 0;

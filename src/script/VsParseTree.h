@@ -12,6 +12,7 @@
 
 #include <Inventor/SbTime.h>
 
+#include "core/CacheLine.h"
 #include "script/CallStack.h"
 #include "script/Function.h"
 #include "script/GlobalVar.h"
@@ -22,7 +23,7 @@ namespace tessel::script {
 
 /// One parsed script: its functions, the variables that stand for the Script's fields and eventOuts, and the
 /// windows that its functions run in.
-class alignas(64) VsParseTree {
+class alignas(cacheLine) VsParseTree {
 public:
   VsParseTree() = default;
   VsParseTree(const VsParseTree&) = delete;
@@ -72,7 +73,7 @@ public:
   std::int64_t stepsLeft = 0;  ///< until the script is stopped
 
 private:
-  // First what every event needs, in one line of the cache.
+  // First what every event needs.
   std::int64_t stepsAllowed = -1;  // the limit at `stepsTime`, -1 before the first
   SbTime stepsTime;
   std::vector<GlobalVar> globals;

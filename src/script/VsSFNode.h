@@ -45,7 +45,8 @@ public:
   void readProperty(Value& result, VsMemberAccess& access) const;
   /// The number that the field holds now, if it holds one.
   void readNumber(Value& result, VsMemberAccess& access) const;
-  /// `holder` gets what is there now; a vector, which takes an object, only if `wantsVector`.
+  /// `holder` gets the value as it is there now or will be; nothing for a vector, which would take an object, unless
+  /// `wantsVector`.
   void writeProperty(Value& holder, VsMemberAccess& access, const Value& newValue, bool wantsVector) const;
 
 private:

@@ -94,7 +94,7 @@ private:
   bool readUrl(tessel::WorldReader& reader);
 
   std::unique_ptr<tessel::script::Declarations> declared;
-  std::unique_ptr<tessel::script::ScriptRunner> runner;  // made for the first event
   SbName urlFile;
-  std::vector<int> urlLines;  // of the values that were read
+  std::vector<int> urlLines;                             // of the values that were read
+  std::unique_ptr<tessel::script::ScriptRunner> runner;  // made for the first event
 };
