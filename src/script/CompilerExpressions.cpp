@@ -21,48 +21,32 @@ bool mayGiveNone(Expr& expr) {
   return !result.a->isSimple() || mayGiveNone(*result.b);
 }
 
-Op arithOp(Sign sign) {
-  switch (sign) {
-    case Sign::plus:
-      return Op::add;
-    case Sign::minus:
-      return Op::subtract;
-    case Sign::times:
-      return Op::multiply;
-    case Sign::divide:
-      return Op::divide;
-    case Sign::remainder:
-      return Op::remainder;
-    case Sign::bitAnd:
-      return Op::bitAnd;
-    case Sign::bitOr:
-      return Op::bitOr;
-    case Sign::bitXor:
-      return Op::bitXor;
-    case Sign::shiftLeft:
-      return Op::shiftLeft;
-    case Sign::shiftRight:
-      return Op::shiftRight;
-    default:
-      return Op::shiftRightSigned;
-  }
-}
-
-Op logicOp(Sign sign) {
-  switch (sign) {
-    case Sign::equal:
-      return Op::equal;
-    case Sign::notEqual:
-      return Op::notEqual;
-    case Sign::less:
-      return Op::less;
-    case Sign::lessEqual:
-      return Op::lessEqual;
-    case Sign::greater:
-      return Op::greater;
-    default:
-      return Op::greaterEqual;
-  }
+// What an operator between two values is done by.
+Op opOf(Sign sign) {
+  struct Row {
+    Sign sign;
+    Op op;
+  };
+  static constexpr Row rows[] = {
+      {Sign::plus, Op::add},
+      {Sign::minus, Op::subtract},
+      {Sign::times, Op::multiply},
+      {Sign::divide, Op::divide},
+      {Sign::remainder, Op::remainder},
+      {Sign::bitAnd, Op::bitAnd},
+      {Sign::bitOr, Op::bitOr},
+      {Sign::bitXor, Op::bitXor},
+      {Sign::shiftLeft, Op::shiftLeft},
+      {Sign::shiftRight, Op::shiftRight},
+      {Sign::shiftRightSigned, Op::shiftRightSigned},
+      {Sign::equal, Op::equal},
+      {Sign::notEqual, Op::notEqual},
+      {Sign::less, Op::less},
+      {Sign::lessEqual, Op::lessEqual},
+      {Sign::greater, Op::greater},
+      {Sign::greaterEqual, Op::greaterEqual},
+  };
+  return std::ranges::find(rows, sign, &Row::sign)->op;
 }
 
 }  // namespace
@@ -190,7 +174,7 @@ void Compiler::arith(Expr& expr, int variable) {
     const int left = read(*e.a);
     const int right = read(*e.b);
     const bool assigns = &e == &expr && variable >= 0;
-    const Op op = arithOp(e.sign);
+    const Op op = opOf(e.sign);
     emit(assigns ? assigningTwin(op) : op, e.line, resultOf(e), left, right, assigns ? variable : -1,
          wasChecked);
   }
@@ -215,7 +199,7 @@ void Compiler::logic(Expr& expr) {
     evaluate(*expr.b);
     const int left = read(*expr.a);
     const int right = read(*expr.b);
-    emit(logicOp(expr.sign), expr.line, resultOf(expr), left, right, -1, wasChecked);
+    emit(opOf(expr.sign), expr.line, resultOf(expr), left, right, -1, wasChecked);
   }
   land(decided);
 }
