@@ -34,7 +34,8 @@ SoField* findBeforeChanged(VrmlNode& node, std::string_view name) {
   name.remove_suffix(suffix.size());
   SoFieldList fields;
   node.listFields(fields);
-  Effort::addEach(static_cast<std::size_t>(fields.getLength()));
+  constexpr std::size_t eachField = 256;  // the toolkit is asked for each name
+  Effort::add(eachField * static_cast<std::size_t>(fields.getLength()));
   for (int i = 0; i < fields.getLength(); ++i) {
     SbName own;
     if (node.findFieldName(fields[i], own) && std::string_view(own.getString()).starts_with(name))
