@@ -144,8 +144,8 @@ void Compiler::loop(const Stmt& stmt) {
   land(done);
 }
 
-// Tests a condition. A comparison that is made for it makes the jump too, where it can.
-void Compiler::unless(Expr& condition, Jumps& isFalse, Jumps& isNoNumber) {
+// Tests a condition, and tells the place of its value. A comparison that is made for it makes the jump too, where it can.
+int Compiler::unless(Expr& condition, Jumps& isFalse, Jumps& isNoNumber) {
   const int value = operand(condition);
   if (condition.last().kind == ExprKind::logic) {
     Instruction& comparison = out.code.back();
@@ -154,6 +154,7 @@ void Compiler::unless(Expr& condition, Jumps& isFalse, Jumps& isNoNumber) {
   }
   isFalse.push_back(emit(Op::jumpUnless, condition.line, -1, value));
   isNoNumber.push_back(isFalse.back());
+  return value;
 }
 
 }  // namespace tessel::script

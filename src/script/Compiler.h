@@ -37,14 +37,17 @@ private:
   void statement(const Stmt& stmt);
   void choice(const Stmt& stmt);
   void loop(const Stmt& stmt);
-  void unless(Expr& condition, Jumps& isFalse, Jumps& isNoNumber);
+  int unless(Expr& condition, Jumps& isFalse, Jumps& isNoNumber);
   void discard(Expr& expr, Jumps* ifNone = nullptr);
 
   // Code for the expression. What it gives: `read` makes that a place.
   void evaluate(Expr& expr);
   int read(Expr& expr);
   int operand(Expr& expr);
+  void evaluateBefore(Expr& expr, const Expr& next);
   void stayLive(Expr& expr, const Expr& next);
+  void stayLive(Expr& expr);
+  int chooseAgain(Expr& expr);
   bool checkBefore(Expr& expr, const Expr& next);
   bool isLast(Op op) const { return !out.code.empty() && out.code.back().op == op; }
   void checkVariable(Expr& expr);
@@ -53,6 +56,7 @@ private:
   void arith(Expr& expr, int variable);
   void logic(Expr& expr);
   void condExpr(Expr& expr);
+  void choose(Expr& expr, Expr& branch);
   void incDec(Expr& expr);
   void assign(Expr& expr, bool wantsResult);
   void assignTo(Expr& target, int place, int flags, Jumps& failed, Expr* value = nullptr);

@@ -95,15 +95,27 @@ int Compiler::read(Expr& expr) {
     case ExprKind::member:
       if (e.node >= 0) emit(Op::readAgain, e.line, e.result, e.node, e.index);
       return resultOf(e);
+    case ExprKind::condExpr:
+      return e.isReadAgain ? chooseAgain(e) : resultOf(e);
     default:
       return resultOf(e);
   }
 }
 
+// For a value that is used when the next expression has been evaluated too. What ?: chooses is what it is by then.
+void Compiler::evaluateBefore(Expr& expr, const Expr& next) {
+  expr.last().isReadAgain = next.mayAssign;
+  evaluate(expr);
+}
+
 // A number that is read from a node is its field: what is evaluated between may change it.
 void Compiler::stayLive(Expr& expr, const Expr& next) {
+  if (next.mayAssign) stayLive(expr);
+}
+
+void Compiler::stayLive(Expr& expr) {
   Expr& e = expr.last();
-  if (e.kind != ExprKind::member || e.owner == Owner::ownMATH || !next.mayAssign) return;
+  if (e.kind != ExprKind::member || e.owner == Owner::ownMATH) return;
   const Expr& object = e.a->last();
   e.node = newPlace();
   emit(Op::keep, e.line, e.node, object.kind == ExprKind::local ? object.index : object.result);
@@ -165,7 +177,7 @@ void Compiler::evaluate(Expr& expr) {
 void Compiler::arith(Expr& expr, int variable) {
   std::vector<Expr*> chain{&expr};
   while (chain.back()->a->kind == ExprKind::arith) chain.push_back(chain.back()->a);
-  evaluate(*chain.back()->a);
+  evaluateBefore(*chain.back()->a, *chain.back()->b);
   for (; !chain.empty(); chain.pop_back()) {
     Expr& e = *chain.back();
     const bool wasChecked = checkBefore(*e.a, *e.b);
@@ -184,7 +196,8 @@ void Compiler::logic(Expr& expr) {
   Jumps decided;
   const bool isAnd = expr.sign == Sign::logicalAnd;
   if (isAnd || expr.sign == Sign::logicalOr) {
-    const int left = operand(*expr.a);
+    evaluateBefore(*expr.a, *expr.b);
+    const int left = read(*expr.a);
     decided.push_back(emit(isAnd ? Op::andLeft : Op::orLeft, expr.line, resultOf(expr), left));
     stayLive(*expr.a, *expr.b);
     evaluate(*expr.b);
@@ -192,7 +205,7 @@ void Compiler::logic(Expr& expr) {
     const int right = read(*expr.b);
     emit(isAnd ? Op::andRight : Op::orRight, expr.line, expr.result, again, right);
   } else {
-    evaluate(*expr.a);
+    evaluateBefore(*expr.a, *expr.b);
     const bool wasChecked = checkBefore(*expr.a, *expr.b);
     if (!expr.b->isSimple()) ifNone(*expr.a, decided);
     stayLive(*expr.a, *expr.b);
@@ -208,15 +221,40 @@ void Compiler::condExpr(Expr& expr) {
   Jumps isFalse;
   Jumps isNoNumber;
   Jumps done;
-  unless(*expr.a, isFalse, isNoNumber);
-  const int first = operand(*expr.b);
-  emit(Op::copy, expr.line, resultOf(expr), first);
+  const int test = unless(*expr.a, isFalse, isNoNumber);
+  if (expr.isReadAgain) {
+    expr.node = newPlace();
+    emit(Op::keep, expr.line, expr.node, test);
+  }
+  choose(expr, *expr.b);
   done.push_back(emit(Op::jump, expr.line));
   land(isFalse, Field::b);
   land(isNoNumber, Field::c);
-  const int second = operand(*expr.c);
-  emit(Op::copy, expr.line, expr.result, second);
+  if (expr.isReadAgain) emit(Op::setNone, expr.line, expr.node);
+  choose(expr, *expr.c);
   land(done);
+}
+
+void Compiler::choose(Expr& expr, Expr& branch) {
+  Expr& chosen = branch.last();
+  chosen.isReadAgain = expr.isReadAgain;
+  evaluate(branch);
+  const int value = chosen.kind == ExprKind::condExpr ? resultOf(chosen) : read(branch);
+  emit(Op::copy, expr.line, resultOf(expr), value);
+  if (expr.isReadAgain) stayLive(branch);
+}
+
+// The branch that was chosen, as it is now.
+int Compiler::chooseAgain(Expr& expr) {
+  const Jumps isSecond{emit(Op::jumpIfNone, expr.line, -1, expr.node)};
+  const int first = read(*expr.b);
+  emit(Op::keep, expr.line, expr.result, first);
+  const Jumps done{emit(Op::jump, expr.line)};
+  land(isSecond);
+  const int second = read(*expr.c);
+  emit(Op::keep, expr.line, expr.result, second);
+  land(done);
+  return expr.result;
 }
 
 void Compiler::incDec(Expr& expr) {
@@ -243,7 +281,7 @@ void Compiler::assign(Expr& expr, bool wantsResult) {
   if (target.kind == ExprKind::local && value.kind == ExprKind::arith && !wantsResult)
     return arith(value, target.index);
 
-  evaluate(value);
+  evaluateBefore(value, target);
   if (target.kind == ExprKind::local || target.kind == ExprKind::global) {
     const int from = read(value);
     emit(target.kind == ExprKind::local ? Op::assign : Op::storeGlobal, expr.line, target.index, from,
@@ -331,10 +369,12 @@ int Compiler::argumentList(Expr& expr, Jumps& failed) {
   while (assigning != expr.list.rend() && !(*assigning)->mayAssign) ++assigning;
   auto numLive = std::distance(assigning, expr.list.rend()) - 1;
   for (Expr* argument : expr.list) {
+    const bool isLive = numLive-- > 0;
+    argument->last().isReadAgain = isLive;
     evaluate(*argument);
     checkVariable(*argument);
     ifNone(*argument, failed);
-    if (numLive-- > 0) stayLive(*argument, **assigning);
+    if (isLive) stayLive(*argument);
   }
   std::vector<std::int32_t> list;
   for (Expr* argument : expr.list) list.push_back(read(*argument));

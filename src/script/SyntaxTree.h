@@ -46,7 +46,9 @@ struct Expr {
   int height = 1;          ///< of the tree below, this one included
   int index = -1;          ///< of a local, global, constant or member access
   int result = -1;         ///< where the compiler keeps its result
-  int node = -1;           ///< and, of a member access that is read again, its node
+  int node =
+      -1;  ///< and, of a member access that is read again, its node; of ?:, whether the first was chosen
+  bool isReadAgain = false;  ///< of ?:, whose branch may change before the value is used
   Expr* a = nullptr;
   Expr* b = nullptr;
   Expr* c = nullptr;

@@ -81,15 +81,16 @@ TEST(ScriptNodes, PropertiesAreTheEventsOfANode) {
 TEST(ScriptNodes, ANumberOfANodeIsThatOfItsField) {
   const NodeWorld world(
       "DEF M Material { transparency 1 } DEF N Material { shininess 2 }",
-      "field SFNode m USE M field SFNode n USE N field MFFloat list [ 5, 6, 7 ]",
+      "field SFNode m USE M field SFNode n USE N field MFFloat list [ 5, 6, 7 ] field SFFloat x 1",
       "k = m; a = m.transparency + (m.transparency = 4);"
       " b = k.transparency + (k = n, m.transparency = 8);"
       " c = m.transparency < (m.transparency = 9) ? 'less' : 'not';"
       " v = new SFVec2f(m.transparency, m.transparency++); list[m.transparency = 1] = m.transparency;"
       " i = 0; e = (i = 2, list)[i];"
-      " log = a + ' ' + b + ' ' + c + ' ' + v.x + ' ' + list[1] + ' ' + e;");
+      " f = (i ? m.transparency : 0) + (i = 0, m.transparency = 3) + (i ? 0 : x) * (x = 5);"
+      " log = a + ' ' + b + ' ' + c + ' ' + v.x + ' ' + list[1] + ' ' + e + ' ' + f;");
   world.go();
-  EXPECT_EQ(world.log(), "8 16 not 10 1 5");
+  EXPECT_EQ(world.log(), "8 16 not 10 1 5 31");
   EXPECT_THAT(world.reports.messages(), IsEmpty());
 }
 

@@ -41,6 +41,21 @@ function test() { return 1 || f(); }
 function test() { return x + 1; }
 //= SFTime 10
 function test() { a = 1; return a + (a = 5); }
+//= SFString 10 7 10 3 7 2
+function test() {
+  a = 1; b = 2; c = true;
+  r = '' + ((c ? a : b) + (a = 5)); a = 1;
+  r += ' ' + ((c ? b : a) + (a = 5)); a = 1;
+  r += ' ' + ((!c ? b : (!c ? 9 : (b, a))) + (a = 5)); a = 1;
+  r += ' ' + ((c ? a + 1 : b) + (c = false, a = 1)); c = true; a = 1;
+  r += ' ' + ((c ? b : a) + (c = false, a = 5)); a = 1;
+  v = new SFVec3f(0, 0, 0);
+  v[(a = 2, 0)] = (!c ? a : b) ? a : 9;
+  return r + ' ' + v.x;
+}
+//= SFString 10
+//! Attempt to access an uninitialized variable
+function test() { c = true; return '' + ((c ? a : 1) + (a = 5)); }
 //= SFTime 10
 //! Attempt to access an uninitialized variable
 function test() { return a + (a = 5); }
