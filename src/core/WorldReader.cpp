@@ -75,7 +75,7 @@ WorldReader::BodyScope::BodyScope(WorldReader& r, const VrmlNode& body)
       nodesBefore(r.nodesMade),
       firstLevel(r.open.size() + 1),
       deepestBefore(std::exchange(r.deepest, firstLevel)) {
-  reader.open.push_back({&body, false, {0, 0}});
+  reader.open.push_back({&body, false, {0, 0}, {}});
 }
 
 WorldReader::BodyScope::~BodyScope() {
@@ -184,14 +184,28 @@ SoRef<VrmlNode> WorldReader::readUse() {
     return {};
   }
   VrmlNode* node = found->second.node.get();
-  if (makesCycle(node)) {
+  const auto& above = found->second.above;
+  if (makesCycle(node) ||
+      std::ranges::any_of(above, [this](const VrmlNode* one) { return makesCycle(one); })) {
     error("USE of \"%.200s\" inside itself", name.c_str());
     return {};
   }
   const Extent& extent = found->second.extent;
   if (isTooDeep(extent.levels) || !addExtent(extent)) return {};
-  if (isOpen(node)) node->discountReference();
+  if (isOpen(node)) {
+    node->discountReference();
+    holdAbove({node});
+  }
+  holdAbove(above);
   return SoRef<VrmlNode>(node);
+}
+
+// What a Script holds may stand in the scene too, by another USE, and then without the Script around it.
+void WorldReader::holdAbove(const std::vector<const VrmlNode*>& nodes) {
+  if (open.empty() || open.back().holdsWeakly) return;
+  auto& above = open.back().above;
+  for (const VrmlNode* node : nodes)
+    if (isOpen(node) && std::ranges::find(above, node) == above.end()) above.push_back(node);
 }
 
 // A file of a few lines can use each of its groups twice in the next one, and so on until no traversal ends.
@@ -271,14 +285,19 @@ SoRef<VrmlNode> WorldReader::readDefinition(std::string_view defName, std::strin
     error("\"{\" was expected behind \"%s\"", node->getFileFormatName());
     return {};
   }
-  open.push_back({node.get(), node->holdsNodesWeakly(), {1, 0}});
+  open.push_back({node.get(), node->holdsNodesWeakly(), {1, 0}, {}});
   deepest = std::max(deepest, open.size());
   ++nodesMade;
   const bool ok = node->readBody(*this);
   const Extent extent{open.back().extent.nodes, open.back().extent.levels + 1};
+  std::vector<const VrmlNode*> above = std::move(open.back().above);
   open.pop_back();
   if (!ok || !addExtent(extent)) return {};
-  if (own && own->node.get() == node.get()) own->extent = extent;  // unless the name was given anew in there
+  holdAbove(above);
+  if (own && own->node.get() == node.get()) {  // unless the name was given anew in there
+    own->extent = extent;
+    own->above = std::move(above);
+  }
   if (!tokens.take('}')) {
     if (const int c = tokens.peek(); c < 0)
       error("The file ends inside of \"%s\"", node->getFileFormatName());
@@ -364,7 +383,7 @@ VrmlNode* WorldReader::findReference(std::string_view name) const {
 
 WorldReader::Reference& WorldReader::addReference(std::string_view name, VrmlNode* node) {
   Reference& entry =
-      references->insert_or_assign(std::string(name), Reference{SoRef<VrmlNode>(node), {}}).first->second;
+      references->insert_or_assign(std::string(name), Reference{SoRef<VrmlNode>(node), {}, {}}).first->second;
   if (!isGenerated(name)) {
     const std::string_view plain = withoutInstanceSuffix(name);
     const SbName& def = node->getDefName();

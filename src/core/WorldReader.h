@@ -62,6 +62,7 @@ public:
   struct Reference {
     SoRef<VrmlNode> node;
     Extent extent;
+    std::vector<const VrmlNode*> above;  // nodes around it that it holds, itself held by a Script
   };
   struct NameHash {
     using is_transparent = void;
@@ -160,6 +161,7 @@ private:
     const VrmlNode* node;
     bool holdsWeakly;  // its node fields may point back up without making a cycle of traversals
     Extent extent;     // that was met so far, its levels those below it
+    std::vector<const VrmlNode*> above;  // nodes around a Script around it that it holds
   };
 
   struct NamedField {
@@ -173,6 +175,7 @@ private:
   SoRef<VrmlNode> readUse();
   bool readEventForm(VrmlNode& node, std::string_view name);
   bool isOpen(const VrmlNode* node) const;
+  void holdAbove(const std::vector<const VrmlNode*>& nodes);
   bool makesCycle(const VrmlNode* node) const;
   void warnOfRest();
 
