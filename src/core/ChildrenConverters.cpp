@@ -40,13 +40,17 @@ void ConvertMFNodeToMFChildren::notify(SoNotList* list) {
 }
 
 // The change that this makes may come back here round a loop of routes. While a connection is being made, the
-// first notification finds no output yet: making it changes nothing.
+// first notification finds no output yet: making it changes nothing. The nodes are taken from the source itself: an
+// input that held them would hear of each, and let go of one while that still goes through those who hear of it.
 void ConvertMFNodeToMFChildren::evaluateFromNotify() {
   if (converting || output.getNumConnections() == 0) return;
   converting = true;
   const tessel::SoRef<ConvertMFNodeToMFChildren> alive(this);
+  SoField* source = nullptr;
+  if (!input.getConnectedField(source)) source = &input;
   for (int i = 0; i < output.getNumConnections(); ++i)
-    if (output[i]->isConnectionEnabled()) output[i]->copyFrom(input);
+    if (output[i]->isConnectionEnabled()) output[i]->copyFrom(*source);
+  input.setDirty(FALSE);
   converting = false;
 }
 

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <unordered_map>
 
+#include <Inventor/SoDB.h>
 #include <Inventor/actions/SoRayPickAction.h>
 #include <Inventor/errors/SoDebugError.h>
 #include <Inventor/errors/SoReadError.h>
@@ -23,6 +24,7 @@
 #include "core/Effort.h"
 #include "core/EventWatch.h"
 #include "core/FieldSpec.h"
+#include "core/LateRelease.h"
 #include "core/Loops.h"
 #include "core/StackRoom.h"
 #include "core/WorldReader.h"
@@ -125,6 +127,7 @@ void VrmlNode::discountReference() {
 }
 
 void VrmlNode::destroy() {
+  if (SoDB::isNotifying()) return tessel::releaseAfterNotification(*this);
   for (; discounted > 0; --discounted) ref();
   if (getRefCount() > 0) {
     tessel::releaseLater(*this);

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <string>
 
+#include <Inventor/SoDB.h>
 #include <Inventor/misc/SoNotification.h>
 
 #include <tessel/toolkit/Scoped.h>
@@ -67,9 +68,9 @@ void VrmlScript::leaveLoop() {
   runner.reset();
 }
 
-// A node that is in a loop may live on.
+// A node that is in a loop may live on, and any to the end of a notification.
 void VrmlScript::destroy() {
-  if (getDiscounted() == 0) leaveLoop();
+  if (getDiscounted() == 0 && !SoDB::isNotifying()) leaveLoop();
   NodeClass::destroy();
 }
 

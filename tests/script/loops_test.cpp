@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <tessel/core/VrmlGroup.h>
+#include <tessel/core/VrmlMFNode.h>
 #include <tessel/script/VrmlScript.h>
 #include <tessel/toolkit/SoRef.h>
 
@@ -13,6 +14,7 @@
 
 #include <Inventor/SoDB.h>
 #include <Inventor/fields/SoMFNode.h>
+#include <Inventor/fields/SoSFInt32.h>
 #include <Inventor/fields/SoSFNode.h>
 #include <Inventor/sensors/SoNodeSensor.h>
 #include <Inventor/sensors/SoSensorManager.h>
@@ -120,6 +122,52 @@ TEST(Loops, ThoseThatEventsCloseEndTooWhenOtherWorldsAreRead) {
   for (const auto& watch : watches) alive += !watch->dead();
   EXPECT_EQ(alive, 0);
   EXPECT_FALSE(living.dead());
+}
+
+// What a Script holds may use the nodes around it, and stand in the scene, but not below those nodes.
+TEST(Loops, NoneIsMadeInTheSceneByWayOfAScript) {
+  const std::string above =
+      "DEF A Group { children [ Group { children Script { field SFNode f DEF B Group { children "
+      "DEF C Group { children USE A } } } } ";
+  for (const char* use : {"USE B", "Group { children USE C }"}) {
+    const TestWorld refused(above + use + " ] }");
+    EXPECT_NE(refused.status, ReadStatus::world) << use;
+    EXPECT_NE(refused.messages.text().find("inside itself"), std::string::npos) << use;
+  }
+  const TestWorld good(above + "Script { field SFNode f USE B } ] } USE C");
+  EXPECT_EQ(good.status, ReadStatus::world) << good.messages.text();
+}
+
+// An event may take away nodes that are to hear of it too, or the very node that tells.
+TEST(Loops, ANodeLivesToTheEndOfTheNotificationThatTakesItAway) {
+  const TestWorld world(R"(DEF G Group { children [
+      DEF S Script { eventIn SFInt32 go eventOut MFNode out field SFNode me USE S
+        url "vrmlscript: function go(v) { out = v ? new MFNode(me) : new MFNode(); }" }
+      DEF H Group { } DEF I Group { } ] }
+    ROUTE S.out TO H.children ROUTE S.out TO G.children ROUTE S.out TO I.children)");
+  auto* group = static_cast<VrmlGroup*>(SoNode::getByName("G"));
+  const SoRef<VrmlScript> script(world.get<VrmlScript>("S"));
+  Watch removed(SoNode::getByName("I"));
+  for (int round = 1; round >= 0; --round) {
+    static_cast<SoSFInt32*>(script->getField("go"))->setValue(round);
+    EXPECT_EQ(group->getNumChildren(), round);
+  }
+  EXPECT_TRUE(removed.dead());
+}
+
+TEST(Loops, AListThatWasCutHoldsWhatItIsGiven) {
+  startLibrary();
+  const SoRef<VrmlGroup> nodes[] = {SoRef(new VrmlGroup), SoRef(new VrmlGroup), SoRef(new VrmlGroup)};
+  VrmlMFNode list, other;
+  for (int i = 0; i < 3; ++i) other.set1Value(i, nodes[i].get());
+  list.copyFrom(other);
+  list.setNum(2);
+  list.copyFrom(other);
+  EXPECT_EQ(nodes[2]->getRefCount(), 3);
+  other.setNum(0);
+  list.copyFrom(other);
+  EXPECT_EQ(list.getNum(), 0);
+  for (const auto& node : nodes) EXPECT_EQ(node->getRefCount(), 1);
 }
 
 TEST(Loops, AWorldThatNobodyHasReferencedYetStays) {
